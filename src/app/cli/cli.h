@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QStringList>
+#include <QTextStream>
+
+// tidewick-cli: the command-line companion, on the same logic as the window.
+namespace tidewick::cli {
+
+/// Exit codes of every command.
+enum ExitCode : int { Success = 0, UsageError = 1, ReaderError = 2 };
+
+/// Runs the command line `arguments` (without the program name); output goes to `out`,
+/// messages to `err`. Returns the exit code.
+int run(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
+/// `media FILE [--kind K] [--verbose]`: the media paths that the reader finds, one a line.
+int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
+}  // namespace tidewick::cli

@@ -1,0 +1,18 @@
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <cstdio>
+
+#include "app/cli/cli.h"
+
+int main(int argc, char* argv[]) {
+    QCoreApplication app(argc, argv);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    out.setEncoding(QStringConverter::Utf8);
+    err.setEncoding(QStringConverter::Utf8);
+    const int code = tidewick::cli::run(app.arguments().mid(1), out, err);
+    out.flush();
+    err.flush();
+    return code;
+}

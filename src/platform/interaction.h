@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+// Everything the user is asked or told goes through UserInteraction, so the logic runs the same
+// behind the Qt window, behind the command line and behind a scripted stand-in in tests.
+namespace tidewick {
+
+enum class MessageIcon { None, Information, Exclamation, Question, Critical };
+enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel, AbortRetryIgnore };
+enum class MessageAnswer { Ok, Cancel, Yes, No, Abort, Retry, Ignore };
+
+/// One message box: its text (CR LF between lines), title, icon, buttons and default button.
+struct MessageBoxRequest {
+    QString text;
+    QString title;
+    MessageIcon icon = MessageIcon::Information;
+    MessageButtons buttons = MessageButtons::Ok;
+    MessageAnswer defaultButton = MessageAnswer::Ok;
+
+    bool operator==(const MessageBoxRequest&) const = default;
+};
+
+/// The user as the logic sees them.
+class UserInteraction {
+public:
+    virtual ~UserInteraction() = default;
+
+    /// Shows a modal message box and returns the button the user chose.
+    virtual MessageAnswer showMessage(const MessageBoxRequest& request) = 0;
+
+    /// Shows the busy (hourglass) pointer, or the default pointer again.
+    virtual void setBusyPointer(bool busy) = 0;
+
+    /// Lets pending window events run, at the points where a long operation allows it.
+    virtual void processEvents() {}
+};
+
+/// Shorthand for the common OK box.
+MessageAnswer showOk(UserInteraction& ui, const QString& text, const QString& title,
+                     MessageIcon icon);
+
+}  // namespace tidewick

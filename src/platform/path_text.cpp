@@ -1,0 +1,136 @@
+#include "platform/path_text.h"
+
+namespace tidewick {
+
+QChar hostSeparator() {
+#ifdef Q_OS_WIN
+    return u'\\';
+#else
+    return u'/';
+#endif
+}
+
+bool isPathSeparator(QChar c) { return c == u'\\' || c == u'/'; }
+
+QString AddBackslash(QString& path) {
+    if (path.isEmpty() || !isPathSeparator(path.back())) {
+        path.append(hostSeparator());
+    }
+    return path;
+}
+
+QString ReplaceAll(const QString& findText, QString& text, const QString& replaceText) {
+    if (findText.isEmpty()) {
+        return text;
+    }
+    if (replaceText.contains(findText)) {
+        // Replacing again and again from the start would never end; one pass is the only
+        // answer that does.
+        text.replace(findText, replaceText);
+        return text;
+    }
+    // Restarting at the position of the last hit finds the same occurrences as restarting at
+    // the first character: nothing before it can have changed into a match, except a match
+    // that ends inside the replacement, and that starts at most |findText| - 1 characters back.
+    qsizetype from = 0;
+    for (;;) {
+        const qsizetype hit = text.indexOf(findText, from);
+        if (hit < 0) {
+            return text;
+        }
+        text.replace(hit, findText.size(), replaceText);
+        from = qMax<qsizetype>(0, hit - findText.size() + 1);
+    }
+}
+
+namespace {
+
+// The end of the path once trailing separators are dropped, though never the root's own.
+qsizetype endWithoutTrailingSeparators(const QString& path) {
+    qsizetype end = path.size();
+    while (end > 1 && isPathSeparator(path[end - 1])) {
+        --end;
+    }
+    return end;
+}
+
+qsizetype lastSeparator(const QString& path, qsizetype end) {
+    for (qsizetype i = end - 1; i >= 0; --i) {
+        if (isPathSeparator(path[i])) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+bool isDriveSpec(QStringView text) {
+    return text.size() == 2 && text[1] == u':' && text[0].isLetter();
+}
+
+}  // namespace
+
+QString GetParentFolderName(const QString& path) {
+    const qsizetype end = endWithoutTrailingSeparators(path);
+    const qsizetype sep = lastSeparator(path, end);
+    if (sep < 0) {
+        return {};
+    }
+    if (sep == end - 1 && end == 1) {
+        return {};  // the root itself has no parent
+    }
+    qsizetype parentEnd = sep;
+    while (parentEnd > 0 && isPathSeparator(path[parentEnd - 1])) {
+        --parentEnd;
+    }
+    if (parentEnd == 0) {
+        return path.left(1);  // "/a.wav" -> "/"
+    }
+    const QString parent = path.left(parentEnd);
+    if (isDriveSpec(parent)) {
+        return parent + path[sep];  // "C:\a.wav" -> "C:\"
+    }
+    return parent;
+}
+
+QString GetFileName(const QString& path) {
+    const qsizetype end = endWithoutTrailingSeparators(path);
+    const qsizetype sep = lastSeparator(path, end);
+    const QString name = path.mid(sep + 1, end - sep - 1);
+    if (name.size() == 1 && isPathSeparator(name[0])) {
+        return {};
+    }
+    if (sep < 0 && isDriveSpec(name)) {
+        return {};
+    }
+    return name;
+}
+
+QString GetBaseName(const QString& path) {
+    const QString name = GetFileName(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot < 0 ? name : name.left(dot);
+}
+
+QString GetExtensionName(const QString& path) {
+    const QString name = GetFileName(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot < 0 ? QString() : name.mid(dot + 1);
+}
+
+bool hasFolderPart(const QString& path) {
+    return path.contains(u'\\') || path.contains(u'/');
+}
+
+QString trimBlanks(const QString& text) {
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && text[begin] == u' ') {
+        ++begin;
+    }
+    while (end > begin && text[end - 1] == u' ') {
+        --end;
+    }
+    return text.mid(begin, end - begin);
+}
+
+}  // namespace tidewick

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+// Path-text operations of the file-system object. They read both "\" and "/" as separators, so
+// a path written on Windows and one written on Linux or macOS take the same road.
+namespace tidewick {
+
+/// The host's path separator: "\" on Windows, "/" elsewhere.
+QChar hostSeparator();
+
+/// True for "\" and "/".
+bool isPathSeparator(QChar c);
+
+/// Appends the host separator to `path` itself when its last character is no separator, and
+/// returns the result. Callers rely on both effects; empty text becomes the separator alone.
+QString AddBackslash(QString& path);
+
+/// Replaces the first occurrence of `findText` in `text` again and again, from the start each
+/// time, until none is left; changes `text` itself and returns it. So "&amp;amp;" with "&amp;"
+/// and "&" becomes "&".
+QString ReplaceAll(const QString& findText, QString& text, const QString& replaceText);
+
+/// The path without its last component: empty for a bare name, and a root keeps its separator
+/// ("C:\" for "C:\a.wav", "/" for "/a.wav").
+QString GetParentFolderName(const QString& path);
+
+/// The last component of a path ("take.wav" for "C:\x\take.wav").
+QString GetFileName(const QString& path);
+
+/// The last component without its extension ("take" for "C:\x\take.wav").
+QString GetBaseName(const QString& path);
+
+/// The text after the last dot of the last component, without the dot; empty when there is none.
+QString GetExtensionName(const QString& path);
+
+/// True when the path has a folder part, that is a separator anywhere in it.
+bool hasFolderPart(const QString& path);
+
+/// Removes leading and trailing blanks (code 32) only; tabs and other white space stay.
+QString trimBlanks(const QString& text);
+
+}  // namespace tidewick

@@ -1,0 +1,309 @@
+#include "readers/import_ses.h"
+
+#include <array>
+#include <limits>
+
+#include "platform/session_text.h"
+#include "readers/session_bytes.h"
+
+namespace tidewick {
+
+namespace {
+
+constexpr QByteArrayView kMagic = "COOLNESS";
+constexpr qint32 kMaxTextBytes = 32767;  // the longest "vers" data or name buffer read
+constexpr qsizetype kFileNameLength = 255;
+
+const QString kReadErrorText = QStringLiteral("An error occurred accessing the selected SES file.  ");
+
+bool versionStartsWith(const QString& version, const char* prefix) {
+    return version.startsWith(QLatin1StringView(prefix));
+}
+
+// Cool Edit Pro 1.0 and 1.2 wrote file entries 8 bytes shorter than every later version.
+bool usesOldEntryLayout(const QString& version) {
+    return versionStartsWith(version, "Cool Edit Pro 1.2") ||
+           versionStartsWith(version, "Cool Edit Pro 1.0");
+}
+
+// How far past the list size S the next chunk header lies, by version. The later versions put
+// a trailer after the entries whose length the list size does not count.
+qint32 listTrailerLength(const QString& version) {
+    for (const char* prefix : {"Cool Edit Pro 1.2a", "Cool Edit Pro 1.2", "Cool Edit Pro 1.0",
+                               "Audition 1.5", "Audition 2.0", "Audition 3.0"}) {
+        if (versionStartsWith(version, prefix)) {
+            return 4;
+        }
+    }
+    if (versionStartsWith(version, "Audition 1.0") ||
+        versionStartsWith(version, "Cool Edit Pro 2.1")) {
+        return 16;
+    }
+    return 28;
+}
+
+// One walk over a binary session held in memory. Positions are 0-based and 32-bit, as the file
+// stores them; every step that would leave the file, overflow or stand still fails with a
+// description instead.
+class SesWalk {
+public:
+    SesWalk(QByteArrayView bytes, ProgramState& state) : bytes_(bytes), state_(state) {}
+
+    QString error;
+
+    bool fail(const char* description) {
+        error = QString::fromLatin1(description);
+        return false;
+    }
+
+    bool readI32(qint32 pos, qint32& value) {
+        return readI32LE(bytes_, pos, value) || fail("Input past end of file");
+    }
+
+    bool add(qint32 a, qint64 b, qint32& sum) {
+        const qint64 wide = qint64(a) + b;
+        if (wide < std::numeric_limits<qint32>::min() || wide > std::numeric_limits<qint32>::max()) {
+            return fail("Overflow");
+        }
+        sum = qint32(wide);
+        return true;
+    }
+
+    bool readBytes(qint32 pos, qint32 length, QByteArrayView& out) {
+        if (length < 0 || length > kMaxTextBytes) {
+            return fail("A text field of the file is longer than 32767 bytes");
+        }
+        if (pos < 0 || qint64(pos) + length > bytes_.size()) {
+            return fail("Input past end of file");
+        }
+        out = bytes_.sliced(pos, length);
+        return true;
+    }
+
+    bool readHeader(qint32 pos, SesChunkHeader& header) {
+        QByteArrayView id;
+        if (!readBytes(pos, 4, id) || !readI32(pos + 4, header.ChunkLength)) {
+            return false;
+        }
+        header.ChunkID = id.toByteArray();
+        return true;
+    }
+
+    // The stored length L at offset 8.
+    bool readStoredLength(qint32& length) { return readI32(8, length); }
+
+    // The data of a "vers" chunk with its zero bytes dropped.
+    bool readVersion(qint32 pos, qint32 length, QString& version) {
+        QByteArrayView data;
+        if (!readBytes(pos, length, data)) {
+            return false;
+        }
+        version = decodeSessionText(withoutZeroBytes(data));
+        return true;
+    }
+
+    // Reads the file entries of one LIST chunk whose data starts at `position` into
+    // SesMediaRecords, and moves `position` to the next chunk header.
+    bool ImportSesFileList(qint32& position, qint32& listLength) {
+        if (listLength <= 0) {
+            return add(position, 28, position);
+        }
+        qint32 listSize = 0;
+        if (!readI32(position, listSize)) {
+            return false;
+        }
+        listLength = listSize;
+        const QString& version = state_.SesVersion;
+        const bool oldLayout = usesOldEntryLayout(version);
+        qint32 entry = 0;
+        if (!add(position, 4, entry)) {
+            return false;
+        }
+        qint64 consumed = 0;
+        for (;;) {
+            SesChunkHeader header;
+            if (!readHeader(entry, header)) {
+                return false;
+            }
+            if (header.ChunkID == "LIST" && bytes_.sliced(entry + 4, 4) == "FILE") {
+                break;
+            }
+            if (header.ChunkLength <= 16) {
+                return fail("A file entry of the file is too short");
+            }
+            qint32 value = 0;
+            QByteArrayView buffer;
+            const qint32 bufferLength = header.ChunkLength - (oldLayout ? 8 : 16);
+            if (!readI32(entry + 8, value) || !readBytes(entry + 16, bufferLength, buffer)) {
+                return false;
+            }
+            // The name is every non-zero byte of the buffer, in order, even those after a zero.
+            const QByteArray nameBytes = withoutZeroBytes(buffer);
+            QString name = decodeSessionText(nameBytes);
+            name.truncate(kFileNameLength);
+            state_.SesMediaRecords.append({value, name, header.ChunkID});
+
+            // The next entry starts right after the name and its terminating zero, not at the
+            // end of the buffer; the later layout keeps 8 more bytes before it.
+            const qint32 step = (oldLayout ? 17 : 25) + qint32(nameBytes.size());
+            if (!add(entry, step, entry)) {
+                return false;
+            }
+            consumed += step;
+            if (consumed >= listSize) {
+                break;
+            }
+        }
+        return add(position, qint64(listSize) + listTrailerLength(version), position);
+    }
+
+private:
+    static QByteArray withoutZeroBytes(QByteArrayView data) {
+        QByteArray out;
+        out.reserve(data.size());
+        for (char c : data) {
+            if (c != 0) {
+                out.append(c);
+            }
+        }
+        return out;
+    }
+
+    QByteArrayView bytes_;
+    ProgramState& state_;
+};
+
+SesReadResult reportReadError(const QString& description, QString& version, ReaderContext& context) {
+    version.clear();
+    showOk(context.ui, kReadErrorText + description, QStringLiteral("File Error"),
+           MessageIcon::Critical);
+    context.ui.setBusyPointer(false);
+    return SesReadResult::ReadError;
+}
+
+}  // namespace
+
+bool isSupportedSesVersion(const QString& version) {
+    for (const char* prefix :
+         {"Audition 3.0", "Audition 2.0", "Audition 1.5", "Cool Edit Pro 2.00",
+          "Cool Edit Pro 1.2a", "Cool Edit Pro 2.1", "Cool Edit Pro 1.2", "Cool Edit Pro 1.0",
+          "Audition 1.0"}) {
+        if (versionStartsWith(version, prefix)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+SesReadResult ImportSesBytes(QByteArrayView bytes, QString& version, bool versionOnly,
+                             ReaderContext& context) {
+    ProgramState& state = context.state;
+    state.SesMediaRecords.clear();
+    if (bytes.size() < kMagic.size() || bytes.first(kMagic.size()) != kMagic) {
+        return SesReadResult::NotASession;
+    }
+
+    SesWalk walk(bytes, state);
+    qint32 storedLength = 0;
+    if (!walk.readStoredLength(storedLength)) {
+        return reportReadError(walk.error, version, context);
+    }
+    bool versionSeen = false;
+    qint32 position = 12;
+    // The stored length counts from a 1-based position: the walk goes on while the next
+    // header's 0-based offset is below L - 1.
+    while (qint64(position) + 1 < storedLength) {
+        const qint32 headerStart = position;
+        SesChunkHeader header;
+        if (!walk.readHeader(position, header)) {
+            return reportReadError(walk.error, version, context);
+        }
+        position += 8;  // readHeader proved these 8 bytes lie inside the file
+        if (header.ChunkID == "LIST") {
+            // Entries are laid out by version, so a list before any version has no layout. An
+            // older version text left over from another file would read this one wrongly, so
+            // the file is refused rather than read with a guess.
+            if (!versionSeen) {
+                return reportReadError(QStringLiteral("The file lists its media before naming its version"),
+                                       version, context);
+            }
+            qint32 listLength = header.ChunkLength;
+            if (!walk.ImportSesFileList(position, listLength)) {
+                return reportReadError(walk.error, version, context);
+            }
+        } else {
+            if (header.ChunkID == "vers") {
+                if (!walk.readVersion(position, header.ChunkLength, state.SesVersion)) {
+                    return reportReadError(walk.error, version, context);
+                }
+                version = state.SesVersion;
+                versionSeen = true;
+                if (versionOnly) {
+                    return SesReadResult::VersionFound;
+                }
+                if (!isSupportedSesVersion(version)) {
+                    showOk(context.ui, version + QStringLiteral(" is not currently supported"),
+                           QStringLiteral("Importing Audition Session file"),
+                           MessageIcon::Information);
+                    context.ui.setBusyPointer(false);
+                    return SesReadResult::UnsupportedVersion;
+                }
+            }
+            // "hdr ", "vers", "WLST" and every other chunk are passed over whole.
+            if (header.ChunkLength < 0) {
+                return reportReadError(QStringLiteral("A chunk of the file has a negative length"),
+                                       version, context);
+            }
+            if (!walk.add(position, header.ChunkLength, position)) {
+                return reportReadError(walk.error, version, context);
+            }
+        }
+        // Each chunk must move the walk on, or a hostile file could hold it in place forever.
+        if (position <= headerStart) {
+            return reportReadError(QStringLiteral("A chunk of the file points backwards"), version,
+                                   context);
+        }
+    }
+    if (!versionOnly) {
+        context.ui.setBusyPointer(false);
+    }
+    return SesReadResult::Complete;
+}
+
+bool ImportSesFile(const QString& fileName, QString& version, bool versionOnly,
+                   ReaderContext& context) {
+    QByteArray bytes;
+    QString error;
+    if (!readSessionBytes(fileName, bytes, error)) {
+        context.state.SesMediaRecords.clear();
+        return reportReadError(error, version, context) == SesReadResult::ReadError;
+    }
+    const SesReadResult result = ImportSesBytes(bytes, version, versionOnly, context);
+    return result == SesReadResult::NotASession || result == SesReadResult::ReadError;
+}
+
+ReaderOutcome ImportSesSession(const QString& fileName, ReaderContext& context) {
+    QByteArray bytes;
+    QString error;
+    QString version;
+    if (!readSessionBytes(fileName, bytes, error)) {
+        context.state.SesMediaRecords.clear();
+        reportReadError(error, version, context);
+        return ReaderOutcome::Failed;
+    }
+    for (const bool versionOnly : {true, false}) {
+        switch (ImportSesBytes(bytes, version, versionOnly, context)) {
+            case SesReadResult::NotASession:
+            case SesReadResult::UnsupportedVersion:
+                return ReaderOutcome::Rejected;
+            case SesReadResult::ReadError:
+                return ReaderOutcome::Failed;
+            case SesReadResult::VersionFound:
+            case SesReadResult::Complete:
+                break;
+        }
+    }
+    return ReaderOutcome::Read;
+}
+
+}  // namespace tidewick

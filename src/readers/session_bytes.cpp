@@ -1,0 +1,94 @@
+#include "readers/session_bytes.h"
+
+#include <QFile>
+
+#include <limits>
+
+namespace tidewick {
+
+bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error) {
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = file.errorString();
+        return false;
+    }
+    const qint64 size = file.size();
+    if (size > qint64(std::numeric_limits<qint32>::max()) - 1024) {
+        // Session positions are 32-bit; no real session comes near this.
+        error = QStringLiteral("The file is larger than 2 GB.");
+        return false;
+    }
+    bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        error = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error) {
+    showOk(ui,
+           QStringLiteral("An error occurred accessing the selected ") + kindCaption +
+               QStringLiteral(" file.  ") + error,
+           QStringLiteral("File Error"), MessageIcon::Critical);
+}
+
+QByteArrayView LineReader::next() {
+    const qsizetype size = bytes_.size();
+    const qsizetype begin = pos_;
+    const char* data = bytes_.data();
+    qsizetype end = begin;
+    while (end < size && data[end] != '\r' && !(lineFeedEndsLine_ && data[end] == '\n')) {
+        ++end;
+    }
+    pos_ = end;
+    if (pos_ < size) {
+        ++pos_;  // the CR or LF itself
+        if (data[end] == '\r' && pos_ < size && data[pos_] == '\n') {
+            ++pos_;
+        }
+    }
+    return bytes_.sliced(begin, end - begin);
+}
+
+QByteArrayView trimmedLine(QByteArrayView line) {
+    qsizetype begin = 0;
+    qsizetype end = line.size();
+    while (begin < end && line[begin] == ' ') {
+        ++begin;
+    }
+    while (end > begin && line[end - 1] == ' ') {
+        --end;
+    }
+    return line.sliced(begin, end - begin);
+}
+
+QByteArray cleanedLine(QByteArrayView line) {
+    qsizetype begin = 0;
+    qsizetype end = line.size();
+    auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    while (begin < end && blank(line[begin])) {
+        ++begin;
+    }
+    while (end > begin && blank(line[end - 1])) {
+        --end;
+    }
+    QByteArray out = line.sliced(begin, end - begin).toByteArray();
+    out.replace('\t', ' ');
+    return out;
+}
+
+bool textBetweenFirstQuotes(QByteArrayView line, QByteArrayView& inside) {
+    const qsizetype first = line.indexOf('"');
+    if (first < 0) {
+        return false;
+    }
+    const qsizetype second = line.indexOf('"', first + 1);
+    if (second < 0) {
+        return false;
+    }
+    inside = line.sliced(first + 1, second - first - 1);
+    return true;
+}
+
+}  // namespace tidewick

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
+#include "readers/reader_contract.h"
+
+// The small pieces every reader stands on: one read of the whole file, bounds-checked numbers,
+// and the lines of a text session.
+namespace tidewick {
+
+/// Reads the whole file in one go. On failure returns false with a description in `error`.
+bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error);
+
+/// Shows the "File Error" box that reports a session file that could not be read.
+/// `kindCaption` names the kind as its tab does ("SES", "RPP", ...).
+void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error);
+
+/// Reads the 32-bit signed little-endian number at `pos`; false when it lies outside `bytes`.
+inline bool readI32LE(QByteArrayView bytes, qint64 pos, qint32& value) {
+    if (pos < 0 || pos > bytes.size() - 4) {
+        return false;
+    }
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes.data() + pos);
+    value = static_cast<qint32>(quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 |
+                                quint32(p[3]) << 24);
+    return true;
+}
+
+/// Hands out the lines of a text session. A line ends at a carriage return, at a carriage
+/// return and line feed, and, when `lineFeedEndsLine` is set, at a lone line feed too. Past the
+/// end every further line is empty text, so a reader that asks for a line the file lacks reads
+/// an empty one.
+class LineReader {
+public:
+    LineReader(QByteArrayView bytes, bool lineFeedEndsLine)
+        : bytes_(bytes), lineFeedEndsLine_(lineFeedEndsLine) {}
+
+    /// True once every line has been handed out.
+    bool atEnd() const { return pos_ >= bytes_.size(); }
+
+    /// The next line, without its line end.
+    QByteArrayView next();
+
+private:
+    QByteArrayView bytes_;
+    qsizetype pos_ = 0;
+    bool lineFeedEndsLine_;
+};
+
+/// Removes leading and trailing blanks (code 32); tabs stay.
+QByteArrayView trimmedLine(QByteArrayView line);
+
+/// A line's cleaned form: every tab read as a blank, then leading and trailing blanks removed.
+/// Returned as bytes with the tabs inside replaced.
+QByteArray cleanedLine(QByteArrayView line);
+
+/// The text between the first and the second double quote; false when there are fewer than two.
+bool textBetweenFirstQuotes(QByteArrayView line, QByteArrayView& inside);
+
+}  // namespace tidewick
