@@ -1,23 +1,160 @@
 #include "readers/import_xml.h"
 
+#include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
 namespace tidewick {
 
+namespace {
+
+constexpr QByteArrayView kSessionTag = "<AuditionSession>";
+constexpr QByteArrayView kWaveBlockOpen = "<EntityInfo_Wave>";
+constexpr QByteArrayView kWaveBlockClose = "</EntityInfo_Wave>";
+constexpr QByteArrayView kWaveEntryOpen = "<EntityInfo_Wave_";
+
+// Lines from an entry's opening line to its path line, and from the path line to the entry's end.
+constexpr int kLinesToPath = 18;
+constexpr int kLinesAfterPath = 3;
+
+// True when the line's cleaned form would be empty: it holds nothing but blanks and tabs.
+bool isBlankLine(QByteArrayView line) {
+    for (const char c : line) {
+        if (c != ' ' && c != '\t') {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Replaces the first occurrence of `find` by `replacement` again and again, each time searching
+// from the start, until none is left: so "&amp;amp;" becomes "&". Done literally that costs a
+// search per occurrence, which a hostile line of millions of entities turns into a hang. One
+// pass that checks the end of the output after each byte gives the same text, because a
+// replacement can only form a new occurrence that starts at the replacement itself (the
+// replacement is either the first character of `find` or absent from it, and `find` never
+// overlaps itself), and so that occurrence ends at a byte still to be copied.
+QByteArray replaceAllRestarting(QByteArrayView text, QByteArrayView find, char replacement) {
+    QByteArray out;
+    out.reserve(text.size());
+    const char last = find.back();
+    for (const char c : text) {
+        out.append(c);
+        if (c == last && QByteArrayView(out).endsWith(find)) {
+            out.chop(find.size());
+            out.append(replacement);
+        }
+    }
+    return out;
+}
+
+// One Audition XML file's lines, read in the fixed order of the export.
+class XmlSession {
+public:
+    XmlSession(QByteArrayView bytes, ReaderContext& context)
+        // A lone line feed ends a line too: the export is also met with LF line ends, and read
+        // as one long line such a file would yield nothing.
+        : lines_(bytes, true), context_(context) {}
+
+    ReaderOutcome read() {
+        // The first non-blank line is the declaration, whatever it says.
+        QByteArrayView line;
+        do {
+            line = lines_.next();
+        } while (isBlankLine(line) && !lines_.atEnd());
+
+        // The header test takes the next line as it is, untrimmed. A file that ends before it
+        // reads an empty line here, which fails the test.
+        const QByteArrayView header = lines_.next();
+        if (!header.startsWith(kSessionTag)) {
+            context_.ui.setBusyPointer(false);
+            showOk(context_.ui,
+                   QStringLiteral("This is not a properly formated Adobe Audition XML file.\n") +
+                       decodeSessionText(cleanedLine(header)),
+                   QStringLiteral("Processing XML File"), MessageIcon::Information);
+            return ReaderOutcome::Rejected;
+        }
+
+        while (!lines_.atEnd()) {
+            if (trimmedLine(lines_.next()) == kWaveBlockOpen) {
+                // A block that follows right after the previous one's closing line is read
+                // too, but only one: the line after that second block is not looked at.
+                if (readWaveBlock()) {
+                    readWaveBlock();
+                }
+            }
+        }
+        return ReaderOutcome::Read;
+    }
+
+private:
+    // Reads wave entries up to the block's closing line, then the one line after it; returns
+    // whether that line opens another block.
+    bool readWaveBlock() {
+        while (!lines_.atEnd()) {
+            const QByteArrayView line = trimmedLine(lines_.next());
+            if (line.startsWith(kWaveEntryOpen)) {
+                ImportXmlWaveEntry();
+            } else if (line == kWaveBlockClose) {
+                return trimmedLine(lines_.next()) == kWaveBlockOpen;
+            }
+        }
+        return false;
+    }
+
+    // Reads one wave entry after its opening line and appends its path.
+    void ImportXmlWaveEntry() {
+        QByteArrayView pathLine;
+        for (int i = 0; i < kLinesToPath; ++i) {
+            pathLine = lines_.next();
+        }
+        // Only one of the two entities is decoded: a line holding "&amp;" keeps any "&apos;".
+        QByteArray decoded;
+        if (pathLine.contains(QByteArrayView("&amp;"))) {
+            decoded = replaceAllRestarting(pathLine, "&amp;", '&');
+        } else if (pathLine.contains(QByteArrayView("&apos;"))) {
+            decoded = replaceAllRestarting(pathLine, "&apos;", '\'');
+        } else {
+            decoded = pathLine.toByteArray();
+        }
+        const QByteArrayView path = trimmedLine(decoded);
+        for (int i = 0; i < kLinesAfterPath; ++i) {
+            lines_.next();
+        }
+        // An entry cut short by the end of the file reads empty lines, and an empty path
+        // names no file.
+        if (!path.isEmpty()) {
+            context_.state.MediaPaths.appendUnique(decodeSessionText(path));
+        }
+    }
+
+    LineReader lines_;
+    ReaderContext& context_;
+};
+
+ReaderOutcome readXmlSession(QByteArrayView bytes, ReaderContext& context) {
+    // An empty file is no session, but it is passed over without a word.
+    if (bytes.isEmpty()) {
+        return ReaderOutcome::Read;
+    }
+    return XmlSession(bytes, context).read();
+}
+
+}  // namespace
+
 ReaderOutcome ImportXmlFile(const QString& fileName, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
     QByteArray bytes;
     QString error;
     if (!readSessionBytes(fileName, bytes, error)) {
         reportFileError(context.ui, QStringLiteral("XML"), error);
         return ReaderOutcome::Failed;
     }
-    return ImportXmlBytes(bytes, context);
+    return readXmlSession(bytes, context);
 }
 
-ReaderOutcome ImportXmlBytes(QByteArrayView, ReaderContext& context) {
-    showOk(context.ui, QStringLiteral("Reading XML sessions is not yet supported."),
-           QStringLiteral("Processing XML File"), MessageIcon::Information);
-    return ReaderOutcome::Failed;
+ReaderOutcome ImportXmlBytes(QByteArrayView bytes, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
+    return readXmlSession(bytes, context);
 }
 
 }  // namespace tidewick
