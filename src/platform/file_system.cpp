@@ -14,6 +14,8 @@ bool FileSystem::FolderExists(const QString& path) const {
     return !path.isEmpty() && QFileInfo(path).isDir();
 }
 
-QString FileSystem::currentDirectory() const { return QDir::currentPath(); }
+QString FileSystem::currentDirectory() const {
+    return QDir::currentPath();
+}
 
 }  // namespace tidewick

@@ -10,7 +10,9 @@ QChar hostSeparator() {
 #endif
 }
 
-bool isPathSeparator(QChar c) { return c == u'\\' || c == u'/'; }
+bool isPathSeparator(QChar c) {
+    return c == u'\\' || c == u'/';
+}
 
 QString AddBackslash(QString& path) {
     if (path.isEmpty() || !isPathSeparator(path.back())) {

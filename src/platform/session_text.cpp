@@ -1,6 +1,31 @@
 #include "platform/session_text.h"
 
+#include <cstring>
+
 namespace tidewick {
+
+namespace {
+
+// Paths are nearly always plain ASCII; testing 8 bytes at a time finds that quickly.
+bool isAscii(QByteArrayView bytes) {
+    const char* p = bytes.data();
+    qsizetype n = bytes.size();
+    for (; n >= 8; p += 8, n -= 8) {
+        quint64 word;
+        std::memcpy(&word, p, 8);
+        if (word & 0x8080808080808080ULL) {
+            return false;
+        }
+    }
+    for (; n > 0; ++p, --n) {
+        if (static_cast<unsigned char>(*p) >= 0x80) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
 
 bool isValidUtf8(QByteArrayView bytes) {
     const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
@@ -58,6 +83,9 @@ QString decodeWindows1252(QByteArrayView bytes) {
 }
 
 QString decodeSessionText(QByteArrayView bytes) {
+    if (isAscii(bytes)) {
+        return QString::fromLatin1(bytes);
+    }
     if (isValidUtf8(bytes)) {
         return QString::fromUtf8(bytes);
     }

@@ -1,6 +1,6 @@
 #include "readers/import_ses.h"
 
-#include <array>
+#include <cstring>
 #include <limits>
 
 #include "platform/session_text.h"
@@ -14,7 +14,8 @@ constexpr QByteArrayView kMagic = "COOLNESS";
 constexpr qint32 kMaxTextBytes = 32767;  // the longest "vers" data or name buffer read
 constexpr qsizetype kFileNameLength = 255;
 
-const QString kReadErrorText = QStringLiteral("An error occurred accessing the selected SES file.  ");
+const QString kReadErrorText =
+    QStringLiteral("An error occurred accessing the selected SES file.  ");
 
 bool versionStartsWith(const QString& version, const char* prefix) {
     return version.startsWith(QLatin1StringView(prefix));
@@ -62,7 +63,8 @@ public:
 
     bool add(qint32 a, qint64 b, qint32& sum) {
         const qint64 wide = qint64(a) + b;
-        if (wide < std::numeric_limits<qint32>::min() || wide > std::numeric_limits<qint32>::max()) {
+        if (wide < std::numeric_limits<qint32>::min() ||
+            wide > std::numeric_limits<qint32>::max()) {
             return fail("Overflow");
         }
         sum = qint32(wide);
@@ -85,7 +87,7 @@ public:
         if (!readBytes(pos, 4, id) || !readI32(pos + 4, header.ChunkLength)) {
             return false;
         }
-        header.ChunkID = id.toByteArray();
+        header.ChunkID = FourCC::from(id);
         return true;
     }
 
@@ -98,7 +100,8 @@ public:
         if (!readBytes(pos, length, data)) {
             return false;
         }
-        version = decodeSessionText(withoutZeroBytes(data));
+        QByteArray scratch;
+        version = decodeSessionText(nonZeroBytes(data, scratch));
         return true;
     }
 
@@ -138,10 +141,11 @@ public:
                 return false;
             }
             // The name is every non-zero byte of the buffer, in order, even those after a zero.
-            const QByteArray nameBytes = withoutZeroBytes(buffer);
+            QByteArray scratch;
+            const QByteArrayView nameBytes = nonZeroBytes(buffer, scratch);
             QString name = decodeSessionText(nameBytes);
             name.truncate(kFileNameLength);
-            state_.SesMediaRecords.append({value, name, header.ChunkID});
+            state_.SesMediaRecords.append({value, std::move(name), header.ChunkID});
 
             // The next entry starts right after the name and its terminating zero, not at the
             // end of the buffer; the later layout keeps 8 more bytes before it.
@@ -158,22 +162,37 @@ public:
     }
 
 private:
-    static QByteArray withoutZeroBytes(QByteArrayView data) {
-        QByteArray out;
-        out.reserve(data.size());
+    // The non-zero bytes of `data`, in order. Almost always they are a text followed by zeros
+    // only, and then they are a view into `data`; otherwise they are gathered in `scratch`.
+    static QByteArrayView nonZeroBytes(QByteArrayView data, QByteArray& scratch) {
+        const char* begin = data.data();
+        const char* end = begin + data.size();
+        const auto* zero = static_cast<const char*>(std::memchr(begin, 0, data.size()));
+        if (zero == nullptr) {
+            return data;
+        }
+        const char* rest = zero;
+        while (rest < end && *rest == 0) {
+            ++rest;
+        }
+        if (rest == end) {
+            return QByteArrayView(begin, zero - begin);
+        }
+        scratch.reserve(data.size());
         for (char c : data) {
             if (c != 0) {
-                out.append(c);
+                scratch.append(c);
             }
         }
-        return out;
+        return scratch;
     }
 
     QByteArrayView bytes_;
     ProgramState& state_;
 };
 
-SesReadResult reportReadError(const QString& description, QString& version, ReaderContext& context) {
+SesReadResult reportReadError(const QString& description, QString& version,
+                              ReaderContext& context) {
     version.clear();
     showOk(context.ui, kReadErrorText + description, QStringLiteral("File Error"),
            MessageIcon::Critical);
@@ -184,10 +203,9 @@ SesReadResult reportReadError(const QString& description, QString& version, Read
 }  // namespace
 
 bool isSupportedSesVersion(const QString& version) {
-    for (const char* prefix :
-         {"Audition 3.0", "Audition 2.0", "Audition 1.5", "Cool Edit Pro 2.00",
-          "Cool Edit Pro 1.2a", "Cool Edit Pro 2.1", "Cool Edit Pro 1.2", "Cool Edit Pro 1.0",
-          "Audition 1.0"}) {
+    for (const char* prefix : {"Audition 3.0", "Audition 2.0", "Audition 1.5", "Cool Edit Pro 2.00",
+                               "Cool Edit Pro 1.2a", "Cool Edit Pro 2.1", "Cool Edit Pro 1.2",
+                               "Cool Edit Pro 1.0", "Audition 1.0"}) {
         if (versionStartsWith(version, prefix)) {
             return true;
         }
@@ -224,8 +242,9 @@ SesReadResult ImportSesBytes(QByteArrayView bytes, QString& version, bool versio
             // older version text left over from another file would read this one wrongly, so
             // the file is refused rather than read with a guess.
             if (!versionSeen) {
-                return reportReadError(QStringLiteral("The file lists its media before naming its version"),
-                                       version, context);
+                return reportReadError(
+                    QStringLiteral("The file lists its media before naming its version"), version,
+                    context);
             }
             qint32 listLength = header.ChunkLength;
             if (!walk.ImportSesFileList(position, listLength)) {

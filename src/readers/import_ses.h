@@ -13,8 +13,8 @@ namespace tidewick {
 
 /// A chunk's 8-byte header.
 struct SesChunkHeader {
-    QByteArray ChunkID;       ///< 4 bytes of ASCII: "hdr ", "vers", "WLST", "LIST", ...
-    qint32 ChunkLength = 0;   ///< length of the data that follows
+    FourCC ChunkID;          ///< "hdr ", "vers", "WLST", "LIST", ...
+    qint32 ChunkLength = 0;  ///< length of the data that follows
 };
 
 /// How a read of a binary session ended.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -38,11 +39,27 @@ private:
     QSet<QString> seen_;
 };
 
+/// A 4-byte identifier of a binary session ("FILE", "LIST", "vers"), held without allocating.
+struct FourCC {
+    char bytes[4] = {0, 0, 0, 0};
+
+    static FourCC from(QByteArrayView text) {
+        FourCC id;
+        for (qsizetype i = 0; i < 4 && i < text.size(); ++i) {
+            id.bytes[i] = text[i];
+        }
+        return id;
+    }
+    QByteArrayView view() const { return QByteArrayView(bytes, 4); }
+    bool operator==(const FourCC&) const = default;
+    bool operator==(QByteArrayView text) const { return view() == text; }
+};
+
 /// One file entry of a binary session, in file order; duplicates stay.
 struct SesMediaRecord {
     qint32 EntryValue = 0;  ///< the value that follows the entry's header
     QString FileName;       ///< the name, cut to 255 characters; readers of it trim blanks
-    QByteArray ChunkID;     ///< the entry's 4-byte identifier
+    FourCC ChunkID;         ///< the entry's identifier
 
     bool operator==(const SesMediaRecord&) const = default;
 };
@@ -51,8 +68,8 @@ struct SesMediaRecord {
 struct ProgramState {
     MediaPathList MediaPaths;               ///< written by the text and Vegas readers
     QList<SesMediaRecord> SesMediaRecords;  ///< written by the binary session reader
-    QString SesVersion;    ///< version text of the last binary session read
-    QString RecordFolder;  ///< the session's recordings folder (see the session kinds)
+    QString SesVersion;                     ///< version text of the last binary session read
+    QString RecordFolder;          ///< the session's recordings folder (see the session kinds)
     bool CheckAllFiles = false;    ///< true while every session of the folder is read at once
     bool TrimFoldersFlag = false;  ///< true while "Ignore Leading Folder names" is checked
     qint16 ScanFirst = 0;          ///< first session-list index of the next load

@@ -17,16 +17,16 @@ using SessionReader = ReaderOutcome (*)(const QString& fileName, ReaderContext& 
 
 struct SessionKind {
     SessionKindId id;
-    int tabIndex;               ///< the tab's position, from 1
-    QString tabCaption;         ///< "SES"
-    QString tabKey;             ///< "SESFiles"
-    QString tabTooltip;         ///< "Audition/CEP Session Files"
-    QString sessionPattern;     ///< "*.ses", the pattern of the session-file list
-    QString scanAllCaption;     ///< caption of ScanAll, "&" before the access key
-    QString keepPeaksCaption;   ///< caption of KeepPKCheck
-    QString peakExtension;      ///< "pk", lower case, without the dot
-    SessionReader reader;       ///< reads one file of this kind
-    const char* readerName;     ///< the reader routine, for messages and the command line
+    int tabIndex;              ///< the tab's position, from 1
+    QString tabCaption;        ///< "SES"
+    QString tabKey;            ///< "SESFiles"
+    QString tabTooltip;        ///< "Audition/CEP Session Files"
+    QString sessionPattern;    ///< "*.ses", the pattern of the session-file list
+    QString scanAllCaption;    ///< caption of ScanAll, "&" before the access key
+    QString keepPeaksCaption;  ///< caption of KeepPKCheck
+    QString peakExtension;     ///< "pk", lower case, without the dot
+    SessionReader reader;      ///< reads one file of this kind
+    const char* readerName;    ///< the reader routine, for messages and the command line
 };
 
 /// All five kinds, in tab order.

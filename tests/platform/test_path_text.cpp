@@ -35,8 +35,7 @@ INSTANTIATE_TEST_SUITE_P(
                       PathCase{"Audio\\take.1.WAV", "Audio", "take.1.WAV", "take.1", "WAV"},
                       PathCase{"mixed/dir\\name", "mixed/dir", "name", "name", ""},
                       PathCase{"C:\\a\\folder\\", "C:\\a", "folder", "folder", ""},
-                      PathCase{"C:\\", "", "", "", ""},
-                      PathCase{"/", "", "", "", ""},
+                      PathCase{"C:\\", "", "", "", ""}, PathCase{"/", "", "", "", ""},
                       PathCase{".hidden", "", ".hidden", "", "hidden"},
                       PathCase{"dir.v2/noext", "dir.v2", "noext", "noext", ""},
                       PathCase{"", "", "", "", ""}));
@@ -65,7 +64,7 @@ TEST(ReplaceAll, RestartsFromTheFirstCharacterAfterEachReplacement) {
         const char* result;
     };
     const Case cases[] = {
-        {"&amp;", "a&amp;amp;b", "&", "a&b"},   // a replacement that forms a new match
+        {"&amp;", "a&amp;amp;b", "&", "a&b"},  // a replacement that forms a new match
         {"&amp;", "x&amp;y&amp;z", "&", "x&y&z"},
         {"\t", "\ta\t\tb", " ", " a  b"},
         {"\"", "\"quoted\"", "", "quoted"},
@@ -106,20 +105,20 @@ TEST_P(Wildcard, MatchesTheWholeText) {
 
 INSTANTIATE_TEST_SUITE_P(
     Patterns, Wildcard,
-    ::testing::Values(
-        WildcardCase{"TAKE.WAV", "*.WAV", true}, WildcardCase{"TAKE.WAV.PK", "*.WAV", false},
-        WildcardCase{"SONG.SES", "*.SES", true}, WildcardCase{"", "*", true},
-        WildcardCase{"", "", true}, WildcardCase{"A", "", false},
-        WildcardCase{"ABC", "A?C", true}, WildcardCase{"AC", "A?C", false},
-        WildcardCase{"TAKE1", "TAKE#", true}, WildcardCase{"TAKEX", "TAKE#", false},
-        WildcardCase{"B", "[A-C]", true}, WildcardCase{"D", "[A-C]", false},
-        WildcardCase{"D", "[!A-C]", true}, WildcardCase{"B", "[!A-C]", false},
-        WildcardCase{"X", "[XYZ]", true}, WildcardCase{"-", "[A-]", true},
-        WildcardCase{"A*B", "A[*]B", true}, WildcardCase{"AXB", "A[*]B", false},
-        WildcardCase{"AB", "A[]B", true}, WildcardCase{"[X", "[X", true},
-        WildcardCase{"MIX_01_FINAL.WAV", "MIX_##_*.WAV", true},
-        WildcardCase{"AAAAAAAAAAAAAAAAAAAAAAAAB", "*A*A*A*A*A*C", false},
-        WildcardCase{"take.wav", "*.WAV", false}));
+    ::testing::Values(WildcardCase{"TAKE.WAV", "*.WAV", true},
+                      WildcardCase{"TAKE.WAV.PK", "*.WAV", false},
+                      WildcardCase{"SONG.SES", "*.SES", true}, WildcardCase{"", "*", true},
+                      WildcardCase{"", "", true}, WildcardCase{"A", "", false},
+                      WildcardCase{"ABC", "A?C", true}, WildcardCase{"AC", "A?C", false},
+                      WildcardCase{"TAKE1", "TAKE#", true}, WildcardCase{"TAKEX", "TAKE#", false},
+                      WildcardCase{"B", "[A-C]", true}, WildcardCase{"D", "[A-C]", false},
+                      WildcardCase{"D", "[!A-C]", true}, WildcardCase{"B", "[!A-C]", false},
+                      WildcardCase{"X", "[XYZ]", true}, WildcardCase{"-", "[A-]", true},
+                      WildcardCase{"A*B", "A[*]B", true}, WildcardCase{"AXB", "A[*]B", false},
+                      WildcardCase{"AB", "A[]B", true}, WildcardCase{"[X", "[X", true},
+                      WildcardCase{"MIX_01_FINAL.WAV", "MIX_##_*.WAV", true},
+                      WildcardCase{"AAAAAAAAAAAAAAAAAAAAAAAAB", "*A*A*A*A*A*C", false},
+                      WildcardCase{"take.wav", "*.WAV", false}));
 
 }  // namespace
 }  // namespace tidewick

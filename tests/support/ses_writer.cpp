@@ -33,12 +33,11 @@ QByteArray SesWriter::entryBytes(const SesEntry& entry, bool oldLayout) {
     // right after them.
     QByteArray buffer = entry.name + QByteArray(oldLayout ? 1 : 9, '\0');
     const qint64 length = buffer.size() + (oldLayout ? 8 : 16);
-    return entry.id.leftJustified(4, '\0', true) + i32(length) + i32(entry.value) + i32(0) +
-           buffer;
+    return entry.id.leftJustified(4, '\0', true) + i32(length) + i32(entry.value) + i32(0) + buffer;
 }
 
 SesWriter& SesWriter::chunk(const QByteArray& id, const QByteArray& data, qint64 length) {
-    body_ += id.leftJustified(4, ' ', true) + i32(length < 0 ? data.size() : length) + data;
+    body_ += id.leftJustified(4, ' ', true) + i32(length == kOwnSize ? data.size() : length) + data;
     return *this;
 }
 
@@ -55,8 +54,7 @@ SesWriter& SesWriter::list(const QList<SesEntry>& entries, const QByteArray& ver
     const qint32 trailer = trailerLength(version);
     // The walk resumes at the list data + S + trailer, where the 4-byte S itself is part of
     // the trailer count.
-    const QByteArray data =
-        i32(entryData.size()) + entryData + QByteArray(trailer - 4, '\0');
+    const QByteArray data = i32(entryData.size()) + entryData + QByteArray(trailer - 4, '\0');
     return chunk("LIST", data);
 }
 
@@ -67,7 +65,7 @@ SesWriter& SesWriter::raw(const QByteArray& bytes) {
 
 QByteArray SesWriter::bytes(qint64 storedLength) const {
     const qint64 size = 12 + body_.size();
-    return QByteArray("COOLNESS") + i32(storedLength < 0 ? size : storedLength) + body_;
+    return QByteArray("COOLNESS") + i32(storedLength == kOwnSize ? size : storedLength) + body_;
 }
 
 }  // namespace tidewick::test
