@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include "app/cli/cli.h"
+#include "support/reader_fixture.h"
+#include "support/ses_writer.h"
+
+namespace tidewick {
+namespace {
+
+using test::ReaderFixture;
+using test::SesWriter;
+
+struct CliRun {
+    int code;
+    QString out;
+    QString err;
+};
+
+CliRun runCli(const QStringList& arguments) {
+    QString out;
+    QString err;
+    QTextStream outStream(&out);
+    QTextStream errStream(&err);
+    const int code = cli::run(arguments, outStream, errStream);
+    outStream.flush();
+    errStream.flush();
+    return {code, out, err};
+}
+
+class CliMedia : public ::testing::Test {
+protected:
+    ReaderFixture f;
+    const QByteArray session =
+        SesWriter()
+            .version("Audition 3.0")
+            .list({{"  C:\\Takes\\Caf\xc3\xa9 take.wav  "}, {"D:\\loop.wav"}, {"D:\\loop.wav"}},
+                  "Audition 3.0")
+            .bytes();
+};
+
+TEST_F(CliMedia, PrintsEachRecordTrimmedInReaderOrder) {
+    const CliRun run =
+        runCli({QStringLiteral("media"), f.write(QStringLiteral("song.ses"), session)});
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out,
+              QStringLiteral("C:\\Takes\\Caf\u00e9 take.wav\nD:\\loop.wav\nD:\\loop.wav\n"));
+    EXPECT_TRUE(run.err.isEmpty());
+}
+
+TEST_F(CliMedia, KindComesFromTheExtensionInAnyCaseOrFromTheOption) {
+    const QString upper = f.write(QStringLiteral("SONG.SES"), session);
+    EXPECT_EQ(runCli({QStringLiteral("media"), upper}).code, 0);
+    const QString odd = f.write(QStringLiteral("song.bak"), session);
+    EXPECT_EQ(runCli({QStringLiteral("media"), odd}).code, 1);
+    EXPECT_EQ(
+        runCli({QStringLiteral("media"), odd, QStringLiteral("--kind"), QStringLiteral("ses")})
+            .code,
+        0);
+}
+
+TEST_F(CliMedia, VerboseAddsTheVersionOnTheErrorStream) {
+    const CliRun run = runCli({QStringLiteral("media"), QStringLiteral("--verbose"),
+                               f.write(QStringLiteral("song.ses"), session)});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.err, QStringLiteral("version: Audition 3.0\n"));
+}
+
+TEST_F(CliMedia, ExitCodesTellUsageFromReaderFailures) {
+    struct Case {
+        QStringList arguments;
+        int code;
+        const char* errorPart;
+    };
+    const QString missing = f.dir.filePath(QStringLiteral("missing.ses"));
+    const QString notSession = f.write(QStringLiteral("wave.ses"), "RIFF....WAVEfmt ");
+    const QString unsupported =
+        f.write(QStringLiteral("old.ses"), SesWriter().version("Cool Edit 96").bytes());
+    const QString broken = f.write(QStringLiteral("broken.ses"), session.left(40));
+    const QString empty =
+        f.write(QStringLiteral("empty.ses"), SesWriter().version("Audition 2.0").bytes());
+    const Case cases[] = {
+        {{}, 1, "usage"},
+        {{QStringLiteral("frobnicate")}, 1, "unknown command"},
+        {{QStringLiteral("media")}, 1, "usage"},
+        {{QStringLiteral("media"), missing}, 1, "no such file"},
+        {{QStringLiteral("media"), notSession, QStringLiteral("--kind"), QStringLiteral("wav")},
+         1,
+         "unknown kind"},
+        {{QStringLiteral("media"), notSession}, 2, "does not appear to be a valid session file"},
+        {{QStringLiteral("media"), unsupported}, 2, "Cool Edit 96 is not currently supported"},
+        {{QStringLiteral("media"), broken},
+         2,
+         "File Error: An error occurred accessing the selected SES file."},
+        {{QStringLiteral("media"), empty}, 0, ""},
+    };
+    for (const Case& c : cases) {
+        const CliRun run = runCli(c.arguments);
+        EXPECT_EQ(run.code, c.code) << c.arguments.join(u' ').toStdString();
+        EXPECT_TRUE(run.err.contains(QString::fromUtf8(c.errorPart)))
+            << c.errorPart << " not in: " << run.err.toStdString();
+        EXPECT_TRUE(run.out.isEmpty() || c.code == 0);
+    }
+}
+
+}  // namespace
+}  // namespace tidewick
