@@ -1,23 +1,153 @@
 #include "readers/import_sesx.h"
 
+#include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
 namespace tidewick {
 
+namespace {
+
+constexpr QByteArrayView kFileElement = "<file ";
+constexpr QByteArrayView kFilesEnd = "</files>";
+constexpr QByteArrayView kSessionEnd = "</sesx>";
+constexpr QByteArrayView kPathAttribute = "absolutePath=";
+
+// Replaces the first occurrence of `find` only; later ones stay.
+void replaceFirst(QByteArray& text, QByteArrayView find, QByteArrayView replacement) {
+    const qsizetype at = QByteArrayView(text).indexOf(find);
+    if (at >= 0) {
+        text.replace(at, find.size(), replacement);
+    }
+}
+
+// The bytes of `text` from `begin` up to, not including, its last byte; empty when there are
+// none.
+QByteArrayView fromUpToLastButOne(QByteArrayView text, qsizetype begin) {
+    const qsizetype end = text.size() - 1;
+    return begin < end ? text.sliced(begin, end - begin) : QByteArrayView();
+}
+
+class SesxSession {
+public:
+    explicit SesxSession(ReaderContext& context) : context_(context) {}
+
+    // Examines one line; returns false when reading stops at it. `line` is the line as
+    // examined: the cleaned line in line mode, the untouched piece in piece mode, so that
+    // "</files>" stops a piece only when it stands unindented.
+    bool examine(QByteArrayView line) {
+        const QByteArrayView trimmed = trimmedLine(line);
+        if (trimmed.startsWith(kFileElement)) {
+            cutOutPath(line);
+            return true;
+        }
+        return line != kFilesEnd && trimmed != kSessionEnd;
+    }
+
+private:
+    // Takes the absolutePath value from a file element line. The cuts count from the line's
+    // own first byte, so that "<file " falls away only from an unindented line, and each drops
+    // the line's last byte, which an element ending in "/>" can spare.
+    void cutOutPath(QByteArrayView line) {
+        const QByteArrayView afterTag = fromUpToLastButOne(line, kFileElement.size());
+        const qsizetype at = afterTag.indexOf(kPathAttribute);
+        if (at < 0) {
+            return;
+        }
+        // The value starts one byte past "absolutePath=", where the opening quote stands.
+        const QByteArrayView value = fromUpToLastButOne(afterTag, at + kPathAttribute.size() + 1);
+        const qsizetype quote = value.indexOf('"');
+        // A value whose closing quote is missing, or is one of the bytes cut off the end, has
+        // no end to cut at; the line adds nothing rather than a path running on into the line.
+        if (quote < 0) {
+            return;
+        }
+        QByteArray path = value.first(quote).toByteArray();
+        replaceFirst(path, "&amp;", "&");
+        replaceFirst(path, "%3a", ":");
+        // An empty value names no file; kept, it would list the session folder as a missing
+        // media file.
+        if (!path.isEmpty()) {
+            context_.state.MediaPaths.appendUnique(decodeSessionText(path));
+        }
+    }
+
+    ReaderContext& context_;
+};
+
+// A line with blanks and tabs trimmed from its ends. It compares with "</files>" and "</sesx>"
+// as its cleaned form does, since neither holds a blank or a tab; only a file element line needs
+// its inner tabs turned into blanks, so only such a line is copied to clean it.
+QByteArrayView trimmedOfTabsAndBlanks(QByteArrayView line) {
+    auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    qsizetype begin = 0;
+    qsizetype end = line.size();
+    while (begin < end && blank(line[begin])) {
+        ++begin;
+    }
+    while (end > begin && blank(line[end - 1])) {
+        --end;
+    }
+    return line.sliced(begin, end - begin);
+}
+
+bool mayHoldFileElement(QByteArrayView trimmed) {
+    const qsizetype tagEnd = kFileElement.size() - 1;
+    return trimmed.size() > tagEnd && trimmed.first(tagEnd) == kFileElement.first(tagEnd) &&
+           (trimmed[tagEnd] == ' ' || trimmed[tagEnd] == '\t');
+}
+
+ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
+    SesxSession session(context);
+    // A lone line feed does not end a line here, so an empty file reads one empty first line
+    // and yields nothing.
+    LineReader lines(bytes, false);
+    const QByteArrayView first = lines.next();
+    if (first.contains('\n')) {
+        // Piece mode: a file whose lines end in a line feed alone arrives as one first line
+        // (up to the file's first carriage return, if any). Its pieces are the lines, the first
+        // one included, and nothing after that first line is read.
+        qsizetype begin = 0;
+        for (;;) {
+            const qsizetype feed = first.indexOf('\n', begin);
+            const qsizetype end = feed < 0 ? first.size() : feed;
+            if (!session.examine(first.sliced(begin, end - begin)) || feed < 0) {
+                break;
+            }
+            begin = feed + 1;
+        }
+        return ReaderOutcome::Read;
+    }
+    // Line mode: the first line is the XML declaration and is never examined.
+    while (!lines.atEnd()) {
+        QByteArrayView line = trimmedOfTabsAndBlanks(lines.next());
+        QByteArray cleaned;
+        if (mayHoldFileElement(line)) {
+            cleaned = cleanedLine(line);
+            line = cleaned;
+        }
+        if (!session.examine(line)) {
+            break;
+        }
+    }
+    return ReaderOutcome::Read;
+}
+
+}  // namespace
+
 ReaderOutcome ImportSesxFile(const QString& fileName, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
     QByteArray bytes;
     QString error;
     if (!readSessionBytes(fileName, bytes, error)) {
         reportFileError(context.ui, QStringLiteral("SESX"), error);
         return ReaderOutcome::Failed;
     }
-    return ImportSesxBytes(bytes, context);
+    return readSesxSession(bytes, context);
 }
 
-ReaderOutcome ImportSesxBytes(QByteArrayView, ReaderContext& context) {
-    showOk(context.ui, QStringLiteral("Reading SESX sessions is not yet supported."),
-           QStringLiteral("Processing SESX File"), MessageIcon::Information);
-    return ReaderOutcome::Failed;
+ReaderOutcome ImportSesxBytes(QByteArrayView bytes, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
+    return readSesxSession(bytes, context);
 }
 
 }  // namespace tidewick
