@@ -34,6 +34,15 @@ public:
 
     /// Lets pending window events run, at the points where a long operation allows it.
     virtual void processEvents() {}
+
+    /// Lets the user pick a folder: shows `prompt`, opens on `startFolder` (or the picker's own
+    /// default place when that folder does not exist) and returns the chosen folder's full path,
+    /// or the empty text when the user cancels. Without a picker every answer is a cancel.
+    virtual QString browseForFolder(const QString& prompt, const QString& startFolder) {
+        Q_UNUSED(prompt);
+        Q_UNUSED(startFolder);
+        return {};
+    }
 };
 
 /// Shorthand for the common OK box.

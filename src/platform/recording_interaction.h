@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QStringList>
 
 #include "platform/interaction.h"
 
@@ -18,10 +19,23 @@ public:
         busyPointer = busy;
         pointerChanges.append(busy);
     }
+    QString browseForFolder(const QString& prompt, const QString& startFolder) override {
+        folderRequests.append({prompt, startFolder});
+        return folderAnswers.isEmpty() ? QString() : folderAnswers.takeFirst();
+    }
+
+    /// One call of the folder picker: its prompt and start folder.
+    struct FolderRequest {
+        QString prompt;
+        QString startFolder;
+        bool operator==(const FolderRequest&) const = default;
+    };
 
     QList<MessageBoxRequest> messages;
     QList<MessageAnswer> answers;  // given out in order
     QList<bool> pointerChanges;
+    QList<FolderRequest> folderRequests;
+    QStringList folderAnswers;  // chosen folders, given out in order; empty text is a cancel
     bool busyPointer = false;
 };
 
