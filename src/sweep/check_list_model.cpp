@@ -1,0 +1,90 @@
+#include "sweep/check_list_model.h"
+
+namespace tidewick {
+
+void CheckListModel::addItem(const QString& text, bool checked) {
+    addItems({{text, checked}});
+}
+
+void CheckListModel::addItems(const QList<CheckItem>& items) {
+    if (items.isEmpty()) {
+        return;
+    }
+    const int first = count();
+    beginInsertRows({}, first, first + static_cast<int>(items.size()) - 1);
+    items_.append(items);
+    for (int row = first; row < count(); ++row) {
+        if (!firstRow_.contains(items_.at(row).text)) {  // a repeated text keeps its first row
+            firstRow_.insert(items_.at(row).text, row);
+        }
+    }
+    endInsertRows();
+}
+
+void CheckListModel::setChecked(int row, bool checked) {
+    if (row < 0 || row >= count() || items_.at(row).checked == checked) {
+        return;
+    }
+    items_[row].checked = checked;
+    const QModelIndex changed = index(row);
+    Q_EMIT dataChanged(changed, changed, {Qt::CheckStateRole});
+}
+
+void CheckListModel::setAllChecked(bool checked) {
+    if (items_.isEmpty()) {
+        return;
+    }
+    for (CheckItem& item : items_) {
+        item.checked = checked;
+    }
+    Q_EMIT dataChanged(index(0), index(count() - 1), {Qt::CheckStateRole});
+}
+
+void CheckListModel::clear() {
+    beginResetModel();
+    items_.clear();
+    firstRow_.clear();
+    endResetModel();
+}
+
+int CheckListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : count();
+}
+
+QVariant CheckListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= count()) {
+        return {};
+    }
+    const CheckItem& line = items_.at(index.row());
+    switch (role) {
+        case Qt::DisplayRole:
+            return line.text;
+        case Qt::CheckStateRole:
+            return line.checked ? Qt::Checked : Qt::Unchecked;
+        default:
+            return {};
+    }
+}
+
+bool CheckListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+    if (!index.isValid() || index.row() >= count() || role != Qt::CheckStateRole) {
+        return false;
+    }
+    const bool checked = value.toInt() == Qt::Checked;
+    if (items_.at(index.row()).checked != checked) {
+        items_[index.row()].checked = checked;
+        Q_EMIT dataChanged(index, index, {Qt::CheckStateRole});
+    }
+    Q_EMIT itemCheck(index.row());
+    return true;
+}
+
+Qt::ItemFlags CheckListModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) {
+        return Qt::NoItemFlags;
+    }
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable |
+           Qt::ItemNeverHasChildren;
+}
+
+}  // namespace tidewick

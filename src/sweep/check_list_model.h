@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QAbstractListModel>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+// A list of check-box lines: the data of UsedFiles and UnusedFiles. A QListView shows it
+// directly, also with a hundred thousand lines.
+namespace tidewick {
+
+/// One line of a check-box list.
+struct CheckItem {
+    QString text;
+    bool checked = false;
+
+    bool operator==(const CheckItem&) const = default;
+};
+
+class CheckListModel : public QAbstractListModel {
+    Q_OBJECT
+
+public:
+    using QAbstractListModel::QAbstractListModel;
+
+    int count() const { return static_cast<int>(items_.size()); }
+    const CheckItem& item(int row) const { return items_.at(row); }
+    const QString& text(int row) const { return items_.at(row).text; }
+    bool isChecked(int row) const { return items_.at(row).checked; }
+
+    /// The row of the first line whose text equals `text` exactly, or −1.
+    int indexOf(const QString& text) const { return firstRow_.value(text, -1); }
+    bool contains(const QString& text) const { return firstRow_.contains(text); }
+
+    /// Appends one line.
+    void addItem(const QString& text, bool checked = false);
+    /// Appends many lines in one go, which a view takes in far faster than one by one.
+    void addItems(const QList<CheckItem>& items);
+    /// Sets the check mark of one line by code; raises no itemCheck().
+    void setChecked(int row, bool checked);
+    /// Sets the check mark of every line by code; raises no itemCheck().
+    void setAllChecked(bool checked);
+    void clear();
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    /// A check mark changed from the view: the line changes and itemCheck() is raised.
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+Q_SIGNALS:
+    /// The user changed the check mark of `row`.
+    void itemCheck(int row);
+
+private:
+    QList<CheckItem> items_;
+    QHash<QString, int> firstRow_;
+};
+
+}  // namespace tidewick

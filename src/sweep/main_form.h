@@ -1,0 +1,212 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "platform/interaction.h"
+#include "readers/reader_contract.h"
+#include "sweep/check_list_model.h"
+#include "sweep/control.h"
+
+// The main window without widgets: every control's data, the program-wide values and the
+// handlers of its events. The Qt window shows this data and forwards the user's actions here;
+// tests drive it directly.
+namespace tidewick {
+
+class MainForm;
+
+/// Where the main window's settings come from at load and go to at unload.
+class FormSettings {
+public:
+    virtual ~FormSettings() = default;
+    virtual void LoadSettings(MainForm& form) = 0;
+    virtual void SaveSettings(MainForm& form) = 0;
+};
+
+/// The window caption: "Tidewick - Version 6.00" for 6.0.0, the revision written straight after
+/// the minor version.
+QString versionCaption(const QString& programName, int major, int minor, int revision);
+
+/// The name the program shows in its caption, its messages and its settings.
+inline QString programName() {
+    return QStringLiteral("Tidewick");
+}
+
+class MainForm : public QObject {
+    Q_OBJECT
+
+public:
+    /// Key code of Escape as Form_KeyDown receives it.
+    static constexpr int EscapeKey = 27;
+    /// The window's outer size in twips.
+    static constexpr int WindowWidth = 14400;
+    static constexpr int WindowHeight = 10725;
+    /// The client area below the menu bar, in twips.
+    static constexpr int ClientWidth = 14310;
+    static constexpr int ClientHeight = 9945;
+
+    /// `settings` may be null: nothing is then loaded or saved.
+    explicit MainForm(UserInteraction& ui, FormSettings* settings = nullptr);
+    ~MainForm() override;
+
+    UserInteraction& ui() const { return ui_; }
+
+    /// Every control in the order in which the window creates them (later ones lie on top).
+    const std::vector<std::unique_ptr<Control>>& controls() const { return controls_; }
+    /// The control called `name`, or nullptr.
+    Control* findControl(QStringView name) const;
+
+private:
+    std::vector<std::unique_ptr<Control>> controls_;
+    UserInteraction& ui_;
+    FormSettings* settings_;
+    bool unloaded_ = false;
+
+    Control& named(QStringView name) const;
+
+public:
+    // The window and its controls, by their names.
+    Control& Main;
+    Control& FilesFrame;
+    Control& SESDrive;
+    Control& SESDir;
+    Control& FileTypeTab;
+    Control& SESFile;
+    Control& UsedFrame;
+    Control& UsedFilesBox;
+    Control& IgnoreFoldersCheck;
+    Control& SESVersionLabel;
+    Control& ScanAll;
+    Control& CopyFilesButton;
+    Control& UnusedFrame;
+    Control& SubFolderCheck;
+    Control& SubFolderName;
+    Control& SubFolderButton;
+    Control& UnusedFilesBox;
+    Control& DummyFileList;
+    Control& Frame2;
+    Control& FileTypesCombo;
+    Control& KeepPKCheck;
+    Control& ExcludedCheck;
+    Control& Frame1;
+    Control& MoveFrame;
+    Control& TargetFolderName;
+    Control& FolderButton;
+    Control& StoreInSubFolderCheck;
+    Control& MoveButton;
+    Control& CloseButton;
+    Control& InfoLabel;
+    Control& mnuFileExit;
+    Control& mnuWindowCentre;
+    Control& mnuHelpAbout;
+    Control& mnuHelpDonate;
+
+    /// SelectButton(0) "Select &All", (1) "Select &None", (2) "&Invert".
+    Control& SelectButton(int index) const;
+
+    /// The lines of the used-media list and of the other-files list ("Files to be Moved").
+    CheckListModel UsedFiles;
+    CheckListModel UnusedFiles;
+
+    // Program-wide values.
+    FileSystem FSO;
+    ProgramState state;
+    QString WebPage;
+    QString UsedFrameCaption;
+    QString UnusedFrameCaption;
+    QString NoMediaText;
+    QStringList FileTypeNames;
+    QStringList FileTypePatterns;
+    QString LastFolder;
+    QString MoveFolder;
+    QString CopyFolder;
+    qint16 ActiveFileTab = 1;
+    QStringList ExcludedFiles;
+    /// The screen's size in twips, as the window reports it; empty when unknown.
+    QSize screenSize;
+
+    // The session browser.
+    /// Points the drive list, the folder tree and the session-file list at `folder`, then lets
+    /// pending window events run.
+    void pointBrowserAt(const QString& folder);
+    /// The key of the selected tab ("SESFiles"), empty when none is selected.
+    QString selectedTabKey() const;
+    /// Selects the tab with `key`; false when there is none.
+    bool selectTabByKey(const QString& key);
+    /// The pattern of the session-file list ("*.ses"); setting it lists the folder again.
+    const QString& sessionFilePattern() const { return sessionFilePattern_; }
+    void setSessionFilePattern(const QString& pattern);
+    /// Lists the files of the session-file list's folder that match its pattern.
+    void refreshSessionFiles();
+    /// The mounted drives, each by its root.
+    static QStringList mountedDrives();
+    /// The drive that holds `folder`.
+    static QString driveOf(const QString& folder);
+
+    // Window events and commands.
+    void Form_Load();
+    void Form_Unload();
+    /// A key pressed anywhere in the window, before its controls see it; true when consumed.
+    bool Form_KeyDown(int keyCode, int shift);
+    void CloseButton_Click();
+    void mnuFileExit_Click();
+    void mnuWindowCentre_Click();
+    void mnuHelpAbout_Click();
+    void mnuHelpDonate_Click();
+    void FolderButton_Click();
+
+    // Media types.
+    void SetFileTypeArrays();
+    void FileTypesCombo_Click();
+
+    // Events whose work lies with the session load, the browser, the other-files list, the
+    // counters, the sub-folder row, the move and the copy.
+    void SESDrive_Change();
+    void SESDir_Change();
+    void SESDir_Click(const QString& clickedFolder);
+    void SESFile_Click();
+    void SESFile_PathChange();
+    void FileTypeTab_Click();
+    void ScanAll_Click();
+    void IgnoreFoldersCheck_Click();
+    void SetScanParams();
+    void UsedFiles_ItemCheck(int item);
+    void UsedFiles_MouseMove(int button, int shift, float x, float y);
+    void CopyFilesButton_Click();
+    void KeepPKCheck_Click();
+    void ExcludedCheck_Click();
+    void SelectButton_Click(int index);
+    void UnusedFiles_Click();
+    void UnusedFiles_ItemCheck(int item);
+    void UnusedFiles_DblClick();
+    void UnusedFiles_MouseMove(int button, int shift, float x, float y);
+    void SubFolderCheck_Click();
+    void SubFolderButton_Click();
+    void SubFolderName_GotFocus();
+    void MoveButton_Click();
+    void UpdateUnusedFileSpec();
+    void UpdateSizes();
+    void UpdateSubFolder();
+
+Q_SIGNALS:
+    /// Form_Load is done: the window shows itself.
+    void showRequested();
+    /// The window is to close (and so unload).
+    void closeRequested();
+    /// The About dialog is to be shown, modal.
+    void aboutRequested();
+    /// The web page is to be opened in the default browser.
+    void webPageRequested(const QString& url);
+
+private:
+    QString sessionFilePattern_ = QStringLiteral("*.ses");
+
+    void connectEvents();
+};
+
+}  // namespace tidewick
