@@ -1,0 +1,155 @@
+#include "settings/settings.h"
+
+#include "readers/session_kinds.h"
+
+namespace tidewick {
+
+namespace {
+
+const QString kWindow = QStringLiteral("WINDOW");
+const QString kSettings = QStringLiteral("SETTINGS");
+const QString kPaths = QStringLiteral("PATHS");
+const QString kExcluded = QStringLiteral("EXCLUDED");
+
+// The tab keys in the order of their "ActiveFileTab" numbers (which is not the tab order).
+const QStringList& tabKeysByNumber() {
+    static const QStringList keys = {QStringLiteral("SESFiles"), QStringLiteral("XMLFiles"),
+                                     QStringLiteral("SESXFiles"), QStringLiteral("RPPFiles"),
+                                     QStringLiteral("VEGFiles")};
+    return keys;
+}
+
+// A hand-edited store may hold anything; a text that is not what a save writes gives the default.
+
+int readPosition(SettingsStore& store, const QString& key) {
+    bool ok = false;
+    const float twips = store.GetSetting(kWindow, key, QStringLiteral("0")).toFloat(&ok);
+    return ok ? qRound(twips) : 0;
+}
+
+bool readFlag(SettingsStore& store, const QString& key) {
+    bool ok = false;
+    const double number = store.GetSetting(kSettings, key, QStringLiteral("0")).toDouble(&ok);
+    return ok && number != 0;
+}
+
+bool readCheckState(SettingsStore& store, const QString& key) {
+    bool ok = false;
+    const int state = store.GetSetting(kSettings, key, QStringLiteral("0")).toInt(&ok);
+    return ok && state == 1;
+}
+
+QString flagText(bool flag) {
+    return flag ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+}  // namespace
+
+int activeFileTabNumber(const QString& tabKey) {
+    return static_cast<int>(tabKeysByNumber().indexOf(tabKey)) + 1;
+}
+
+QString activeFileTabKey(int number) {
+    return number >= 1 && number <= tabKeysByNumber().size() ? tabKeysByNumber().at(number - 1)
+                                                             : QString();
+}
+
+QString exclusionKey(int position) {
+    return QStringLiteral("File%1").arg(position, 5, 10, QLatin1Char('0'));
+}
+
+void StoredSettings::LoadSettings(MainForm& form) {
+    form.ExcludedFiles.clear();
+
+    const QRect window = form.Main.geometry();
+    const int top = readPosition(store_, QStringLiteral("Top"));
+    form.Main.setGeometry(QRect(window.left(), top, window.width(), window.height()));
+    const int left = readPosition(store_, QStringLiteral("Left"));
+    form.Main.setGeometry(QRect(left, top, window.width(), window.height()));
+
+    form.state.TrimFoldersFlag = readFlag(store_, QStringLiteral("TrimFolders"));
+    form.KeepPKCheck.setChecked(readCheckState(store_, QStringLiteral("KeepPKFiles")));
+
+    // All three are read before any is checked, as the store lists them.
+    form.LastFolder =
+        store_.GetSetting(kPaths, QStringLiteral("LastFolder"), form.FSO.currentDirectory());
+    form.MoveFolder =
+        store_.GetSetting(kPaths, QStringLiteral("MoveFolder"), form.FSO.currentDirectory());
+    form.CopyFolder =
+        store_.GetSetting(kPaths, QStringLiteral("CopyFolder"), form.FSO.currentDirectory());
+    for (QString* folder : {&form.LastFolder, &form.MoveFolder, &form.CopyFolder}) {
+        if (!form.FSO.FolderExists(*folder)) {
+            *folder = form.FSO.currentDirectory();
+        }
+    }
+    form.pointBrowserAt(form.LastFolder);
+
+    form.state.CheckAllFiles = readFlag(store_, QStringLiteral("CheckAllFiles"));
+
+    for (int position = 1;; ++position) {
+        const QString entry = store_.GetSetting(kExcluded, exclusionKey(position), QString());
+        if (entry.isEmpty()) {
+            break;
+        }
+        form.ExcludedFiles.append(entry);
+    }
+
+    form.StoreInSubFolderCheck.setChecked(
+        readCheckState(store_, QStringLiteral("StoreInSubFolder")));
+
+    bool ok = false;
+    const int tab =
+        store_.GetSetting(kSettings, QStringLiteral("ActiveFileTab"), QStringLiteral("1"))
+            .toInt(&ok);
+    form.ActiveFileTab = static_cast<qint16>(ok && !activeFileTabKey(tab).isEmpty() ? tab : 1);
+    form.selectTabByKey(activeFileTabKey(form.ActiveFileTab));
+}
+
+void StoredSettings::SaveSettings(MainForm& form) {
+    // Sections go first, so keys that this run no longer writes (a removed exclusion) vanish;
+    // a section that is not there yet is no failure.
+    for (const QString& section : {kWindow, kSettings, kPaths, kExcluded}) {
+        store_.DeleteSetting(section);
+    }
+
+    struct Value {
+        QString section;
+        QString key;
+        QString text;
+    };
+    const QRect window = form.Main.geometry();
+    QList<Value> values = {
+        {kWindow, QStringLiteral("Top"), QString::number(window.top())},
+        {kWindow, QStringLiteral("Left"), QString::number(window.left())},
+        {kSettings, QStringLiteral("TrimFolders"), flagText(form.state.TrimFoldersFlag)},
+        {kSettings, QStringLiteral("KeepPKFiles"), flagText(form.KeepPKCheck.checked())},
+        {kPaths, QStringLiteral("LastFolder"), form.LastFolder},
+        {kPaths, QStringLiteral("MoveFolder"), form.MoveFolder},
+        {kPaths, QStringLiteral("CopyFolder"), form.CopyFolder},
+        {kSettings, QStringLiteral("CheckAllFiles"), flagText(form.state.CheckAllFiles)},
+    };
+    for (int position = 1; position <= form.ExcludedFiles.size(); ++position) {
+        values.append({kExcluded, exclusionKey(position), form.ExcludedFiles.at(position - 1)});
+    }
+    values.append({kSettings, QStringLiteral("StoreInSubFolder"),
+                   flagText(form.StoreInSubFolderCheck.checked())});
+
+    const int selected = activeFileTabNumber(form.selectedTabKey());
+    if (selected > 0) {
+        form.ActiveFileTab = static_cast<qint16>(selected);
+    }
+    values.append(
+        {kSettings, QStringLiteral("ActiveFileTab"), QString::number(form.ActiveFileTab)});
+
+    for (const Value& value : values) {
+        if (!store_.SaveSetting(value.section, value.key, value.text)) {
+            showOk(form.ui(),
+                   QStringLiteral("Access to the Windows Registry failed and the current ") +
+                       programName() + QStringLiteral(" settings could not be saved."),
+                   QStringLiteral("For Information..."), MessageIcon::Information);
+            return;
+        }
+    }
+}
+
+}  // namespace tidewick
