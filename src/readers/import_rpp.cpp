@@ -1,23 +1,250 @@
 #include "readers/import_rpp.h"
 
+#include <algorithm>
+#include <array>
+
+#include "platform/path_text.h"
+#include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
 namespace tidewick {
 
+namespace {
+
+constexpr QByteArrayView kHeader = "<REAPER_PROJECT";
+constexpr QByteArrayView kRecordPath = "RECORD_PATH";
+constexpr QByteArrayView kBankProgramFile = "BANKPROGRAMFILE";
+constexpr QByteArrayView kMidiSource = "<SOURCE MIDI";
+constexpr QByteArrayView kFileKeyword = "FILE";
+constexpr std::array<QByteArrayView, 7> kMediaSources = {
+    "<SOURCE WAVE", "<SOURCE VIDEO", "<SOURCE WAVPACK", "<SOURCE APE",
+    "<SOURCE FLAC", "<SOURCE MP3",   "<SOURCE VORBIS"};
+
+// The record path's value starts at the 14th character: "RECORD_PATH" and a blank are 12, and
+// the value's opening quote is the 13th.
+constexpr qsizetype kRecordValueStart = 13;
+// Length of "url:file:\\localhost\", the prefix REAPER puts before a path given as a URL.
+constexpr qsizetype kUrlPrefixLength = 21;
+// A rejection message quotes the offending line; a binary file can have a "line" of megabytes,
+// which no message box can show, so the quote is cut there.
+constexpr qsizetype kMaxQuotedLine = 1024;
+
+const QString kNotAProjectText =
+    QStringLiteral("This is not a properly formated Reaper Project file");
+const QString kRejectTitle = QStringLiteral("Processing RPP File");
+
+bool isBlankOrTab(char c) {
+    return c == ' ' || c == '\t';
+}
+
+// A line as the rules see it, without copying it: leading and trailing blanks and tabs cut off.
+// Tabs inside stay in the bytes; `beginsWith` and `textOf` read them as the blanks the cleaned
+// line would hold.
+QByteArrayView cleanedView(QByteArrayView line) {
+    qsizetype begin = 0;
+    qsizetype end = line.size();
+    while (begin < end && isBlankOrTab(line[begin])) {
+        ++begin;
+    }
+    while (end > begin && isBlankOrTab(line[end - 1])) {
+        --end;
+    }
+    return line.sliced(begin, end - begin);
+}
+
+bool beginsWith(QByteArrayView line, QByteArrayView prefix) {
+    if (line.size() < prefix.size()) {
+        return false;
+    }
+    for (qsizetype i = 0; i < prefix.size(); ++i) {
+        const char c = line[i] == '\t' ? ' ' : line[i];
+        if (c != prefix[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The text of a piece of a cleaned line: tabs read as blanks, the bytes decoded as session text.
+QString textOf(QByteArrayView piece) {
+    QByteArray bytes = piece.toByteArray();
+    bytes.replace('\t', ' ');
+    return decodeSessionText(bytes);
+}
+
+// REAPER writes the separators of the system it runs on, so a project saved on Windows holds
+// "\" and one saved on macOS "/". Paths leave the reader in the host's form.
+void toHostSeparators(QString& path) {
+    if (hostSeparator() == u'\\') {
+        ReplaceAll(QStringLiteral("/"), path, QStringLiteral("\\"));
+    } else {
+        ReplaceAll(QStringLiteral("\\"), path, QStringLiteral("/"));
+    }
+}
+
+// "url:file:\\localhost\" as it reads once its separators are the host's. The test has to be
+// made on that form: the separators were already replaced, so on a "/" host the prefix reads
+// "url:file://localhost/", whichever separators the project itself used.
+QString urlPrefix(const char* scheme) {
+    const QChar sep = hostSeparator();
+    QString prefix = QLatin1StringView(scheme);
+    prefix += QLatin1StringView("file:");
+    prefix += sep;
+    prefix += sep;
+    prefix += QLatin1StringView("localhost");
+    prefix += sep;
+    return prefix;
+}
+
+class RppRead {
+public:
+    RppRead(QByteArrayView bytes, ReaderContext& context)
+        : lines_(bytes, true), context_(context), state_(context.state) {
+        projectFolder_ = context.sessionFolder;
+        AddBackslash(projectFolder_);
+    }
+
+    ReaderOutcome run() {
+        // The header must be the first non-blank line.
+        QByteArrayView first;
+        do {
+            first = cleanedView(lines_.next());
+        } while (first.isEmpty() && !lines_.atEnd());
+        if (!beginsWith(first, kHeader)) {
+            context_.ui.setBusyPointer(false);
+            showOk(context_.ui, kNotAProjectText + u'\n' + textOf(first).left(kMaxQuotedLine),
+                   kRejectTitle, MessageIcon::Critical);
+            return ReaderOutcome::Rejected;
+        }
+        // The line after the header is passed over unread, whatever it holds.
+        lines_.next();
+        while (!lines_.atEnd()) {
+            const QByteArrayView line = cleanedView(lines_.next());
+            if (beginsWith(line, kRecordPath)) {
+                applyRecordPath(line);
+            }
+            applySource(line);
+        }
+        return ReaderOutcome::Read;
+    }
+
+private:
+    // RECORD_PATH "primary" "secondary": the first value names the folder that recordings go
+    // into, relative to the project folder or absolute.
+    void applyRecordPath(QByteArrayView line) {
+        QString& recordFolder = state_.RecordFolder;
+        const bool allFiles = state_.CheckAllFiles;
+        if (line.size() <= kRecordValueStart + 1) {
+            if (recordFolder.isEmpty()) {
+                recordFolder = projectFolder_;
+            }
+            return;
+        }
+        // From the 14th character to the last but one, less one more: for a line with two
+        // quoted values this ends inside the second value, and the first value is the text
+        // before the next quote.
+        QByteArrayView value = line.sliced(kRecordValueStart, line.size() - kRecordValueStart - 1);
+        value.chop(1);
+        const qsizetype quote = value.indexOf('"');
+        if (quote >= 0) {
+            value = value.first(quote);
+        }
+        QString r = textOf(value);
+        ReplaceAll(QStringLiteral("\""), r, QString());
+        r = trimBlanks(r);
+        // A project saved on Windows names a nested record folder as "Audio\Takes"; on a "/" host
+        // that folder is found only in host form.
+        toHostSeparators(r);
+
+        if (context_.fs.FolderExists(r)) {
+            // An absolute record path names the folder itself. In a single-project load it
+            // becomes the record folder, which is what the sub-folder display shows for an
+            // existing folder; in a whole-folder scan the first project's value stays.
+            if (!allFiles) {
+                recordFolder = r;
+            }
+            return;
+        }
+        const QString inProject = projectFolder_ + r;
+        if (!r.isEmpty() && context_.fs.FolderExists(inProject)) {
+            if (!allFiles) {
+                recordFolder = inProject;
+                return;
+            }
+            // In a whole-folder scan the first value set stays, except that the bare project
+            // folder gives way to a later project's existing record sub-folder. The appended
+            // separator stays on the record folder either way.
+            const bool wasEmpty = recordFolder.isEmpty();
+            AddBackslash(recordFolder);
+            if (wasEmpty || recordFolder == projectFolder_) {
+                recordFolder = inProject;
+            }
+            return;
+        }
+        if (!allFiles || recordFolder.isEmpty()) {
+            recordFolder = projectFolder_;
+        }
+    }
+
+    // A media source names its file on the next line; BANKPROGRAMFILE names one on its own.
+    void applySource(QByteArrayView line) {
+        const bool bank = beginsWith(line, kBankProgramFile);
+        const bool midi = !bank && beginsWith(line, kMidiSource);
+        if (!bank && !midi &&
+            std::none_of(kMediaSources.begin(), kMediaSources.end(),
+                         [&](QByteArrayView prefix) { return beginsWith(line, prefix); })) {
+            return;
+        }
+        QByteArrayView fileLine = line;
+        if (!bank) {
+            // Read even past the end of the file, where the line is empty and names nothing.
+            // The line read here is the file line and meets no other rule.
+            fileLine = cleanedView(lines_.next());
+            if (midi && !beginsWith(fileLine, kFileKeyword)) {
+                return;  // a MIDI source with its notes in the project itself
+            }
+        }
+        QByteArrayView inside;
+        if (!textBetweenFirstQuotes(fileLine, inside)) {
+            return;  // fewer than two quotes: there is no path to cut out
+        }
+        QString path = textOf(inside);
+        toHostSeparators(path);
+        if (path.contains(urlPrefixLower_) || path.contains(urlPrefixUpper_)) {
+            // The rest after the prefix is the path, whole: nothing shows that this form
+            // carries a trailing character, and cutting one off would name another file.
+            path = path.mid(kUrlPrefixLength);
+        }
+        // An empty path names no file; it would only put a blank line into the used list.
+        if (!path.isEmpty()) {
+            state_.MediaPaths.appendUnique(path);
+        }
+    }
+
+    LineReader lines_;
+    ReaderContext& context_;
+    ProgramState& state_;
+    QString projectFolder_;
+    const QString urlPrefixLower_ = urlPrefix("url:");
+    const QString urlPrefixUpper_ = urlPrefix("URL:");
+};
+
+}  // namespace
+
 ReaderOutcome ImportRppFile(const QString& fileName, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
     QByteArray bytes;
     QString error;
     if (!readSessionBytes(fileName, bytes, error)) {
         reportFileError(context.ui, QStringLiteral("RPP"), error);
         return ReaderOutcome::Failed;
     }
-    return ImportRppBytes(bytes, context);
+    return RppRead(bytes, context).run();
 }
 
-ReaderOutcome ImportRppBytes(QByteArrayView, ReaderContext& context) {
-    showOk(context.ui, QStringLiteral("Reading RPP sessions is not yet supported."),
-           QStringLiteral("Processing RPP File"), MessageIcon::Information);
-    return ReaderOutcome::Failed;
+ReaderOutcome ImportRppBytes(QByteArrayView bytes, ReaderContext& context) {
+    context.ui.setBusyPointer(true);
+    return RppRead(bytes, context).run();
 }
 
 }  // namespace tidewick
