@@ -1,15 +1,52 @@
 #include <QApplication>
 #include <QMainWindow>
+#include <QTimer>
 
-// A placeholder until the main window lands: an empty window with the program's caption.
+#include "settings/settings.h"
+#include "settings/settings_store.h"
+#include "sweep/main_form.h"
+#include "ui/main_window.h"
+#include "ui/qt_interaction.h"
+
+// Tidewick's desktop program. Three options serve development and are not for users:
+//   --quit-when-shown   ends the program as soon as its window has been shown (start-up timing)
+//   --empty-window      shows an empty main window instead (the start-up timing's baseline)
+//   --screenshot FILE   saves a picture of the window to FILE, then closes it
 int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
-    QMainWindow window;
-    window.setWindowTitle(QStringLiteral("Tidewick - Version %1.%2%3")
-                              .arg(TIDEWICK_VERSION_MAJOR)
-                              .arg(TIDEWICK_VERSION_MINOR)
-                              .arg(TIDEWICK_VERSION_PATCH));
-    window.resize(960, 715);
-    window.show();
-    return app.exec();
+    const QStringList arguments = QApplication::arguments();
+    const bool quitWhenShown = arguments.contains(QStringLiteral("--quit-when-shown"));
+    const qsizetype screenshotAt = arguments.indexOf(QStringLiteral("--screenshot"));
+    const QString screenshot = screenshotAt > 0 ? arguments.value(screenshotAt + 1) : QString();
+
+    if (arguments.contains(QStringLiteral("--empty-window"))) {
+        QMainWindow window;
+        window.setWindowTitle(tidewick::programName());
+        window.show();
+        if (quitWhenShown) {
+            QTimer::singleShot(0, &app, &QCoreApplication::quit);
+        }
+        return QApplication::exec();
+    }
+
+    tidewick::QSettingsStore store;
+    tidewick::StoredSettings settings(store);
+    tidewick::QtInteraction ui;
+    tidewick::MainForm form(ui, &settings);
+    tidewick::MainWindow window(form);
+    ui.setOwner(&window);
+    window.load();
+
+    if (!screenshot.isEmpty()) {
+        QTimer::singleShot(500, &window, [&window, screenshot] {
+            const bool saved = window.grab().save(screenshot);
+            window.close();
+            if (!saved) {
+                QApplication::exit(1);
+            }
+        });
+    } else if (quitWhenShown) {
+        QTimer::singleShot(0, &app, &QCoreApplication::quit);
+    }
+    return QApplication::exec();
 }

@@ -1,0 +1,457 @@
+#include "ui/main_window.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFileSystemModel>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLayout>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QStringListModel>
+#include <QTabBar>
+#include <QToolButton>
+#include <QTreeView>
+#include <QUrl>
+
+#include "readers/session_kinds.h"
+#include "ui/about_dialog.h"
+#include "ui/combo_drop_width.h"
+#include "ui/frame_style.h"
+#include "ui/twips.h"
+
+namespace tidewick {
+
+namespace {
+
+// The shift state as the key and mouse handlers take it: 1 Shift, 2 Ctrl, 4 Alt.
+int shiftState(Qt::KeyboardModifiers modifiers) {
+    return (modifiers.testFlag(Qt::ShiftModifier) ? 1 : 0) |
+           (modifiers.testFlag(Qt::ControlModifier) ? 2 : 0) |
+           (modifiers.testFlag(Qt::AltModifier) ? 4 : 0);
+}
+
+// The mouse buttons held: 1 left, 2 right, 4 middle.
+int buttonState(Qt::MouseButtons buttons) {
+    return (buttons.testFlag(Qt::LeftButton) ? 1 : 0) |
+           (buttons.testFlag(Qt::RightButton) ? 2 : 0) |
+           (buttons.testFlag(Qt::MiddleButton) ? 4 : 0);
+}
+
+void setItemsIfChanged(QComboBox* combo, const QStringList& items) {
+    QStringList shown;
+    for (int index = 0; index < combo->count(); ++index) {
+        shown.append(combo->itemText(index));
+    }
+    if (shown != items) {
+        combo->clear();
+        combo->addItems(items);
+    }
+}
+
+// The layout was drawn for an 8-point face; where the face at hand is wider than a caption's
+// room, that control's caption is set a little narrower and smaller until it fits.
+constexpr qreal kFontPoints = 8;
+constexpr qreal kSmallestFontPoints = 6.5;
+
+void fitCaption(QWidget* widget) {
+    widget->setFont(QFont());  // back to the window's font, so a longer caption starts afresh
+    QFont font = widget->font();
+    while (widget->sizeHint().width() > widget->width() &&
+           font.pointSizeF() > kSmallestFontPoints) {
+        if (font.stretch() == QFont::Unstretched || font.stretch() == QFont::AnyStretch) {
+            font.setStretch(QFont::SemiCondensed);
+        } else {
+            font.setPointSizeF(font.pointSizeF() - 0.5);
+        }
+        widget->setFont(font);
+    }
+}
+
+// The page of the tab strip: a panel below the tabs, on which the session-file list lies.
+constexpr auto kTabPage = "FileTypeTabPage";
+
+}  // namespace
+
+MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), form_(form) {
+    setObjectName(QStringLiteral("Main"));
+    objects_.insert(QStringLiteral("Main"), this);
+
+    // The client area below the menu bar is fixed; the window takes its size from it.
+    auto* client = new QWidget(this);
+    client->setObjectName(QStringLiteral("MainClient"));
+    client->setFixedSize(twipsToPixels(MainForm::ClientWidth),
+                         twipsToPixels(MainForm::ClientHeight));
+    setCentralWidget(client);
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    QFont font = this->font();
+    font.setPointSizeF(kFontPoints);
+    client->setFont(font);
+    frameStyle_ = new FrameStyle;
+    frameStyle_->setParent(this);
+
+    createControls();
+
+    connect(&form_, &MainForm::showRequested, this, [this] {
+        show();
+        // The tree can bring its current folder into view only once it has its size.
+        if (auto* tree = qobject_cast<QTreeView*>(objects_.value(QStringLiteral("SESDir")))) {
+            tree->scrollTo(tree->currentIndex(), QAbstractItemView::PositionAtCenter);
+        }
+    });
+    connect(&form_, &MainForm::closeRequested, this, &QWidget::close);
+    connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
+    connect(&form_, &MainForm::webPageRequested, this,
+            [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+    qApp->installEventFilter(this);
+}
+
+MainWindow::~MainWindow() {
+    qApp->removeEventFilter(this);
+}
+
+void MainWindow::load() {
+    if (const QScreen* screen = this->screen()) {
+        form_.screenSize = screen->geometry().size() * TwipsPerPixel;
+    }
+    form_.Form_Load();
+}
+
+void MainWindow::createControls() {
+    for (const auto& owned : form_.controls()) {
+        Control& control = *owned;
+        switch (control.kind()) {
+            case ControlKind::Window:
+                connect(&control, &Control::changed, this, &MainWindow::syncWindow);
+                syncWindow();
+                continue;
+            case ControlKind::Menu: {
+                QMenu* menu = menuBar()->addMenu(control.text());
+                menu->setObjectName(control.name());
+                objects_.insert(control.name(), menu);
+                break;
+            }
+            case ControlKind::MenuItem: {
+                auto* menu = qobject_cast<QMenu*>(objects_.value(control.container()));
+                QAction* action = menu->addAction(control.text());
+                action->setObjectName(control.name());
+                objects_.insert(control.name(), action);
+                connect(action, &QAction::triggered, &control, &Control::click);
+                break;
+            }
+            default: {
+                auto* container = control.container().isEmpty()
+                                      ? centralWidget()
+                                      : qobject_cast<QWidget*>(objects_.value(control.container()));
+                QWidget* widget = createWidget(control, container);
+                widget->setObjectName(control.name());
+                objects_.insert(control.name(), widget);
+                break;
+            }
+        }
+        connect(&control, &Control::changed, this, [this, &control] { sync(control); });
+        sync(control);
+    }
+}
+
+QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
+    switch (control.kind()) {
+        case ControlKind::Frame: {
+            auto* frame = new QGroupBox(container);
+            frame->setStyle(frameStyle_);
+            return frame;
+        }
+        case ControlKind::Label:
+            return new QLabel(container);
+        case ControlKind::CheckBox: {
+            auto* box = new QCheckBox(container);
+            connect(box, &QCheckBox::clicked, &control, &Control::setChecked);
+            return box;
+        }
+        case ControlKind::Button: {
+            auto* button = new QPushButton(container);
+            button->setAutoDefault(false);
+            connect(button, &QPushButton::clicked, &control, &Control::click);
+            return button;
+        }
+        case ControlKind::PictureButton: {
+            auto* button = new QToolButton(container);
+            button->setIcon(style()->standardIcon(QStyle::SP_DirIcon));
+            button->setIconSize(QSize(16, 16));
+            connect(button, &QToolButton::clicked, &control, &Control::click);
+            return button;
+        }
+        case ControlKind::TextBox: {
+            auto* edit = new QLineEdit(container);
+            connect(edit, &QLineEdit::textEdited, &control, &Control::setText);
+            return edit;
+        }
+        case ControlKind::ComboBox:
+        case ControlKind::DriveList: {
+            QComboBox* combo = control.kind() == ControlKind::ComboBox
+                                   ? new FileTypesComboBox(container)
+                                   : new QComboBox(container);
+            connect(combo, &QComboBox::activated, &control, [&control](int index) {
+                if (control.kind() == ControlKind::DriveList) {
+                    control.setText(control.items().value(index));
+                } else if (index == control.listIndex()) {
+                    control.click();  // choosing the chosen entry again still counts as a click
+                } else {
+                    control.setListIndex(index);
+                }
+            });
+            return combo;
+        }
+        case ControlKind::CheckList: {
+            auto* view = new QListView(container);
+            bindList(control, view);
+            return view;
+        }
+        case ControlKind::FolderTree: {
+            auto* tree = new QTreeView(container);
+            folders_ = new QFileSystemModel(this);
+            folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
+            folders_->setRootPath(QDir::rootPath());
+            tree->setModel(folders_);
+            tree->setHeaderHidden(true);
+            for (int column = 1; column < folders_->columnCount(); ++column) {
+                tree->hideColumn(column);
+            }
+            connect(tree, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+                form_.SESDir_Click(folders_->filePath(index));
+            });
+            // Folders load in the background; the current one comes into view once it is there.
+            connect(folders_, &QFileSystemModel::directoryLoaded, tree, [this, tree] {
+                const QModelIndex folder = folders_->index(form_.SESDir.text());
+                if (folder.isValid() && tree->currentIndex() != folder) {
+                    tree->setCurrentIndex(folder);
+                }
+                tree->scrollTo(folder, QAbstractItemView::PositionAtCenter);
+            });
+            return tree;
+        }
+        case ControlKind::FileList: {
+            auto* view = new QListView(container);
+            view->setModel(new QStringListModel(view));
+            view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+            view->setUniformItemSizes(true);
+            connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, &control,
+                    [&control](const QModelIndex& current) {
+                        control.setListIndex(current.isValid() ? current.row() : -1);
+                    });
+            return view;
+        }
+        case ControlKind::TabStrip: {
+            auto* page = new QFrame(container);
+            page->setObjectName(QLatin1String(kTabPage));
+            page->setFrameShape(QFrame::StyledPanel);
+            objects_.insert(QLatin1String(kTabPage), page);
+            auto* tabs = new QTabBar(container);
+            tabs->setExpanding(false);
+            tabs->setDrawBase(false);
+            for (const SessionKind& kind : sessionKinds()) {
+                const int index = tabs->addTab(kind.tabCaption);
+                tabs->setTabData(index, kind.tabKey);
+                tabs->setTabToolTip(index, kind.tabTooltip);
+            }
+            connect(tabs, &QTabBar::currentChanged, &control, &Control::setListIndex);
+            return tabs;
+        }
+        case ControlKind::Window:
+        case ControlKind::Menu:
+        case ControlKind::MenuItem:
+            break;
+    }
+    return new QWidget(container);
+}
+
+void MainWindow::bindList(Control& control, QWidget* widget) {
+    auto* view = static_cast<QListView*>(widget);
+    const bool used = control.name() == QLatin1String("UsedFiles");
+    view->setModel(used ? &form_.UsedFiles : &form_.UnusedFiles);
+    view->setUniformItemSizes(true);  // keeps a list of many thousand lines quick
+    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    view->viewport()->setMouseTracking(true);
+    if (!used) {
+        connect(view, &QListView::clicked, &form_, &MainForm::UnusedFiles_Click);
+        connect(view, &QListView::doubleClicked, &form_, &MainForm::UnusedFiles_DblClick);
+    }
+}
+
+void MainWindow::sync(Control& control) {
+    QObject* object = objects_.value(control.name());
+    if (auto* action = qobject_cast<QAction*>(object)) {
+        action->setText(control.text());
+        action->setEnabled(control.enabled());
+        action->setVisible(control.visible());
+        return;
+    }
+    if (auto* menu = qobject_cast<QMenu*>(object)) {
+        menu->setTitle(control.text());
+        menu->setEnabled(control.enabled());
+        menu->menuAction()->setVisible(control.visible());
+        return;
+    }
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (!widget) {
+        return;
+    }
+    const QSignalBlocker blocker(widget);
+    placeAt(widget, control.geometry());
+    widget->setToolTip(control.tooltip());
+    widget->setEnabled(control.enabled());
+    if (widget->isHidden() == control.visible()) {
+        widget->setVisible(control.visible());
+    }
+
+    switch (control.kind()) {
+        case ControlKind::Frame:
+            static_cast<QGroupBox*>(widget)->setTitle(control.text());
+            break;
+        case ControlKind::Label:
+            static_cast<QLabel*>(widget)->setText(control.text());
+            break;
+        case ControlKind::CheckBox: {
+            auto* box = static_cast<QCheckBox*>(widget);
+            box->setText(control.text());
+            box->setChecked(control.checked());
+            fitCaption(box);
+            break;
+        }
+        case ControlKind::Button:
+            static_cast<QPushButton*>(widget)->setText(control.text());
+            fitCaption(widget);
+            break;
+        case ControlKind::TextBox: {
+            auto* edit = static_cast<QLineEdit*>(widget);
+            if (edit->text() != control.text()) {
+                edit->setText(control.text());
+            }
+            break;
+        }
+        case ControlKind::ComboBox: {
+            auto* combo = static_cast<QComboBox*>(widget);
+            setItemsIfChanged(combo, control.items());
+            combo->setCurrentIndex(control.listIndex());
+            break;
+        }
+        case ControlKind::DriveList: {
+            auto* combo = static_cast<QComboBox*>(widget);
+            setItemsIfChanged(combo, control.items());
+            combo->setCurrentIndex(static_cast<int>(control.items().indexOf(control.text())));
+            break;
+        }
+        case ControlKind::FolderTree:
+            if (folders_ && !control.text().isEmpty()) {
+                auto* tree = static_cast<QTreeView*>(widget);
+                const QModelIndex folder = folders_->index(control.text());
+                tree->setCurrentIndex(folder);
+                tree->scrollTo(folder);
+            }
+            break;
+        case ControlKind::FileList: {
+            auto* view = static_cast<QListView*>(widget);
+            auto* files = static_cast<QStringListModel*>(view->model());
+            if (files->stringList() != control.items()) {
+                files->setStringList(control.items());
+            }
+            const QSignalBlocker selection(view->selectionModel());
+            view->setCurrentIndex(files->index(control.listIndex()));
+            break;
+        }
+        case ControlKind::TabStrip: {
+            static_cast<QTabBar*>(widget)->setCurrentIndex(control.listIndex());
+            // The page lies below the tabs, within the strip's rectangle.
+            if (auto* page = qobject_cast<QWidget*>(objects_.value(QLatin1String(kTabPage)))) {
+                const QRect strip = widget->geometry();
+                const int tabHeight = widget->sizeHint().height();
+                page->setGeometry(strip.adjusted(0, tabHeight - 1, 0, 0));
+                page->setVisible(control.visible());
+            }
+            break;
+        }
+        case ControlKind::PictureButton:
+        case ControlKind::CheckList:
+        case ControlKind::Window:
+        case ControlKind::Menu:
+        case ControlKind::MenuItem:
+            break;
+    }
+}
+
+void MainWindow::syncWindow() {
+    setWindowTitle(form_.Main.text());
+    const QRect place = twipsToPixels(form_.Main.geometry());
+    if (pos() != place.topLeft()) {
+        move(place.topLeft());
+    }
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (!widget || widget->window() != this) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    switch (event->type()) {
+        case QEvent::KeyPress: {
+            // The window sees keys before its controls; of these it handles only Escape.
+            auto* key = static_cast<QKeyEvent*>(event);
+            if (key->key() == Qt::Key_Escape &&
+                form_.Form_KeyDown(MainForm::EscapeKey, shiftState(key->modifiers()))) {
+                return true;
+            }
+            break;
+        }
+        case QEvent::FocusIn:
+            if (watched == objects_.value(QStringLiteral("SubFolderName"))) {
+                form_.SubFolderName_GotFocus();
+            }
+            break;
+        case QEvent::MouseMove: {
+            auto* mouse = static_cast<QMouseEvent*>(event);
+            const float x = static_cast<float>(mouse->position().x() * TwipsPerPixel);
+            const float y = static_cast<float>(mouse->position().y() * TwipsPerPixel);
+            const int buttons = buttonState(mouse->buttons());
+            const int shift = shiftState(mouse->modifiers());
+            auto* used = qobject_cast<QListView*>(objects_.value(QStringLiteral("UsedFiles")));
+            auto* unused = qobject_cast<QListView*>(objects_.value(QStringLiteral("UnusedFiles")));
+            if (used && watched == used->viewport()) {
+                form_.UsedFiles_MouseMove(buttons, shift, x, y);
+            } else if (unused && watched == unused->viewport()) {
+                form_.UnusedFiles_MouseMove(buttons, shift, x, y);
+            }
+            break;
+        }
+        default:
+            break;
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    form_.Form_Unload();
+    event->accept();
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    const QRect window = form_.Main.geometry();
+    const QPoint twips = pos() * TwipsPerPixel;
+    // Only a real move is taken back: a position that rounds to the same pixel stays as stored.
+    if (twipsToPixels(window).topLeft() != pos()) {
+        form_.Main.setGeometry(QRect(twips, window.size()));
+    }
+}
+
+void MainWindow::showAbout() {
+    AboutDialog about(form_.Main.text(), form_.WebPage, this);
+    about.exec();
+}
+
+}  // namespace tidewick

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+
+#include "sweep/main_form.h"
+
+class QFileSystemModel;
+
+// The main window: one widget per control of the MainForm, placed at the control's twips,
+// showing its data and forwarding the user's actions to its handlers.
+namespace tidewick {
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit MainWindow(MainForm& form, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    /// Runs the form's load, at whose end the window shows itself.
+    void load();
+
+    /// The widget or action that stands for control `name`.
+    QObject* controlObject(const QString& name) const { return objects_.value(name); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+
+private:
+    MainForm& form_;
+    QHash<QString, QObject*> objects_;
+    QFileSystemModel* folders_ = nullptr;
+    QStyle* frameStyle_ = nullptr;
+
+    void createControls();
+    QWidget* createWidget(Control& control, QWidget* container);
+    void bindList(Control& control, QWidget* view);
+    void sync(Control& control);
+    void syncWindow();
+    void showAbout();
+};
+
+}  // namespace tidewick

@@ -1,0 +1,141 @@
+#include "ui/qt_interaction.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+
+namespace tidewick {
+
+namespace {
+
+QMessageBox::Icon toQt(MessageIcon icon) {
+    switch (icon) {
+        case MessageIcon::Information:
+            return QMessageBox::Information;
+        case MessageIcon::Exclamation:
+            return QMessageBox::Warning;
+        case MessageIcon::Question:
+            return QMessageBox::Question;
+        case MessageIcon::Critical:
+            return QMessageBox::Critical;
+        case MessageIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons toQt(MessageButtons buttons) {
+    switch (buttons) {
+        case MessageButtons::Ok:
+            return QMessageBox::Ok;
+        case MessageButtons::OkCancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case MessageButtons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case MessageButtons::YesNoCancel:
+            return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+        case MessageButtons::AbortRetryIgnore:
+            return QMessageBox::Abort | QMessageBox::Retry | QMessageBox::Ignore;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::StandardButton toQt(MessageAnswer answer) {
+    switch (answer) {
+        case MessageAnswer::Ok:
+            return QMessageBox::Ok;
+        case MessageAnswer::Cancel:
+            return QMessageBox::Cancel;
+        case MessageAnswer::Yes:
+            return QMessageBox::Yes;
+        case MessageAnswer::No:
+            return QMessageBox::No;
+        case MessageAnswer::Abort:
+            return QMessageBox::Abort;
+        case MessageAnswer::Retry:
+            return QMessageBox::Retry;
+        case MessageAnswer::Ignore:
+            return QMessageBox::Ignore;
+    }
+    return QMessageBox::Ok;
+}
+
+MessageAnswer fromQt(int button, MessageAnswer closed) {
+    switch (button) {
+        case QMessageBox::Ok:
+            return MessageAnswer::Ok;
+        case QMessageBox::Cancel:
+            return MessageAnswer::Cancel;
+        case QMessageBox::Yes:
+            return MessageAnswer::Yes;
+        case QMessageBox::No:
+            return MessageAnswer::No;
+        case QMessageBox::Abort:
+            return MessageAnswer::Abort;
+        case QMessageBox::Retry:
+            return MessageAnswer::Retry;
+        case QMessageBox::Ignore:
+            return MessageAnswer::Ignore;
+        default:
+            return closed;
+    }
+}
+
+}  // namespace
+
+QtInteraction::~QtInteraction() {
+    if (busy_) {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+MessageAnswer QtInteraction::showMessage(const MessageBoxRequest& request) {
+    // Texts break lines with CR LF; a message box wants bare line feeds.
+    QString text = request.text;
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    QMessageBox box(toQt(request.icon), request.title, text, toQt(request.buttons), owner_);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(toQt(request.defaultButton));
+    // A box closed by its frame answers with its escape button, or the default one.
+    const MessageAnswer closed = request.buttons == MessageButtons::AbortRetryIgnore
+                                     ? MessageAnswer::Abort
+                                 : request.buttons == MessageButtons::YesNo ? MessageAnswer::No
+                                 : request.buttons == MessageButtons::Ok    ? MessageAnswer::Ok
+                                                                            : MessageAnswer::Cancel;
+    // The pointer shows the arrow while the user reads the box.
+    const bool wasBusy = busy_;
+    if (wasBusy) {
+        setBusyPointer(false);
+    }
+    const int button = box.exec();
+    if (wasBusy) {
+        setBusyPointer(true);
+    }
+    return fromQt(button, closed);
+}
+
+void QtInteraction::setBusyPointer(bool busy) {
+    if (busy == busy_) {
+        return;
+    }
+    busy_ = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+void QtInteraction::processEvents() {
+    QCoreApplication::processEvents();
+}
+
+QString QtInteraction::browseForFolder(const QString& prompt, const QString& startFolder) {
+    // A start folder that does not exist opens the picker at its own default place.
+    const QString start = QDir(startFolder).exists() ? startFolder : QString();
+    const QString chosen = QFileDialog::getExistingDirectory(owner_, prompt, start);
+    return chosen.isEmpty() ? QString() : QDir::toNativeSeparators(chosen);
+}
+
+}  // namespace tidewick

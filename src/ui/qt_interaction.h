@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "platform/interaction.h"
+
+// The user behind the Qt window: message boxes, the busy pointer, the event pump and the folder
+// picker.
+namespace tidewick {
+
+class QtInteraction : public UserInteraction {
+public:
+    /// `owner` becomes the parent of the message boxes and the picker; it may be set later.
+    explicit QtInteraction(QWidget* owner = nullptr) : owner_(owner) {}
+    ~QtInteraction() override;
+
+    void setOwner(QWidget* owner) { owner_ = owner; }
+
+    MessageAnswer showMessage(const MessageBoxRequest& request) override;
+    void setBusyPointer(bool busy) override;
+    void processEvents() override;
+    QString browseForFolder(const QString& prompt, const QString& startFolder) override;
+
+private:
+    QPointer<QWidget> owner_;
+    bool busy_ = false;
+};
+
+}  // namespace tidewick
