@@ -1,5 +1,7 @@
 #include "readers/import_sesx.h"
 
+#include <cstring>
+
 #include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
@@ -12,12 +14,17 @@ constexpr QByteArrayView kFilesEnd = "</files>";
 constexpr QByteArrayView kSessionEnd = "</sesx>";
 constexpr QByteArrayView kPathAttribute = "absolutePath=";
 
-// Replaces the first occurrence of `find` only; later ones stay.
-void replaceFirst(QByteArray& text, QByteArrayView find, QByteArrayView replacement) {
+// Replaces the first occurrence of `find` only, in place; later ones stay.
+void replaceFirst(QByteArray& text, QByteArrayView find, char replacement) {
     const qsizetype at = QByteArrayView(text).indexOf(find);
-    if (at >= 0) {
-        text.replace(at, find.size(), replacement);
+    if (at < 0) {
+        return;
     }
+    char* data = text.data();
+    data[at] = replacement;
+    const qsizetype rest = at + find.size();
+    std::memmove(data + at + 1, data + rest, size_t(text.size() - rest));
+    text.truncate(text.size() - find.size() + 1);
 }
 
 // The bytes of `text` from `begin` up to, not including, its last byte; empty when there are
@@ -62,8 +69,8 @@ private:
             return;
         }
         QByteArray path = value.first(quote).toByteArray();
-        replaceFirst(path, "&amp;", "&");
-        replaceFirst(path, "%3a", ":");
+        replaceFirst(path, "&amp;", '&');
+        replaceFirst(path, "%3a", ':');
         // An empty value names no file; kept, it would list the session folder as a missing
         // media file.
         if (!path.isEmpty()) {
@@ -98,14 +105,14 @@ bool mayHoldFileElement(QByteArrayView trimmed) {
 
 ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
     SesxSession session(context);
-    // A lone line feed does not end a line here, so an empty file reads one empty first line
-    // and yields nothing.
-    LineReader lines(bytes, false);
-    const QByteArrayView first = lines.next();
+    // The first line runs up to the file's first carriage return, since a lone line feed does
+    // not end a line here. (Found with one fast search: in piece mode it is the whole file.)
+    const qsizetype firstEnd = bytes.indexOf('\r');
+    const QByteArrayView first = firstEnd < 0 ? bytes : bytes.first(firstEnd);
     if (first.contains('\n')) {
-        // Piece mode: a file whose lines end in a line feed alone arrives as one first line
-        // (up to the file's first carriage return, if any). Its pieces are the lines, the first
-        // one included, and nothing after that first line is read.
+        // Piece mode: a file whose lines end in a line feed alone arrives as one first line.
+        // Its pieces are the lines, the first one included, and nothing after that first line
+        // is read.
         qsizetype begin = 0;
         for (;;) {
             const qsizetype feed = first.indexOf('\n', begin);
@@ -117,7 +124,10 @@ ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
         }
         return ReaderOutcome::Read;
     }
-    // Line mode: the first line is the XML declaration and is never examined.
+    // Line mode: the first line is the XML declaration and is never examined. An empty file has
+    // no first line, and reading one gives empty text and nothing further.
+    LineReader lines(bytes, false);
+    lines.next();
     while (!lines.atEnd()) {
         QByteArrayView line = trimmedOfTabsAndBlanks(lines.next());
         QByteArray cleaned;

@@ -34,16 +34,18 @@ bool isBlankLine(QByteArrayView line) {
 // replacement is either the first character of `find` or absent from it, and `find` never
 // overlaps itself), and so that occurrence ends at a byte still to be copied.
 QByteArray replaceAllRestarting(QByteArrayView text, QByteArrayView find, char replacement) {
-    QByteArray out;
-    out.reserve(text.size());
+    QByteArray out(text.size(), Qt::Uninitialized);
+    char* const begin = out.data();
+    char* end = begin;
     const char last = find.back();
     for (const char c : text) {
-        out.append(c);
-        if (c == last && QByteArrayView(out).endsWith(find)) {
-            out.chop(find.size());
-            out.append(replacement);
+        *end++ = c;
+        if (c == last && QByteArrayView(begin, end).endsWith(find)) {
+            end -= find.size();
+            *end++ = replacement;
         }
     }
+    out.truncate(end - begin);
     return out;
 }
 
