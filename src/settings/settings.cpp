@@ -141,14 +141,20 @@ void StoredSettings::SaveSettings(MainForm& form) {
     values.append(
         {kSettings, QStringLiteral("ActiveFileTab"), QString::number(form.ActiveFileTab)});
 
+    bool saved = true;
     for (const Value& value : values) {
         if (!store_.SaveSetting(value.section, value.key, value.text)) {
-            showOk(form.ui(),
-                   QStringLiteral("Access to the Windows Registry failed and the current ") +
-                       programName() + QStringLiteral(" settings could not be saved."),
-                   QStringLiteral("For Information..."), MessageIcon::Information);
-            return;
+            saved = false;
+            break;
         }
+    }
+    // What was written before a refusal stays; a store that takes its writes in one go can
+    // refuse them only here.
+    if (!store_.flush() || !saved) {
+        showOk(form.ui(),
+               QStringLiteral("Access to the Windows Registry failed and the current ") +
+                   programName() + QStringLiteral(" settings could not be saved."),
+               QStringLiteral("For Information..."), MessageIcon::Information);
     }
 }
 

@@ -27,9 +27,15 @@ QString QSettingsStore::GetSetting(const QString& section, const QString& key,
 }
 
 bool QSettingsStore::SaveSetting(const QString& section, const QString& key, const QString& text) {
+    // QSettings writes lazily, at flush(); a store that cannot be written at all says so here.
+    if (!writableKnown_) {
+        writable_ = settings_->isWritable();
+        writableKnown_ = true;
+    }
+    if (!writable_) {
+        return false;
+    }
     settings_->setValue(keyPath(section, key), text);
-    // QSettings writes lazily; only a sync shows whether the store took the value.
-    settings_->sync();
     return settings_->status() == QSettings::NoError;
 }
 
@@ -38,6 +44,11 @@ bool QSettingsStore::DeleteSetting(const QString& section) {
         return false;
     }
     settings_->remove(section);
+    return settings_->status() == QSettings::NoError;
+}
+
+bool QSettingsStore::flush() {
+    writableKnown_ = false;
     settings_->sync();
     return settings_->status() == QSettings::NoError;
 }

@@ -19,6 +19,8 @@ public:
     /// Removes a section with all its keys; false when there is no such section or it could not
     /// be removed.
     virtual bool DeleteSetting(const QString& section) = 0;
+    /// Makes every change so far permanent; false when the store refused them.
+    virtual bool flush() { return true; }
 };
 
 /// The store over QSettings, a section being a group.
@@ -35,12 +37,15 @@ public:
                        const QString& defaultText) override;
     bool SaveSetting(const QString& section, const QString& key, const QString& text) override;
     bool DeleteSetting(const QString& section) override;
+    bool flush() override;
 
     /// Where the store lives.
     QString fileName() const { return settings_->fileName(); }
 
 private:
     std::unique_ptr<QSettings> settings_;
+    bool writableKnown_ = false;  // whether the store is writable is asked once per flush
+    bool writable_ = false;
 };
 
 }  // namespace tidewick

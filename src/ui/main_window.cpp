@@ -1,5 +1,6 @@
 #include "ui/main_window.h"
 
+#include <QAbstractFileIconProvider>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -73,6 +74,19 @@ void fitCaption(QWidget* widget) {
     }
 }
 
+// The folder tree shows one folder picture for every folder: asking the icon theme for each
+// folder's own icon costs more than the whole rest of the window's start.
+class FolderIcons : public QAbstractFileIconProvider {
+public:
+    explicit FolderIcons(QIcon folder) : folder_(std::move(folder)) {}
+    QIcon icon(IconType) const override { return folder_; }
+    QIcon icon(const QFileInfo&) const override { return folder_; }
+    QString type(const QFileInfo&) const override { return {}; }
+
+private:
+    QIcon folder_;
+};
+
 // The page of the tab strip: a panel below the tabs, on which the session-file list lies.
 constexpr auto kTabPage = "FileTypeTabPage";
 
@@ -92,6 +106,7 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
     QFont font = this->font();
     font.setPointSizeF(kFontPoints);
     client->setFont(font);
+    folderIcon_ = style()->standardIcon(QStyle::SP_DirIcon);
     frameStyle_ = new FrameStyle;
     frameStyle_->setParent(this);
 
@@ -181,7 +196,7 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
         }
         case ControlKind::PictureButton: {
             auto* button = new QToolButton(container);
-            button->setIcon(style()->standardIcon(QStyle::SP_DirIcon));
+            button->setIcon(folderIcon_);
             button->setIconSize(QSize(16, 16));
             connect(button, &QToolButton::clicked, &control, &Control::click);
             return button;
@@ -215,6 +230,8 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
         case ControlKind::FolderTree: {
             auto* tree = new QTreeView(container);
             folders_ = new QFileSystemModel(this);
+            folderIcons_ = std::make_unique<FolderIcons>(folderIcon_);
+            folders_->setIconProvider(folderIcons_.get());
             folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
             folders_->setRootPath(QDir::rootPath());
             tree->setModel(folders_);

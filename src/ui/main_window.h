@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QHash>
+#include <QIcon>
 #include <QMainWindow>
+#include <memory>
 
 #include "sweep/main_form.h"
 
+class QAbstractFileIconProvider;
 class QFileSystemModel;
 
 // The main window: one widget per control of the MainForm, placed at the control's twips,
@@ -34,6 +37,8 @@ private:
     QHash<QString, QObject*> objects_;
     QFileSystemModel* folders_ = nullptr;
     QStyle* frameStyle_ = nullptr;
+    QIcon folderIcon_;
+    std::unique_ptr<QAbstractFileIconProvider> folderIcons_;
 
     void createControls();
     QWidget* createWidget(Control& control, QWidget* container);
