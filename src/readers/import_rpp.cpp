@@ -67,6 +67,9 @@ bool beginsWith(QByteArrayView line, QByteArrayView prefix) {
 
 // The text of a piece of a cleaned line: tabs read as blanks, the bytes decoded as session text.
 QString textOf(QByteArrayView piece) {
+    if (!piece.contains('\t')) {
+        return decodeSessionText(piece);
+    }
     QByteArray bytes = piece.toByteArray();
     bytes.replace('\t', ' ');
     return decodeSessionText(bytes);
@@ -74,11 +77,13 @@ QString textOf(QByteArrayView piece) {
 
 // REAPER writes the separators of the system it runs on, so a project saved on Windows holds
 // "\" and one saved on macOS "/". Paths leave the reader in the host's form.
+// One character for another gives what replacing again and again from the start gives, in
+// one pass.
 void toHostSeparators(QString& path) {
     if (hostSeparator() == u'\\') {
-        ReplaceAll(QStringLiteral("/"), path, QStringLiteral("\\"));
+        path.replace(u'/', u'\\');
     } else {
-        ReplaceAll(QStringLiteral("\\"), path, QStringLiteral("/"));
+        path.replace(u'\\', u'/');
     }
 }
 
@@ -188,6 +193,10 @@ private:
 
     // A media source names its file on the next line; BANKPROGRAMFILE names one on its own.
     void applySource(QByteArrayView line) {
+        // Nearly every line of a project begins with another character; this keeps them cheap.
+        if (line.isEmpty() || (line[0] != '<' && line[0] != 'B')) {
+            return;
+        }
         const bool bank = beginsWith(line, kBankProgramFile);
         const bool midi = !bank && beginsWith(line, kMidiSource);
         if (!bank && !midi &&
@@ -208,9 +217,16 @@ private:
         if (!textBetweenFirstQuotes(fileLine, inside)) {
             return;  // fewer than two quotes: there is no path to cut out
         }
+        // The same bytes always give the same path, so a file that many items share is
+        // decoded once.
+        const QByteArray key = QByteArray::fromRawData(inside.data(), inside.size());
+        if (seenFileTexts_.contains(key)) {
+            return;
+        }
+        seenFileTexts_.insert(inside.toByteArray());
         QString path = textOf(inside);
         toHostSeparators(path);
-        if (path.contains(urlPrefixLower_) || path.contains(urlPrefixUpper_)) {
+        if (containsUrlPrefix(path)) {
             // The rest after the prefix is the path, whole: nothing shows that this form
             // carries a trailing character, and cutting one off would name another file.
             path = path.mid(kUrlPrefixLength);
@@ -221,7 +237,21 @@ private:
         }
     }
 
+    bool containsUrlPrefix(QStringView path) const {
+        // Looked for only where a "u" or "U" stands, so a path without one costs one pass.
+        for (qsizetype at = 0; at + kUrlPrefixLength <= path.size(); ++at) {
+            const QChar c = path[at];
+            if ((c == u'u' || c == u'U') &&
+                (path.sliced(at, kUrlPrefixLength) == urlPrefixLower_ ||
+                 path.sliced(at, kUrlPrefixLength) == urlPrefixUpper_)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     LineReader lines_;
+    QSet<QByteArray> seenFileTexts_;
     ReaderContext& context_;
     ProgramState& state_;
     QString projectFolder_;
