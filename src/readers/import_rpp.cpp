@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include <QDir>
+
 #include "platform/path_text.h"
 #include "platform/session_text.h"
 #include "readers/session_bytes.h"
@@ -161,10 +163,14 @@ private:
         // that folder is found only in host form.
         toHostSeparators(r);
 
-        if (context_.fs.FolderExists(r)) {
-            // An absolute record path names the folder itself. In a single-project load it
-            // becomes the record folder, which is what the sub-folder display shows for an
-            // existing folder; in a whole-folder scan the first project's value stays.
+        // A record path that names an existing folder by itself: in a whole-folder scan the
+        // first project's value stays. In a single-project load an absolute path becomes the
+        // record folder, which is what the sub-folder display shows for an existing folder. A
+        // relative one exists "by itself" only in the program's current folder, which has
+        // nothing to do with the project; taking it would point the record folder, and the
+        // files offered for moving, at some other folder. So it is read against the project
+        // folder like any relative record path.
+        if (context_.fs.FolderExists(r) && (allFiles || QDir::isAbsolutePath(r))) {
             if (!allFiles) {
                 recordFolder = r;
             }

@@ -313,14 +313,27 @@ INSTANTIATE_TEST_SUITE_P(
         RecordCase{"ShortLineKeepsAValue", true, "x", "RECORD_PATH", "x"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(RppReader, RelativeRecordPathExistingInTheCurrentFolderIsTakenAsIs) {
+// A relative record path is the project's sub-folder, even when the program's current folder
+// holds a folder of that name.
+TEST_F(RppReader, RelativeRecordPathIgnoresTheCurrentFolder) {
     QTemporaryDir current;
     ASSERT_TRUE(QDir(current.path()).mkpath(QStringLiteral("Rec")));
     const QString before = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(current.path()));
-    read(project({"RECORD_PATH \"Rec\" \"\""}));
+    const QByteArray bytes = project({"RECORD_PATH \"Rec\" \"\""});
+
+    read(bytes);
+    EXPECT_EQ(f.state.RecordFolder, projectFolder()) << "no Rec in the project folder";
+    ASSERT_TRUE(QDir(f.dir.path()).mkpath(QStringLiteral("Rec")));
+    read(bytes);
+    EXPECT_EQ(f.state.RecordFolder, projectFolder() + QStringLiteral("Rec"));
+
+    // A whole-folder scan leaves the record folder alone for a path that exists by itself.
+    f.state.CheckAllFiles = true;
+    f.state.RecordFolder.clear();
+    read(bytes);
+    EXPECT_EQ(f.state.RecordFolder, QString());
     QDir::setCurrent(before);
-    EXPECT_EQ(f.state.RecordFolder, QStringLiteral("Rec"));
 }
 
 // --- Files on disk ---------------------------------------------------------------------------
