@@ -4,24 +4,32 @@
 #include <QApplication>
 #include <QLabel>
 #include <QScreen>
+#include <memory>
 
 #include "ui/combo_drop_width.h"
 
 namespace tidewick {
 namespace {
 
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "test_combo_drop_width";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
-}
+// The application lives from before the first test to after the last, and is gone before the
+// program's exit handlers run.
+class Application : public ::testing::Environment {
+public:
+    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
+    void TearDown() override { app_.reset(); }
+
+private:
+    int argc_ = 1;
+    char name_[32] = "test_combo_drop_width";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+
+[[maybe_unused]] ::testing::Environment* const application =
+    ::testing::AddGlobalTestEnvironment(new Application);
 
 class ComboDropWidth : public ::testing::Test {
 protected:
-    void SetUp() override { application(); }
-
     int widest(const QComboBox& combo) const {
         int width = 0;
         for (int index = 0; index < combo.count(); ++index) {

@@ -16,6 +16,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
+#include <memory>
 
 #include "platform/recording_interaction.h"
 #include "settings/settings.h"
@@ -27,21 +28,27 @@
 namespace tidewick {
 namespace {
 
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "test_main_window";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
-}
+// The application lives from before the first test to after the last, and is gone before the
+// program's exit handlers run.
+class Application : public ::testing::Environment {
+public:
+    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
+    void TearDown() override { app_.reset(); }
+
+private:
+    int argc_ = 1;
+    char name_[32] = "test_main_window";
+    char* argv_[2] = {name_, nullptr};
+    std::unique_ptr<QApplication> app_;
+};
+
+[[maybe_unused]] ::testing::Environment* const application =
+    ::testing::AddGlobalTestEnvironment(new Application);
 
 // The window as the program starts it, over a store in a temporary folder.
 class MainWindowTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        application();
-        start();
-    }
+    void SetUp() override { start(); }
 
     void start() {
         window.reset();
