@@ -170,14 +170,14 @@ private:
         // nothing to do with the project; taking it would point the record folder, and the
         // files offered for moving, at some other folder. So it is read against the project
         // folder like any relative record path.
-        if (context_.fs.FolderExists(r) && (allFiles || QDir::isAbsolutePath(r))) {
+        if (folderExists(r) && (allFiles || QDir::isAbsolutePath(r))) {
             if (!allFiles) {
                 recordFolder = r;
             }
             return;
         }
         const QString inProject = projectFolder_ + r;
-        if (!r.isEmpty() && context_.fs.FolderExists(inProject)) {
+        if (!r.isEmpty() && folderExists(inProject)) {
             if (!allFiles) {
                 recordFolder = inProject;
                 return;
@@ -241,6 +241,11 @@ private:
         if (!path.isEmpty()) {
             state_.MediaPaths.appendUnique(path);
         }
+    }
+
+    // A text with a zero character names no folder; the file system would only warn about it.
+    bool folderExists(const QString& path) const {
+        return !path.contains(QChar(u'\0')) && context_.fs.FolderExists(path);
     }
 
     bool containsUrlPrefix(QStringView path) const {
