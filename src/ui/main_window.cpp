@@ -74,17 +74,13 @@ void fitCaption(QWidget* widget) {
     }
 }
 
-// The folder tree shows one folder picture for every folder: asking the icon theme for each
-// folder's own icon costs more than the whole rest of the window's start.
-class FolderIcons : public QAbstractFileIconProvider {
+// The folder tree shows names only: asking the icon theme for each folder's icon costs more
+// than the whole rest of the window's start.
+class NoFolderIcons : public QAbstractFileIconProvider {
 public:
-    explicit FolderIcons(QIcon folder) : folder_(std::move(folder)) {}
-    QIcon icon(IconType) const override { return folder_; }
-    QIcon icon(const QFileInfo&) const override { return folder_; }
+    QIcon icon(IconType) const override { return {}; }
+    QIcon icon(const QFileInfo&) const override { return {}; }
     QString type(const QFileInfo&) const override { return {}; }
-
-private:
-    QIcon folder_;
 };
 
 // The page of the tab strip: a panel below the tabs, on which the session-file list lies.
@@ -230,7 +226,7 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
         case ControlKind::FolderTree: {
             auto* tree = new QTreeView(container);
             folders_ = new QFileSystemModel(this);
-            folderIcons_ = std::make_unique<FolderIcons>(folderIcon_);
+            folderIcons_ = std::make_unique<NoFolderIcons>();
             folders_->setIconProvider(folderIcons_.get());
             folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
             folders_->setRootPath(QDir::rootPath());
