@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <cstring>
 #include <limits>
 
 namespace tidewick {
@@ -33,16 +34,28 @@ void reportFileError(UserInteraction& ui, const QString& kindCaption, const QStr
            QStringLiteral("File Error"), MessageIcon::Critical);
 }
 
+qsizetype LineReader::nextOf(char c, qsizetype& cached) const {
+    if (cached < pos_) {
+        const auto* hit = static_cast<const char*>(
+            std::memchr(bytes_.data() + pos_, c, size_t(bytes_.size() - pos_)));
+        cached = hit == nullptr ? bytes_.size() : hit - bytes_.data();
+    }
+    return cached;
+}
+
 QByteArrayView LineReader::next() {
     const qsizetype size = bytes_.size();
     const qsizetype begin = pos_;
-    const char* data = bytes_.data();
-    qsizetype end = begin;
-    while (end < size && data[end] != '\r' && !(lineFeedEndsLine_ && data[end] == '\n')) {
-        ++end;
+    if (begin >= size) {
+        return {};
+    }
+    qsizetype end = nextOf('\r', nextCr_);
+    if (lineFeedEndsLine_) {
+        end = qMin(end, nextOf('\n', nextLf_));
     }
     pos_ = end;
     if (pos_ < size) {
+        const char* data = bytes_.data();
         ++pos_;  // the CR or LF itself
         if (data[end] == '\r' && pos_ < size && data[pos_] == '\n') {
             ++pos_;

@@ -44,9 +44,15 @@ public:
     QByteArrayView next();
 
 private:
+    // The next position at or after pos_ holding `c`, or the end; found with memchr and kept
+    // until the reader passes it, so each byte is searched once per character.
+    qsizetype nextOf(char c, qsizetype& cached) const;
+
     QByteArrayView bytes_;
     qsizetype pos_ = 0;
     bool lineFeedEndsLine_;
+    qsizetype nextCr_ = -1;
+    qsizetype nextLf_ = -1;
 };
 
 /// Removes leading and trailing blanks (code 32); tabs stay.
