@@ -200,6 +200,9 @@ void readerRead(benchmark::State& state, const QString& path, Reader reader) {
 // Keeps the seconds per iteration of each benchmark for the closing summary.
 class SummaryReporter : public benchmark::ConsoleReporter {
 public:
+    // Plain text, so the summary lines begin with the reader's name.
+    SummaryReporter() : ConsoleReporter(OO_Tabular) {}
+
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
