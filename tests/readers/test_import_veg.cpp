@@ -130,14 +130,6 @@ INSTANTIATE_TEST_SUITE_P(
         ScanCase{"NoMarksAtAll", QByteArray(1000, 'l') + QByteArray(1000, '\0'), {}}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST(VegScanLimits, ManyRunsDoNotChangeTheScan) {
-    QByteArray bytes;
-    for (int i = 0; i < 100000; ++i) {
-        bytes += kRun + record(7, "");
-    }
-    EXPECT_EQ(scan(bytes + media("late.wav")), texts({"late.wav"}));
-}
-
 TEST(VegScanLimits, EveryTruncationEndsCleanly) {
     const QByteArray full = kThreeRuns + media("C:\\a.wav") + media("C:\\b.wav");
     const qsizetype firstEnd = full.indexOf(utf16("C:\\a.wav")) + utf16("C:\\a.wav").size() - 1;
@@ -223,13 +215,6 @@ TEST(VegFile, FileThatCannotBeOpenedIsReported) {
     EXPECT_EQ(f.ui.messages.front().title, QStringLiteral("File Error"));
     EXPECT_TRUE(f.ui.messages.front().text.startsWith(
         QStringLiteral("An error occurred accessing the selected VEG file.  ")));
-}
-
-TEST(VegFile, WrittenFileReadsLikeItsBytes) {
-    ReaderFixture f;
-    const QString file = f.write(QStringLiteral("p.veg"), kThreeRuns + media("C:\\x.wav"));
-    EXPECT_EQ(ImportVegFile(file, f.context), ReaderOutcome::Read);
-    EXPECT_EQ(f.state.MediaPaths.paths(), texts({"C:\\x.wav"}));
 }
 
 struct CorpusCase {
