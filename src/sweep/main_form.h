@@ -190,8 +190,19 @@ public:
     void SubFolderName_GotFocus();
     void MoveButton_Click();
     void UpdateUnusedFileSpec();
+    /// Appends to UnusedFiles the files of `mpath` + `sFolder` matching `extn` that no scanned
+    /// session uses, leaving out names matching `sesFileToIgnore`.
+    void FillUnused(QString& mpath, QString& sFolder, QString& extn, QString& sesFileToIgnore);
+    /// The frame captions with their counts, then UpdateSizes.
+    void UpdateSelCounter();
     void UpdateSizes();
     void UpdateSubFolder();
+    /// After a REAPER load: the other files of the project folder and the sub-folder text.
+    void GetRPPSubFolder();
+    /// Gathers the files of the folder in SubFolderName into UnusedFiles.
+    void AddFolder();
+    /// A media path reduced to its file name, or to the RecordFolder level and the file name.
+    QString TrimFolders(const QString& fullFileName) const;
 
 Q_SIGNALS:
     /// Form_Load is done: the window shows itself.
