@@ -39,30 +39,24 @@ protected:
 };
 
 TEST_F(CliMedia, PrintsEachRecordTrimmedInReaderOrder) {
-    const CliRun run =
-        runCli({QStringLiteral("media"), f.write(QStringLiteral("song.ses"), session)});
+    const CliRun run = runCli({"media", f.write("song.ses", session)});
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
-    EXPECT_EQ(run.out,
-              QStringLiteral("C:\\Takes\\Caf\u00e9 take.wav\nD:\\loop.wav\nD:\\loop.wav\n"));
+    EXPECT_EQ(run.out, "C:\\Takes\\Caf\u00e9 take.wav\nD:\\loop.wav\nD:\\loop.wav\n");
     EXPECT_TRUE(run.err.isEmpty());
 }
 
 TEST_F(CliMedia, KindComesFromTheExtensionInAnyCaseOrFromTheOption) {
-    const QString upper = f.write(QStringLiteral("SONG.SES"), session);
-    EXPECT_EQ(runCli({QStringLiteral("media"), upper}).code, 0);
-    const QString odd = f.write(QStringLiteral("song.bak"), session);
-    EXPECT_EQ(runCli({QStringLiteral("media"), odd}).code, 1);
-    EXPECT_EQ(
-        runCli({QStringLiteral("media"), odd, QStringLiteral("--kind"), QStringLiteral("ses")})
-            .code,
-        0);
+    const QString upper = f.write("SONG.SES", session);
+    EXPECT_EQ(runCli({"media", upper}).code, 0);
+    const QString odd = f.write("song.bak", session);
+    EXPECT_EQ(runCli({"media", odd}).code, 1);
+    EXPECT_EQ(runCli({"media", odd, "--kind", "ses"}).code, 0);
 }
 
 TEST_F(CliMedia, VerboseAddsTheVersionOnTheErrorStream) {
-    const CliRun run = runCli({QStringLiteral("media"), QStringLiteral("--verbose"),
-                               f.write(QStringLiteral("song.ses"), session)});
+    const CliRun run = runCli({"media", "--verbose", f.write("song.ses", session)});
     EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.err, QStringLiteral("version: Audition 3.0\n"));
+    EXPECT_EQ(run.err, "version: Audition 3.0\n");
 }
 
 TEST_F(CliMedia, ExitCodesTellUsageFromReaderFailures) {
@@ -71,27 +65,21 @@ TEST_F(CliMedia, ExitCodesTellUsageFromReaderFailures) {
         int code;
         const char* errorPart;
     };
-    const QString missing = f.dir.filePath(QStringLiteral("missing.ses"));
-    const QString notSession = f.write(QStringLiteral("wave.ses"), "RIFF....WAVEfmt ");
-    const QString unsupported =
-        f.write(QStringLiteral("old.ses"), SesWriter().version("Cool Edit 96").bytes());
-    const QString broken = f.write(QStringLiteral("broken.ses"), session.left(40));
-    const QString empty =
-        f.write(QStringLiteral("empty.ses"), SesWriter().version("Audition 2.0").bytes());
+    const QString missing = f.dir.filePath("missing.ses");
+    const QString notSession = f.write("wave.ses", "RIFF....WAVEfmt ");
+    const QString unsupported = f.write("old.ses", SesWriter().version("Cool Edit 96").bytes());
+    const QString broken = f.write("broken.ses", session.left(40));
+    const QString empty = f.write("empty.ses", SesWriter().version("Audition 2.0").bytes());
     const Case cases[] = {
         {{}, 1, "usage"},
-        {{QStringLiteral("frobnicate")}, 1, "unknown command"},
-        {{QStringLiteral("media")}, 1, "usage"},
-        {{QStringLiteral("media"), missing}, 1, "no such file"},
-        {{QStringLiteral("media"), notSession, QStringLiteral("--kind"), QStringLiteral("wav")},
-         1,
-         "unknown kind"},
-        {{QStringLiteral("media"), notSession}, 2, "does not appear to be a valid session file"},
-        {{QStringLiteral("media"), unsupported}, 2, "Cool Edit 96 is not currently supported"},
-        {{QStringLiteral("media"), broken},
-         2,
-         "File Error: An error occurred accessing the selected SES file."},
-        {{QStringLiteral("media"), empty}, 0, ""},
+        {{"frobnicate"}, 1, "unknown command"},
+        {{"media"}, 1, "usage"},
+        {{"media", missing}, 1, "no such file"},
+        {{"media", notSession, "--kind", "wav"}, 1, "unknown kind"},
+        {{"media", notSession}, 2, "does not appear to be a valid session file"},
+        {{"media", unsupported}, 2, "Cool Edit 96 is not currently supported"},
+        {{"media", broken}, 2, "File Error: An error occurred accessing the selected SES file."},
+        {{"media", empty}, 0, ""},
     };
     for (const Case& c : cases) {
         const CliRun run = runCli(c.arguments);
