@@ -193,6 +193,20 @@ public:
     /// Appends to UnusedFiles the files of `mpath` + `sFolder` matching `extn` that no scanned
     /// session uses, leaving out names matching `sesFileToIgnore`.
     void FillUnused(QString& mpath, QString& sFolder, QString& extn, QString& sesFileToIgnore);
+    // The other-files list's own helpers and events.
+    /// Hash sets over UsedFiles and the size of each line of UnusedFiles, kept in step with
+    /// both lists, so that FillUnused and UpdateSizes never scan a list per file.
+    class SweepIndex;
+    std::shared_ptr<SweepIndex> makeSweepIndex();
+    std::shared_ptr<SweepIndex> sweepIndex_ = makeSweepIndex();
+
+Q_SIGNALS:
+    /// ExcludedCheck was checked: the exclusion-list editor is to be shown, modal.
+    void exclusionEditorRequested();
+    /// The control called `controlName` is to get the keyboard focus.
+    void focusRequested(const QString& controlName);
+
+public:
     /// The frame captions with their counts, then UpdateSizes.
     void UpdateSelCounter();
     void UpdateSizes();
