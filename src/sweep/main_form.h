@@ -218,6 +218,30 @@ public:
     /// A media path reduced to its file name, or to the RecordFolder level and the file name.
     QString TrimFolders(const QString& fullFileName) const;
 
+    // The session load and the browser around it.
+    /// Shows the sub-folder row (REAPER, Vegas) or hides it (the Audition kinds), moving
+    /// UnusedFiles below it or up into its place.
+    void ActivateSubFolderControls(bool active);
+    /// Gives a list the horizontal room of its widest line.
+    void SetListHorizontalExtent(CheckListModel& list);
+    /// True while a session load runs; a selection made meanwhile is loaded after it.
+    bool sessionLoadRunning() const { return load_.running; }
+
+private:
+    /// Keeps loads from overlapping when the other-files computation lets events run.
+    struct LoadGuard {
+        bool running = false;
+        bool pending = false;           ///< a selection arrived during the running load
+        quint64 browserChanges = 0;     ///< counts drive, folder and tab changes
+        QString folderAfterDriveError;  ///< where the browser returns after a "Drive Error"
+    };
+    LoadGuard load_;
+
+    void runSessionLoad();
+    void noteBrowserChange() { ++load_.browserChanges; }
+    /// Points the session-file list at `folder` and lists it afresh.
+    void showSessionFolder(const QString& folder);
+
 Q_SIGNALS:
     /// Form_Load is done: the window shows itself.
     void showRequested();
