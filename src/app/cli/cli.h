@@ -16,4 +16,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// `media FILE [--kind K] [--verbose]`: the media paths that the reader finds, one a line.
 int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
+/// `scan FOLDER --kind K (--session NAME | --all) [--trim] [--type N] [--keep-peaks]
+/// [--sub-folder PATH]`: the used media and the other files of a session folder, as the main
+/// window lists them, with the frame captions and the sizes line.
+int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
 }  // namespace tidewick::cli
