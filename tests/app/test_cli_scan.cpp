@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 #include <QTemporaryDir>
 
 #include "app/cli/cli.h"
+#include "platform/path_text.h"
+#include "support/session_files.h"
 
 namespace tidewick {
 namespace {
@@ -78,6 +82,111 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"MissingSession", args({"@", "--kind", "rpp", "--session", "song.rpp"}),
                   "no session file 'song.rpp'"}),
     [](const auto& info) { return std::string(info.param.name); });
+
+// A session folder: mix.ses uses a.wav; a.pk is its peak file; b.wav, b.pk and a take in the
+// session's recordings folder are not used; old.ses is another session.
+class Scan : public ::testing::Test {
+protected:
+    void SetUp() override {
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        ASSERT_TRUE(dir.isValid());
+        file("a.wav", 100);
+        file("a.pk", 10);
+        file("b.wav", 3145728);
+        file("b.pk", 24);
+        file("mix_Recorded/take.wav", 1000);
+        ASSERT_TRUE(test::writeFile(dir.filePath(QStringLiteral("mix.ses")),
+                                    test::sessionBytes(SessionKindId::Ses, {path("a.wav")})));
+        ASSERT_TRUE(test::writeFile(dir.filePath(QStringLiteral("old.ses")),
+                                    test::sessionBytes(SessionKindId::Ses, {path("b.wav")})));
+    }
+    void TearDown() override { QLocale::setDefault(QLocale::c()); }
+
+    void file(const char* relative, qint64 size) {
+        QFile f(dir.filePath(QString::fromUtf8(relative)));
+        QDir().mkpath(QFileInfo(f).absolutePath());
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(f.resize(size));
+    }
+    QString path(const char* relative) const {
+        QString text = dir.filePath(QString::fromUtf8(relative));
+        text.replace(u'/', hostSeparator());
+        return text;
+    }
+    CliRun scan(const QStringList& options) const {
+        return runCli(QStringList{QStringLiteral("scan"), dir.path()} + options);
+    }
+
+    QTemporaryDir dir;
+};
+
+const QString kUsed =
+    QStringLiteral("Media File(s) Used  (NB: Files with a check mark exist on Disk)");
+
+TEST_F(Scan, PrintsBothListsWithTheirCaptionsAndTheSizesLine) {
+    const CliRun run = scan(args({"--kind", "ses", "--session", "mix.ses", "--keep-peaks"}));
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    const qint64 listed =
+        3145728 + 24 + 1000 + QFileInfo(dir.filePath(QStringLiteral("old.ses"))).size();
+    const QString expected =
+        QStringLiteral("used: mix.ses: 1 ") + kUsed + QStringLiteral("\n[x] ") + path("a.wav") +
+        QStringLiteral("\nunused: Files to be Moved - [0/4]\n[ ] b.wav\n[ ] old.ses\n[ ] b.pk\n") +
+        QStringLiteral("[ ] mix_Recorded") + hostSeparator() + QStringLiteral("take.wav\n") +
+        QStringLiteral("info: Listed Other Files: ") + QLocale().toString(listed) +
+        QStringLiteral(" bytes (3.00Mb) - Selected Other Files: 0 bytes (0.00Mb)\n");
+    EXPECT_EQ(run.out, expected) << run.out.toStdString();
+}
+
+struct ScanCase {
+    const char* name;
+    QStringList options;
+    const char* usedCaption;
+    QStringList unused;  // relative to the folder, "/" for the host's separator
+};
+
+class ScanOptions : public Scan, public ::testing::WithParamInterface<ScanCase> {};
+
+TEST_P(ScanOptions, ListWhatTheWindowLists) {
+    const CliRun run = scan(GetParam().options);
+    ASSERT_EQ(run.code, 0) << run.err.toStdString();
+    const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_EQ(lines.first(),
+              QStringLiteral("used: ") + QString::fromUtf8(GetParam().usedCaption) + kUsed);
+    qsizetype unusedAt = 0;
+    while (unusedAt < lines.size() && !lines[unusedAt].startsWith(QStringLiteral("unused: "))) {
+        ++unusedAt;
+    }
+    ASSERT_LT(unusedAt, lines.size()) << run.out.toStdString();
+    QStringList unused = lines.mid(unusedAt + 1, lines.size() - unusedAt - 2);
+    QStringList expected;
+    for (QString line : GetParam().unused) {
+        expected.append(QStringLiteral("[ ] ") + line.replace(u'/', hostSeparator()));
+    }
+    EXPECT_EQ(unused, expected);
+    EXPECT_TRUE(lines.last().startsWith(QStringLiteral("info: Listed Other Files: ")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Options, ScanOptions,
+    ::testing::Values(ScanCase{"PeaksNotKept", args({"--kind", "ses", "--session", "mix.ses"}),
+                               "mix.ses: 1 ",
+                               args({"b.wav", "old.ses", "a.pk", "b.pk", "mix_Recorded/take.wav"})},
+                      ScanCase{"WaveFormOnly",
+                               args({"--kind", "ses", "--session", "mix.ses", "--type", "1"}),
+                               "mix.ses: 1 ", args({"b.wav", "mix_Recorded/take.wav"})},
+                      ScanCase{"WholeFolder", args({"--kind", "ses", "--all", "--keep-peaks"}),
+                               " Multiple SES files: 2 ", args({"mix_Recorded/take.wav"})}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(Scan, AnInvalidSessionEndsWithExitCodeTwo) {
+    ASSERT_TRUE(test::writeFile(dir.filePath(QStringLiteral("wave.ses")), "RIFF....WAVEfmt "));
+    const CliRun run = scan(args({"--kind", "ses", "--session", "wave.ses"}));
+    EXPECT_EQ(run.code, 2);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("does not appear to be a valid session file")))
+        << run.err.toStdString();
+    EXPECT_TRUE(run.out.startsWith(QStringLiteral("used: "))) << run.out.toStdString();
+}
 
 }  // namespace
 }  // namespace tidewick
