@@ -73,15 +73,6 @@ INSTANTIATE_TEST_SUITE_P(
                               "&Keep Used sfk Files", true, "{S}"}),
     kByName);
 
-TEST_F(SessionFolderTest, TheSessionListFollowsTheTabsPattern) {
-    for (const char* name : {"a.ses", "b.rpp", "c.RPP", "d.rpp.bak"}) {
-        ASSERT_TRUE(writeFile(dir.filePath(QString::fromLatin1(name))));
-    }
-    form.selectTabByKey(QStringLiteral("RPPFiles"));
-    EXPECT_EQ(form.SESFile.items(), QStringList({"b.rpp", "c.RPP"}));
-    EXPECT_EQ(form.SESFile.listIndex(), -1);
-}
-
 // --- The scan range --------------------------------------------------------------------------
 
 struct RangeCase {

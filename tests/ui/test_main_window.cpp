@@ -111,7 +111,7 @@ const ControlCase kControls[] = {
      "Media File(s) Used  (NB: Files with a check mark exist on Disk)",
      ""},
     {"UnusedFrame", "QGroupBox", "MainClient", {4500, 4200, 9700, 5385}, "Files to be Moved", ""},
-    {"InfoLabel", "QLabel", "MainClient", {210, 9690, 13785, 195}, "", ""},
+    {"InfoLabel", "QLabel", "MainClient", {210, 9690, 13785, 195}, nullptr, ""},  // the sizes line
     {"SESDrive", "QComboBox", "FilesFrame", {120, 300, 4150, 315}, "", ""},
     {"SESDir", "QTreeView", "FilesFrame", {120, 712, 4150, 4140}, "", ""},
     {"FileTypeTab", "QTabBar", "FilesFrame", {120, 4995, 4155, 4395}, "", ""},

@@ -95,17 +95,6 @@ TEST_F(SessionWindow, PickingASessionFillsTheUsedList) {
     EXPECT_FALSE(window.windowTitle().startsWith(QStringLiteral("Reading")));
 }
 
-TEST_F(SessionWindow, ClickingAUsedCheckMarkPutsItBack) {
-    ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("a.wav")), "RIFF"));
-    ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("s.xml")),
-                          sessionBytes(SessionKindId::Xml, {QStringLiteral("a.wav")})));
-    chooseTab(SessionKindId::Xml);
-    pickSession(QStringLiteral("s.xml"));
-    auto* used = find<QListView>("UsedFiles");
-    used->model()->setData(used->model()->index(0, 0), Qt::Unchecked, Qt::CheckStateRole);
-    EXPECT_EQ(shownUsedLines(), QStringList{QStringLiteral("[x] a.wav")});
-}
-
 TEST_F(SessionWindow, ATabSwitchEmptiesBothLists) {
     ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("s.xml")),
                           sessionBytes(SessionKindId::Xml, {QStringLiteral("a.wav")})));
