@@ -18,6 +18,8 @@ public:
     explicit PatternList(const QString& patternList);
 
     bool isEmpty() const { return filters_.isEmpty(); }
+    /// True when the list selects every file ("*.*" or "*"), so no name needs a test.
+    bool matchesEveryName() const { return filters_.contains(QStringLiteral("*")); }
     /// True when `fileName` matches one of the patterns.
     bool matches(const QString& fileName) const;
     /// The patterns as QDir name filters.

@@ -120,11 +120,9 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
 
     QList<CheckItem> lines;
     std::vector<qint64> sizes;
-    QSet<QString> added;
     const auto append = [&](const QString& text, const QFileInfo& file) {
         lines.append({text, false});
         sizes.push_back(listedSizesHold ? file.size() : -1);
-        added.insert(text);
     };
     const auto flush = [&] {
         UnusedFiles.addItems(lines);
@@ -134,7 +132,10 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
     };
 
     if (kind != nullptr) {
-        const QString peakExtension = kind->peakExtension.toUpper();
+        // A name ending in the peak extension is exactly a name whose extension equals it, and
+        // exactly a name that the peak pattern selects: the two passes never meet, and each
+        // name of the folder comes once, so neither pass can add a text twice.
+        const QString peakSuffix = QLatin1Char('.') + kind->peakExtension;
         const QString ignoreUpper = sesFileToIgnore.toUpper();
         const bool secondTrim = isProjectKind(kind->id);
         // Copies share the index's data and stay valid if it is rebuilt meanwhile.
@@ -144,8 +145,14 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
 
         // A used line equal to the candidate ignoring case makes the file used. REAPER and
         // Vegas compare a line without a folder part with the candidate shortened once more,
-        // and the others with the candidate as it is.
-        const auto isUsed = [&](const QString& name) {
+        // and the others with the candidate as it is; for a plain joined path that needs only
+        // the name upper-cased per file.
+        const bool plainCandidate = !secondTrim && !state.TrimFoldersFlag;
+        const QString plainPrefixUpper = (mpath + sFolder).toUpper();
+        const auto isUsed = [&](const QString& name, const QString& nameUpper) {
+            if (plainCandidate) {
+                return usedLines.contains(plainPrefixUpper + nameUpper);
+            }
             QString candidate;
             if (reaper) {
                 candidate = subFolderMode && !sFolder.isEmpty()
@@ -164,19 +171,28 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
                    (!usedBare.isEmpty() && usedBare.contains(TrimFolders(candidate).toUpper()));
         };
 
-        for (const QFileInfo& file : files) {
+        QList<qsizetype> peakFiles;
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QFileInfo& file = files.at(i);
             const QString name = file.fileName();
-            if (!wanted.matches(name) || GetExtensionName(name).toUpper() == peakExtension) {
+            if (name.endsWith(peakSuffix, Qt::CaseInsensitive)) {
+                if (peakPass) {
+                    peakFiles.append(i);
+                }
                 continue;  // peak files have their own pass
             }
+            if (!wanted.matchesEveryName() && !wanted.matches(name)) {
+                continue;  // listed for the peak pass only
+            }
             const QString text = sFolder + name;
-            if (UnusedFiles.contains(text) || added.contains(text)) {
+            if (UnusedFiles.contains(text)) {
                 continue;
             }
-            if (!ignoreUpper.isEmpty() && wildcardMatch(name.toUpper(), ignoreUpper)) {
+            const QString nameUpper = name.toUpper();
+            if (!ignoreUpper.isEmpty() && wildcardMatch(nameUpper, ignoreUpper)) {
                 continue;
             }
-            if (isUsed(name)) {
+            if (isUsed(name, nameUpper)) {
                 continue;
             }
             append(text, file);
@@ -191,11 +207,9 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
             // and for REAPER and Vegas song.wav.reapeaks to song.flac as well as to song.wav.
             const QSet<QString> owners =
                 keepPeaks ? sweepIndex_->peakOwners(secondTrim) : QSet<QString>();
-            for (const QFileInfo& file : files) {
+            for (const qsizetype i : peakFiles) {
+                const QFileInfo& file = files.at(i);
                 const QString name = file.fileName();
-                if (!peaks.matches(name)) {
-                    continue;
-                }
                 QString base = GetBaseName(name);
                 if (secondTrim) {
                     base = GetBaseName(base);
@@ -204,7 +218,7 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
                     continue;
                 }
                 const QString text = sFolder + name;
-                if (!UnusedFiles.contains(text) && !added.contains(text)) {
+                if (!UnusedFiles.contains(text)) {
                     append(text, file);
                 }
             }
