@@ -62,14 +62,9 @@ INSTANTIATE_TEST_SUITE_P(
     Arguments, ScanUsage,
     ::testing::Values(
         UsageCase{"NoFolder", args({"--kind", "ses", "--all"}), "usage: tidewick-cli scan"},
-        UsageCase{"NoKind", args({"@", "--all"}), "usage: tidewick-cli scan"},
         UsageCase{"NeitherSessionNorAll", args({"@", "--kind", "ses"}), "usage:"},
-        UsageCase{"BothSessionAndAll", args({"@", "--kind", "ses", "--all", "--session", "a.ses"}),
-                  "usage:"},
         UsageCase{"UnknownKind", args({"@", "--kind", "wav", "--all"}), "unknown kind 'wav'"},
         UsageCase{"TypeOutOfRange", args({"@", "--kind", "ses", "--all", "--type", "24"}),
-                  "from 0 to 23"},
-        UsageCase{"TypeNotANumber", args({"@", "--kind", "ses", "--all", "--type", "wav"}),
                   "from 0 to 23"},
         UsageCase{"SubFolderWithoutItsRow",
                   args({"@", "--kind", "sesx", "--all", "--sub-folder", "Audio"}),
@@ -136,48 +131,6 @@ TEST_F(Scan, PrintsBothListsWithTheirCaptionsAndTheSizesLine) {
         QStringLiteral(" bytes (3.00Mb) - Selected Other Files: 0 bytes (0.00Mb)\n");
     EXPECT_EQ(run.out, expected) << run.out.toStdString();
 }
-
-struct ScanCase {
-    const char* name;
-    QStringList options;
-    const char* usedCaption;
-    QStringList unused;  // relative to the folder, "/" for the host's separator
-};
-
-class ScanOptions : public Scan, public ::testing::WithParamInterface<ScanCase> {};
-
-TEST_P(ScanOptions, ListWhatTheWindowLists) {
-    const CliRun run = scan(GetParam().options);
-    ASSERT_EQ(run.code, 0) << run.err.toStdString();
-    const QStringList lines = run.out.split(u'\n', Qt::SkipEmptyParts);
-    ASSERT_FALSE(lines.isEmpty());
-    EXPECT_EQ(lines.first(),
-              QStringLiteral("used: ") + QString::fromUtf8(GetParam().usedCaption) + kUsed);
-    qsizetype unusedAt = 0;
-    while (unusedAt < lines.size() && !lines[unusedAt].startsWith(QStringLiteral("unused: "))) {
-        ++unusedAt;
-    }
-    ASSERT_LT(unusedAt, lines.size()) << run.out.toStdString();
-    QStringList unused = lines.mid(unusedAt + 1, lines.size() - unusedAt - 2);
-    QStringList expected;
-    for (QString line : GetParam().unused) {
-        expected.append(QStringLiteral("[ ] ") + line.replace(u'/', hostSeparator()));
-    }
-    EXPECT_EQ(unused, expected);
-    EXPECT_TRUE(lines.last().startsWith(QStringLiteral("info: Listed Other Files: ")));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Options, ScanOptions,
-    ::testing::Values(ScanCase{"PeaksNotKept", args({"--kind", "ses", "--session", "mix.ses"}),
-                               "mix.ses: 1 ",
-                               args({"b.wav", "old.ses", "a.pk", "b.pk", "mix_Recorded/take.wav"})},
-                      ScanCase{"WaveFormOnly",
-                               args({"--kind", "ses", "--session", "mix.ses", "--type", "1"}),
-                               "mix.ses: 1 ", args({"b.wav", "mix_Recorded/take.wav"})},
-                      ScanCase{"WholeFolder", args({"--kind", "ses", "--all", "--keep-peaks"}),
-                               " Multiple SES files: 2 ", args({"mix_Recorded/take.wav"})}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(Scan, AnInvalidSessionEndsWithExitCodeTwo) {
     ASSERT_TRUE(test::writeFile(dir.filePath(QStringLiteral("wave.ses")), "RIFF....WAVEfmt "));

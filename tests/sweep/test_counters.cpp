@@ -105,18 +105,6 @@ TEST_F(Counters, ACheckMarkMovesTheSelectedTotalAndTheClickTheCounter) {
                              "1,024 bytes (0.00Mb)"));
 }
 
-TEST_F(Counters, SelectionByCodeCountsAtTheNextUpdate) {
-    touch(QStringLiteral("a.wav"), 10);
-    touch(QStringLiteral("b.wav"), 20);
-    listFiles();
-    form.UnusedFiles.setAllChecked(true);
-    form.UpdateSelCounter();
-    EXPECT_EQ(form.UnusedFrame.text(), QStringLiteral("Files to be Moved - [2/2]"));
-    EXPECT_EQ(form.InfoLabel.text(),
-              QStringLiteral("Listed Other Files: 30 bytes (0.00Mb) - Selected Other Files: 30 "
-                             "bytes (0.00Mb)"));
-}
-
 // The number formats follow the locale the program runs in.
 struct LocaleCase {
     const char* name;

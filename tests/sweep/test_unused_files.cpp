@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "sweep/folder_lister.h"
 #include "sweep_fixture.h"
 
 namespace tidewick {
@@ -296,48 +295,6 @@ TEST_F(UnusedFiles, ShowsTheBusyPointerOnlyWhenAFolderIsListed) {
     form.FillUnused(mpath, here, extn, ignore);  // the same folder again adds nothing
     EXPECT_EQ(ui.pointerChanges, (QList<bool>{true, false, true, false}));
     EXPECT_EQ(unusedLines(), QStringList{QStringLiteral("mix.ses")});
-}
-
-TEST_F(UnusedFiles, KeepPeaksClickRebuildsOnlyWithASessionSelected) {
-    touch(QStringLiteral("mix.ses"));
-    touch(QStringLiteral("a.wav"));
-    touch(QStringLiteral("a.pk"), 100);
-    open(SessionKindId::Ses);
-    form.UsedFiles.addItem(folder() + QStringLiteral("a.wav"), true);
-    setQuietly(form.KeepPKCheck, false);
-
-    form.KeepPKCheck.setChecked(true);
-    EXPECT_TRUE(unusedLines().isEmpty());
-
-    select(QStringLiteral("mix.ses"));
-    form.KeepPKCheck.setChecked(false);
-    EXPECT_EQ(unusedLines(), QStringList{QStringLiteral("a.pk")});
-    EXPECT_TRUE(form.InfoLabel.text().startsWith(QStringLiteral("Listed Other Files: 100 bytes")))
-        << form.InfoLabel.text().toStdString();
-    form.KeepPKCheck.setChecked(true);
-    EXPECT_TRUE(unusedLines().isEmpty());
-    EXPECT_TRUE(form.InfoLabel.text().startsWith(QStringLiteral("Listed Other Files: 0 bytes")));
-}
-
-TEST_F(UnusedFiles, ExcludedCheckFocusesTheListAndOpensTheEditorWhenChecked) {
-    int editors = 0;
-    QStringList focused;
-    QObject::connect(&form, &MainForm::exclusionEditorRequested, [&] { ++editors; });
-    QObject::connect(&form, &MainForm::focusRequested,
-                     [&](const QString& name) { focused.append(name); });
-    form.ExcludedCheck.setChecked(true);
-    form.ExcludedCheck.setChecked(false);
-    EXPECT_EQ(editors, 1);
-    EXPECT_EQ(focused, (QStringList{QStringLiteral("UnusedFiles"), QStringLiteral("UnusedFiles")}));
-}
-
-TEST(PatternList, SplitsAtSemicolonsAndIgnoresCase) {
-    const PatternList midi(QStringLiteral("*.mid; *.rmi"));
-    EXPECT_TRUE(midi.matches(QStringLiteral("a.MID")));
-    EXPECT_TRUE(midi.matches(QStringLiteral("b.rmi")));
-    EXPECT_FALSE(midi.matches(QStringLiteral("c.midi")));
-    EXPECT_TRUE(PatternList(QStringLiteral("*.*")).matches(QStringLiteral("README")));
-    EXPECT_TRUE(PatternList(QString()).isEmpty());
 }
 
 }  // namespace
