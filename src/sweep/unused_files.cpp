@@ -137,17 +137,19 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
         // name of the folder comes once, so neither pass can add a text twice.
         const QString peakSuffix = QLatin1Char('.') + kind->peakExtension;
         const QString ignoreUpper = sesFileToIgnore.toUpper();
-        const bool secondTrim = isProjectKind(kind->id);
         // Copies share the index's data and stay valid if it is rebuilt meanwhile.
         const QSet<QString> usedLines = sweepIndex_->usedLines();
         const QSet<QString> usedWithFolder = sweepIndex_->usedLinesWithFolder();
         const QSet<QString> usedBare = sweepIndex_->usedBareLines();
 
-        // A used line equal to the candidate ignoring case makes the file used. REAPER and
-        // Vegas compare a line without a folder part with the candidate shortened once more,
-        // and the others with the candidate as it is; for a plain joined path that needs only
-        // the name upper-cased per file.
-        const bool plainCandidate = !secondTrim && !state.TrimFoldersFlag;
+        // A used line equal to the candidate ignoring case makes the file used. A used line
+        // without a folder part names a file of the session folder (that is where the load
+        // looked for it), so it is compared with the candidate shortened once more. Every kind
+        // does this: were a bare name compared with the whole candidate, a file the session
+        // uses, shown checked in the used list, would be offered for moving as well. Without
+        // bare lines, shortening or REAPER's folder rules the test needs only the name
+        // upper-cased per file.
+        const bool plainCandidate = !reaper && !state.TrimFoldersFlag && usedBare.isEmpty();
         const QString plainPrefixUpper = (mpath + sFolder).toUpper();
         const auto isUsed = [&](const QString& name, const QString& nameUpper) {
             if (plainCandidate) {
@@ -163,9 +165,6 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
             }
             if (state.TrimFoldersFlag) {
                 candidate = TrimFolders(candidate);
-            }
-            if (!secondTrim) {
-                return usedLines.contains(candidate.toUpper());
             }
             return usedWithFolder.contains(candidate.toUpper()) ||
                    (!usedBare.isEmpty() && usedBare.contains(TrimFolders(candidate).toUpper()));
@@ -200,6 +199,8 @@ void MainForm::FillUnused(QString& mpath, QString& sFolder, QString& extn,
         flush();
 
         if (peakPass) {
+            // REAPER and Vegas peak names carry the media's whole name (song.wav.reapeaks).
+            const bool secondTrim = isProjectKind(kind->id);
             if (secondTrim) {
                 ui().processEvents();
             }

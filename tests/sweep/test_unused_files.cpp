@@ -188,8 +188,8 @@ TEST_F(UnusedFiles, GathersEachScannedSessionsRecordingsFolder) {
     EXPECT_EQ(unusedLines(), strings({"mix_Recorded\\take2.wav", "old_Recorded\\take3.wav"}));
 }
 
-// The used test ignores letter case, and with REAPER and Vegas a used line without a folder
-// is compared with the candidate shortened by TrimFolders.
+// The used test ignores letter case, and a used line without a folder is compared with the
+// candidate shortened by TrimFolders: a bare name is the file of the session folder.
 struct UsedTestCase {
     const char* name;
     SessionKindId kind;
@@ -220,19 +220,22 @@ INSTANTIATE_TEST_SUITE_P(
                       UsedTestCase{"XmlUpperCase", SessionKindId::Xml, "mix.xml", true, ""},
                       UsedTestCase{"VegUpperCase", SessionKindId::Veg, "cut.veg", true, ""},
                       UsedTestCase{"RppUpperCase", SessionKindId::Rpp, "song.rpp", true, ""},
+                      UsedTestCase{"SesBareName", SessionKindId::Ses, "mix.ses", false, "Take.wav"},
+                      UsedTestCase{"XmlBareName", SessionKindId::Xml, "mix.xml", false, "take.WAV"},
                       UsedTestCase{"VegBareName", SessionKindId::Veg, "cut.veg", false, "TAKE.wav"},
                       UsedTestCase{"RppBareName", SessionKindId::Rpp, "song.rpp", false,
                                    "take.WAV"}),
     [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(UnusedFiles, AuditionKindsTakeABareUsedNameAsNotThisFile) {
-    touch(QStringLiteral("mix.ses"));
-    touch(QStringLiteral("take.wav"));
+TEST_F(UnusedFiles, BareUsedNameHoldsBackOnlyTheSessionFolderFile) {
+    touch("mix.ses");
+    touch("take.wav");
+    touch("mix_Recorded/take.wav");
     open(SessionKindId::Ses);
-    select(QStringLiteral("mix.ses"));
-    form.UsedFiles.addItem(QStringLiteral("take.wav"));
+    select("mix.ses");
+    form.UsedFiles.addItem("take.wav");
     form.UpdateUnusedFileSpec();
-    EXPECT_EQ(unusedLines(), QStringList{QStringLiteral("take.wav")});
+    EXPECT_EQ(unusedLines(), QStringList{QString("mix_Recorded") + hostSeparator() + "take.wav"});
 }
 
 class ReaperSubFolder : public UnusedFiles {
