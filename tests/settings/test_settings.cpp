@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QMap>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -14,47 +13,9 @@
 namespace tidewick {
 namespace {
 
-// An in-memory store that logs every call and can refuse the n-th write.
-class LoggingStore : public SettingsStore {
-public:
-    QString GetSetting(const QString& section, const QString& key,
-                       const QString& defaultText) override {
-        log.append(QStringLiteral("get ") + section + QLatin1Char('/') + key);
-        return values.value(section + QLatin1Char('/') + key, defaultText);
-    }
-    bool SaveSetting(const QString& section, const QString& key, const QString& text) override {
-        log.append(QStringLiteral("save ") + section + QLatin1Char('/') + key);
-        if (--writesUntilRefusal == 0) {
-            return false;
-        }
-        values.insert(section + QLatin1Char('/') + key, text);
-        return true;
-    }
-    bool DeleteSetting(const QString& section) override {
-        log.append(QStringLiteral("delete ") + section);
-        bool found = false;
-        for (auto it = values.begin(); it != values.end();) {
-            if (it.key().startsWith(section + QLatin1Char('/'))) {
-                it = values.erase(it);
-                found = true;
-            } else {
-                ++it;
-            }
-        }
-        return found;
-    }
-
-    QMap<QString, QString> values;
-    QStringList log;
-    int writesUntilRefusal = -1;
-};
-
 // A main window over the real QSettings store, kept in an INI file of a temporary folder.
 class SettingsTest : public ::testing::Test {
 protected:
-    QTemporaryDir dir;
-    QString storeFile = dir.filePath(QStringLiteral("Tidewick.conf"));
-
     struct Run {
         explicit Run(const QString& file) : store(file), settings(store), form(ui, &settings) {
             form.Form_Load();
@@ -66,50 +27,45 @@ protected:
     };
 
     std::unique_ptr<Run> start() { return std::make_unique<Run>(storeFile); }
-
     void write(const QString& key, const QString& text) {
-        QSettings ini(storeFile, QSettings::IniFormat);
-        ini.setValue(key, text);
+        QSettings(storeFile, QSettings::IniFormat).setValue(key, text);
     }
     QString stored(const QString& key) const {
         return QSettings(storeFile, QSettings::IniFormat).value(key).toString();
     }
-    QStringList keys(const QString& section) const {
-        QSettings ini(storeFile, QSettings::IniFormat);
-        ini.beginGroup(section);
-        return ini.childKeys();
+
+    // What an empty store gives; a hand-edited value that cannot be read gives the same.
+    void expectDefaults(const MainForm& form) {
+        EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(0, 0));
+        EXPECT_FALSE(form.state.TrimFoldersFlag);
+        EXPECT_FALSE(form.state.CheckAllFiles);
+        EXPECT_FALSE(form.KeepPKCheck.checked());
+        EXPECT_FALSE(form.StoreInSubFolderCheck.checked());
+        EXPECT_EQ(form.selectedTabKey(), "SESFiles");
+        EXPECT_EQ(form.ActiveFileTab, 1);
     }
+
+    QTemporaryDir dir;
+    QString storeFile = dir.filePath("Tidewick.conf");
 };
 
 TEST_F(SettingsTest, EmptyStoreGivesTheDefaults) {
     auto run = start();
-    MainForm& form = run->form;
-    EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(0, 0));
-    EXPECT_FALSE(form.state.TrimFoldersFlag);
-    EXPECT_FALSE(form.state.CheckAllFiles);
-    for (Control* box : {&form.KeepPKCheck, &form.StoreInSubFolderCheck, &form.IgnoreFoldersCheck,
-                         &form.ScanAll, &form.ExcludedCheck, &form.SubFolderCheck}) {
-        EXPECT_FALSE(box->checked()) << box->name().toStdString();
+    expectDefaults(run->form);
+    for (const QString& folder : {run->form.LastFolder, run->form.MoveFolder, run->form.CopyFolder,
+                                  run->form.TargetFolderName.text()}) {
+        EXPECT_EQ(folder, QDir::currentPath());
     }
-    EXPECT_EQ(form.LastFolder, QDir::currentPath());
-    EXPECT_EQ(form.MoveFolder, QDir::currentPath());
-    EXPECT_EQ(form.CopyFolder, QDir::currentPath());
-    EXPECT_EQ(form.TargetFolderName.text(), QDir::currentPath());
-    EXPECT_EQ(form.SESDir.text(), QDir::currentPath());
-    EXPECT_EQ(form.SESFile.text(), QDir::currentPath());
-    EXPECT_TRUE(form.ExcludedFiles.isEmpty());
-    EXPECT_EQ(form.selectedTabKey(), QStringLiteral("SESFiles"));
-    EXPECT_EQ(form.ActiveFileTab, 1);
+    EXPECT_TRUE(run->form.ExcludedFiles.isEmpty());
     EXPECT_TRUE(run->ui.messages.isEmpty());
 }
 
-TEST_F(SettingsTest, EverySettingSurvivesARoundTrip) {
+TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
     QTemporaryDir last, move, copy;
     {
         auto run = start();
         MainForm& form = run->form;
-        form.Main.setGeometry(
-            QRect(1500, 3000, form.Main.geometry().width(), form.Main.geometry().height()));
+        form.Main.setGeometry(QRect(QPoint(1500, 3000), form.Main.geometry().size()));
         form.state.TrimFoldersFlag = true;
         form.state.CheckAllFiles = true;
         form.KeepPKCheck.setChecked(true);
@@ -117,223 +73,109 @@ TEST_F(SettingsTest, EverySettingSurvivesARoundTrip) {
         form.SESFile.setText(last.path());
         form.MoveFolder = move.path();
         form.CopyFolder = copy.path();
-        form.ExcludedFiles = {QStringLiteral("lyrics.doc"), QStringLiteral("*.txt")};
-        form.selectTabByKey(QStringLiteral("RPPFiles"));
+        form.ExcludedFiles = {"lyrics.doc", "*.txt"};
+        form.selectTabByKey("RPPFiles");
         form.Form_Unload();
         EXPECT_TRUE(run->ui.messages.isEmpty());
     }
-    // The stored forms.
-    EXPECT_EQ(stored(QStringLiteral("WINDOW/Top")), QStringLiteral("3000"));
-    EXPECT_EQ(stored(QStringLiteral("WINDOW/Left")), QStringLiteral("1500"));
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/TrimFolders")), QStringLiteral("1"));
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/KeepPKFiles")), QStringLiteral("1"));
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/CheckAllFiles")), QStringLiteral("1"));
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/StoreInSubFolder")), QStringLiteral("1"));
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/ActiveFileTab")), QStringLiteral("4"));
-    EXPECT_EQ(stored(QStringLiteral("PATHS/LastFolder")), last.path());
-    EXPECT_EQ(stored(QStringLiteral("EXCLUDED/File00002")), QStringLiteral("*.txt"));
+    const char* const forms[][2] = {{"WINDOW/Top", "3000"},
+                                    {"SETTINGS/TrimFolders", "1"},
+                                    {"SETTINGS/KeepPKFiles", "1"},
+                                    {"SETTINGS/ActiveFileTab", "4"},
+                                    {"EXCLUDED/File00002", "*.txt"}};
+    for (const auto& [key, text] : forms) {
+        EXPECT_EQ(stored(key), text) << key;
+    }
 
     auto run = start();
     MainForm& form = run->form;
     EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(1500, 3000));
-    EXPECT_TRUE(form.state.TrimFoldersFlag);
-    EXPECT_TRUE(form.state.CheckAllFiles);
     EXPECT_TRUE(form.IgnoreFoldersCheck.checked());
     EXPECT_TRUE(form.ScanAll.checked());
     EXPECT_TRUE(form.KeepPKCheck.checked());
     EXPECT_TRUE(form.StoreInSubFolderCheck.checked());
-    EXPECT_EQ(form.LastFolder, last.path());
     EXPECT_EQ(form.SESFile.text(), last.path());
-    EXPECT_EQ(form.MoveFolder, move.path());
     EXPECT_EQ(form.TargetFolderName.text(), move.path());
     EXPECT_EQ(form.CopyFolder, copy.path());
-    EXPECT_EQ(form.ExcludedFiles,
-              QStringList({QStringLiteral("lyrics.doc"), QStringLiteral("*.txt")}));
-    EXPECT_EQ(form.selectedTabKey(), QStringLiteral("RPPFiles"));
-    EXPECT_EQ(form.sessionFilePattern(), QStringLiteral("*.rpp"));
+    EXPECT_EQ(form.ExcludedFiles, QStringList({"lyrics.doc", "*.txt"}));
+    EXPECT_EQ(form.sessionFilePattern(), "*.rpp");
 }
 
-TEST_F(SettingsTest, ExclusionsStopAtTheFirstMissingKeyAndTheSaveDropsTheRest) {
-    write(QStringLiteral("EXCLUDED/File00001"), QStringLiteral("a.doc"));
-    write(QStringLiteral("EXCLUDED/File00002"), QStringLiteral("*.bak"));
-    write(QStringLiteral("EXCLUDED/File00004"), QStringLiteral("lost.txt"));
+TEST_F(SettingsTest, ExclusionsStopAtTheFirstGapAndTheSaveDropsTheRest) {
+    write("EXCLUDED/File00001", "a.doc");
+    write("EXCLUDED/File00002", "*.bak");
+    write("EXCLUDED/File00004", "lost.txt");
     auto run = start();
-    EXPECT_EQ(run->form.ExcludedFiles,
-              QStringList({QStringLiteral("a.doc"), QStringLiteral("*.bak")}));
+    EXPECT_EQ(run->form.ExcludedFiles, QStringList({"a.doc", "*.bak"}));
     run->form.Form_Unload();
-    EXPECT_EQ(keys(QStringLiteral("EXCLUDED")),
-              QStringList({QStringLiteral("File00001"), QStringLiteral("File00002")}));
-}
-
-TEST_F(SettingsTest, AnEmptyExclusionEndsTheList) {
-    write(QStringLiteral("EXCLUDED/File00001"), QStringLiteral("a.doc"));
-    write(QStringLiteral("EXCLUDED/File00002"), QString());
-    write(QStringLiteral("EXCLUDED/File00003"), QStringLiteral("c.doc"));
-    EXPECT_EQ(start()->form.ExcludedFiles, QStringList({QStringLiteral("a.doc")}));
+    QSettings ini(storeFile, QSettings::IniFormat);
+    ini.beginGroup("EXCLUDED");
+    EXPECT_EQ(ini.childKeys(), QStringList({"File00001", "File00002"}));
 }
 
 TEST_F(SettingsTest, AFolderThatNoLongerExistsBecomesTheCurrentDirectory) {
     QTemporaryDir copy;
-    write(QStringLiteral("PATHS/MoveFolder"), dir.filePath(QStringLiteral("deleted")));
-    write(QStringLiteral("PATHS/LastFolder"), dir.filePath(QStringLiteral("also gone")));
-    write(QStringLiteral("PATHS/CopyFolder"), copy.path());
+    write("PATHS/MoveFolder", dir.filePath("deleted"));
+    write("PATHS/CopyFolder", copy.path());
     auto run = start();
     EXPECT_EQ(run->form.MoveFolder, QDir::currentPath());
-    EXPECT_EQ(run->form.LastFolder, QDir::currentPath());
     EXPECT_EQ(run->form.CopyFolder, copy.path());
     run->form.Form_Unload();
-    EXPECT_EQ(stored(QStringLiteral("PATHS/MoveFolder")), QDir::currentPath());
+    EXPECT_EQ(stored("PATHS/MoveFolder"), QDir::currentPath());
 }
 
-struct TabCase {
-    const char* key;
-    const char* number;
-};
-
-class ActiveFileTab : public SettingsTest, public ::testing::WithParamInterface<TabCase> {};
-
-TEST_P(ActiveFileTab, IsStoredByItsNumberAndRestoredByItsKey) {
-    const QString key = QString::fromLatin1(GetParam().key);
-    {
+TEST_F(SettingsTest, TheActiveTabIsStoredByItsNumberAndRestoredByItsKey) {
+    const char* const tabs[][2] = {{"SESFiles", "1"},
+                                   {"XMLFiles", "2"},
+                                   {"SESXFiles", "3"},
+                                   {"RPPFiles", "4"},
+                                   {"VEGFiles", "5"}};
+    for (const auto& [key, number] : tabs) {
         auto run = start();
         ASSERT_TRUE(run->form.selectTabByKey(key));
         run->form.Form_Unload();
+        run.reset();
+        EXPECT_EQ(stored("SETTINGS/ActiveFileTab"), number) << key;
+        EXPECT_EQ(start()->form.selectedTabKey(), key);
     }
-    EXPECT_EQ(stored(QStringLiteral("SETTINGS/ActiveFileTab")),
-              QString::fromLatin1(GetParam().number));
-    EXPECT_EQ(start()->form.selectedTabKey(), key);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryKind, ActiveFileTab,
-                         ::testing::Values(TabCase{"SESFiles", "1"}, TabCase{"XMLFiles", "2"},
-                                           TabCase{"SESXFiles", "3"}, TabCase{"RPPFiles", "4"},
-                                           TabCase{"VEGFiles", "5"}));
-
-struct UnreadableCase {
-    const char* key;
-    const char* text;
-};
-
-class UnreadableNumber : public SettingsTest,
-                         public ::testing::WithParamInterface<UnreadableCase> {};
-
-TEST_P(UnreadableNumber, FallsBackToTheDefault) {
-    write(QString::fromLatin1(GetParam().key), QString::fromLatin1(GetParam().text));
-    auto run = start();
-    MainForm& form = run->form;
-    EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(0, 0));
-    EXPECT_FALSE(form.state.TrimFoldersFlag);
-    EXPECT_FALSE(form.state.CheckAllFiles);
-    EXPECT_FALSE(form.KeepPKCheck.checked());
-    EXPECT_FALSE(form.StoreInSubFolderCheck.checked());
-    EXPECT_EQ(form.selectedTabKey(), QStringLiteral("SESFiles"));
-    EXPECT_EQ(form.ActiveFileTab, 1);
-}
-
-INSTANTIATE_TEST_SUITE_P(HandEditedStore, UnreadableNumber,
-                         ::testing::Values(UnreadableCase{"WINDOW/Top", "high"},
-                                           UnreadableCase{"WINDOW/Left", "1,5"},
-                                           UnreadableCase{"SETTINGS/TrimFolders", "yes"},
-                                           UnreadableCase{"SETTINGS/CheckAllFiles", ""},
-                                           UnreadableCase{"SETTINGS/KeepPKFiles", "checked"},
-                                           UnreadableCase{"SETTINGS/KeepPKFiles", "2"},
-                                           UnreadableCase{"SETTINGS/StoreInSubFolder", "-1"},
-                                           UnreadableCase{"SETTINGS/ActiveFileTab", "0"},
-                                           UnreadableCase{"SETTINGS/ActiveFileTab", "6"},
-                                           UnreadableCase{"SETTINGS/ActiveFileTab", "XML"}));
-
-TEST_F(SettingsTest, ANonZeroNumberSwitchesAFlagOn) {
-    write(QStringLiteral("SETTINGS/TrimFolders"), QStringLiteral("-1"));
-    write(QStringLiteral("SETTINGS/CheckAllFiles"), QStringLiteral("2.5"));
+TEST_F(SettingsTest, AnUnreadableNumberFallsBackToTheDefault) {
+    const char* const values[][2] = {
+        {"WINDOW/Top", "high"},           {"WINDOW/Left", "1,5"},
+        {"SETTINGS/TrimFolders", "yes"},  {"SETTINGS/CheckAllFiles", ""},
+        {"SETTINGS/KeepPKFiles", "on"},   {"SETTINGS/KeepPKFiles", "2"},
+        {"SETTINGS/ActiveFileTab", "0"},  {"SETTINGS/ActiveFileTab", "6"},
+        {"SETTINGS/ActiveFileTab", "XML"}};
+    for (const auto& [key, text] : values) {
+        SCOPED_TRACE(key + std::string("=") + text);
+        QFile::remove(storeFile);
+        write(key, text);
+        expectDefaults(start()->form);
+    }
+    write("SETTINGS/TrimFolders", "-1");  // any other number switches a flag on
+    write("SETTINGS/CheckAllFiles", "2.5");
     auto run = start();
     EXPECT_TRUE(run->form.state.TrimFoldersFlag);
     EXPECT_TRUE(run->form.state.CheckAllFiles);
 }
 
-TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessageAndTheWindowStillUnloads) {
+TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessage) {
     // A folder in the store's path is a regular file: no write can succeed, not even as root.
-    QFile blocker(dir.filePath(QStringLiteral("not-a-folder")));
+    QFile blocker(dir.filePath("not-a-folder"));
     ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
     blocker.close();
-    storeFile = dir.filePath(QStringLiteral("not-a-folder/Tidewick.conf"));
-
+    storeFile = dir.filePath("not-a-folder/Tidewick.conf");
     auto run = start();
-    run->form.ExcludedFiles = {QStringLiteral("a.doc"), QStringLiteral("b.doc")};
+    run->form.ExcludedFiles = {"a.doc", "b.doc"};
     run->form.Form_Unload();
+    run->form.Form_Unload();  // a second close does not save again
     ASSERT_EQ(run->ui.messages.size(), 1);
     EXPECT_EQ(run->ui.messages.first(),
-              (MessageBoxRequest{QStringLiteral("Access to the Windows Registry failed and the "
-                                                "current Tidewick settings could not be saved."),
-                                 QStringLiteral("For Information..."), MessageIcon::Information,
-                                 MessageButtons::Ok, MessageAnswer::Ok}));
-    run->form.Form_Unload();  // a second close does not save again
-    EXPECT_EQ(run->ui.messages.size(), 1);
-}
-
-// The order of reading and writing, and what a refused write leaves behind, seen in the store.
-TEST(SettingsOrder, ReadsAndWritesInTheDocumentedOrder) {
-    LoggingStore store;
-    store.values.insert(QStringLiteral("EXCLUDED/File00001"), QStringLiteral("x.doc"));
-    StoredSettings settings(store);
-    RecordingInteraction ui;
-    MainForm form(ui, &settings);
-    form.Form_Load();
-    form.Form_Unload();
-
-    const QStringList expected = {
-        QStringLiteral("get WINDOW/Top"),
-        QStringLiteral("get WINDOW/Left"),
-        QStringLiteral("get SETTINGS/TrimFolders"),
-        QStringLiteral("get SETTINGS/KeepPKFiles"),
-        QStringLiteral("get PATHS/LastFolder"),
-        QStringLiteral("get PATHS/MoveFolder"),
-        QStringLiteral("get PATHS/CopyFolder"),
-        QStringLiteral("get SETTINGS/CheckAllFiles"),
-        QStringLiteral("get EXCLUDED/File00001"),
-        QStringLiteral("get EXCLUDED/File00002"),
-        QStringLiteral("get SETTINGS/StoreInSubFolder"),
-        QStringLiteral("get SETTINGS/ActiveFileTab"),
-        QStringLiteral("delete WINDOW"),
-        QStringLiteral("delete SETTINGS"),
-        QStringLiteral("delete PATHS"),
-        QStringLiteral("delete EXCLUDED"),
-        QStringLiteral("save WINDOW/Top"),
-        QStringLiteral("save WINDOW/Left"),
-        QStringLiteral("save SETTINGS/TrimFolders"),
-        QStringLiteral("save SETTINGS/KeepPKFiles"),
-        QStringLiteral("save PATHS/LastFolder"),
-        QStringLiteral("save PATHS/MoveFolder"),
-        QStringLiteral("save PATHS/CopyFolder"),
-        QStringLiteral("save SETTINGS/CheckAllFiles"),
-        QStringLiteral("save EXCLUDED/File00001"),
-        QStringLiteral("save SETTINGS/StoreInSubFolder"),
-        QStringLiteral("save SETTINGS/ActiveFileTab"),
-    };
-    EXPECT_EQ(store.log, expected);
-    EXPECT_TRUE(ui.messages.isEmpty());
-}
-
-TEST(SettingsOrder, TheFirstRefusedWriteEndsTheSaveAndKeepsWhatWentBefore) {
-    LoggingStore store;
-    store.writesUntilRefusal = 4;  // "KeepPKFiles" is refused
-    StoredSettings settings(store);
-    RecordingInteraction ui;
-    MainForm form(ui, &settings);
-    form.Form_Load();
-    form.Form_Unload();
-
-    EXPECT_EQ(store.log.last(), QStringLiteral("save SETTINGS/KeepPKFiles"));
-    EXPECT_EQ(store.values.keys(),
-              QStringList({QStringLiteral("SETTINGS/TrimFolders"), QStringLiteral("WINDOW/Left"),
-                           QStringLiteral("WINDOW/Top")}));
-    ASSERT_EQ(ui.messages.size(), 1);
-    EXPECT_EQ(ui.messages.first().title, QStringLiteral("For Information..."));
-}
-
-TEST(ExclusionKey, HasFiveDigits) {
-    EXPECT_EQ(exclusionKey(1), QStringLiteral("File00001"));
-    EXPECT_EQ(exclusionKey(12), QStringLiteral("File00012"));
-    EXPECT_EQ(exclusionKey(99999), QStringLiteral("File99999"));
+              (MessageBoxRequest{"Access to the Windows Registry failed and the current Tidewick "
+                                 "settings could not be saved.",
+                                 "For Information...", MessageIcon::Information, MessageButtons::Ok,
+                                 MessageAnswer::Ok}));
 }
 
 }  // namespace
