@@ -291,18 +291,10 @@ void MainForm::Form_Load() {
     IgnoreFoldersCheck.setChecked(state.TrimFoldersFlag);
     ScanAll.setChecked(state.CheckAllFiles);
 
-    const QString key = selectedTabKey();
-    if (key == QLatin1String("SESFiles")) {
-        setSessionFilePattern(QStringLiteral("*.ses"));
-    } else if (key == QLatin1String("XMLFiles")) {
-        setSessionFilePattern(QStringLiteral("*.xml"));
-    } else if (key == QLatin1String("SESXFiles")) {
-        setSessionFilePattern(QStringLiteral("*.sesx"));
-    } else if (key == QLatin1String("VEGFiles")) {
-        setSessionFilePattern(QStringLiteral("*.veg"));
-    } else {
-        setSessionFilePattern(QStringLiteral("*.rpp"));
-    }
+    // The active tab's pattern, captions, recordings folder and sub-folder row are what its
+    // switch gives them. The settings run the switch only when they change the tab, so a
+    // window that opens on the first tab has not had it yet.
+    FileTypeTab_Click();
 
     TargetFolderName.setText(MoveFolder);
     SetScanParams();

@@ -27,6 +27,15 @@ protected:
     MainForm form{ui};
 };
 
+// Opening on the first tab gives the same values as switching to it: its recordings folder
+// is what the other-files list gathers for each session.
+TEST_F(MainFormTest, OpensWithTheActiveTabsValues) {
+    EXPECT_EQ(form.state.RecordFolder, "_Recorded");
+    EXPECT_EQ(form.sessionFilePattern(), "*.ses");
+    EXPECT_EQ(form.ScanAll.text(), "Check All &SES files");
+    EXPECT_FALSE(form.SubFolderCheck.visible());
+}
+
 TEST_F(MainFormTest, TheFolderButtonTakesAPickedFolderAndKeepsTheTextOnCancel) {
     const char* const cases[][3] = {{"/music/old", "/music", "/music/old"},  // picked, typed, after
                                     {"", "/typed/by/hand", "/typed/by/hand"}};
