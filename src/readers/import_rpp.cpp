@@ -35,25 +35,6 @@ const QString kNotAProjectText =
     QStringLiteral("This is not a properly formated Reaper Project file");
 const QString kRejectTitle = QStringLiteral("Processing RPP File");
 
-bool isBlankOrTab(char c) {
-    return c == ' ' || c == '\t';
-}
-
-// A line as the rules see it, without copying it: leading and trailing blanks and tabs cut off.
-// Tabs inside stay in the bytes; `beginsWith` and `textOf` read them as the blanks the cleaned
-// line would hold.
-QByteArrayView cleanedView(QByteArrayView line) {
-    qsizetype begin = 0;
-    qsizetype end = line.size();
-    while (begin < end && isBlankOrTab(line[begin])) {
-        ++begin;
-    }
-    while (end > begin && isBlankOrTab(line[end - 1])) {
-        --end;
-    }
-    return line.sliced(begin, end - begin);
-}
-
 bool beginsWith(QByteArrayView line, QByteArrayView prefix) {
     if (line.size() < prefix.size()) {
         return false;
@@ -115,7 +96,7 @@ public:
         // The header must be the first non-blank line.
         QByteArrayView first;
         do {
-            first = cleanedView(lines_.next());
+            first = trimmedOfBlanksAndTabs(lines_.next());
         } while (first.isEmpty() && !lines_.atEnd());
         if (!beginsWith(first, kHeader)) {
             context_.ui.setBusyPointer(false);
@@ -126,7 +107,7 @@ public:
         // The line after the header is passed over unread, whatever it holds.
         lines_.next();
         while (!lines_.atEnd()) {
-            const QByteArrayView line = cleanedView(lines_.next());
+            const QByteArrayView line = trimmedOfBlanksAndTabs(lines_.next());
             if (beginsWith(line, kRecordPath)) {
                 applyRecordPath(line);
             }
@@ -214,7 +195,7 @@ private:
         if (!bank) {
             // Read even past the end of the file, where the line is empty and names nothing.
             // The line read here is the file line and meets no other rule.
-            fileLine = cleanedView(lines_.next());
+            fileLine = trimmedOfBlanksAndTabs(lines_.next());
             if (midi && !beginsWith(fileLine, kFileKeyword)) {
                 return;  // a MIDI source with its notes in the project itself
             }
@@ -273,14 +254,7 @@ private:
 }  // namespace
 
 ReaderOutcome ImportRppFile(const QString& fileName, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        reportFileError(context.ui, QStringLiteral("RPP"), error);
-        return ReaderOutcome::Failed;
-    }
-    return RppRead(bytes, context).run();
+    return readSessionFile(fileName, context, QStringLiteral("RPP"), &ImportRppBytes);
 }
 
 ReaderOutcome ImportRppBytes(QByteArrayView bytes, ReaderContext& context) {

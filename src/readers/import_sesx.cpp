@@ -81,22 +81,6 @@ private:
     ReaderContext& context_;
 };
 
-// A line with blanks and tabs trimmed from its ends. It compares with "</files>" and "</sesx>"
-// as its cleaned form does, since neither holds a blank or a tab; only a file element line needs
-// its inner tabs turned into blanks, so only such a line is copied to clean it.
-QByteArrayView trimmedOfTabsAndBlanks(QByteArrayView line) {
-    auto blank = [](char c) { return c == ' ' || c == '\t'; };
-    qsizetype begin = 0;
-    qsizetype end = line.size();
-    while (begin < end && blank(line[begin])) {
-        ++begin;
-    }
-    while (end > begin && blank(line[end - 1])) {
-        --end;
-    }
-    return line.sliced(begin, end - begin);
-}
-
 bool mayHoldFileElement(QByteArrayView trimmed) {
     const qsizetype tagEnd = kFileElement.size() - 1;
     return trimmed.size() > tagEnd && trimmed.first(tagEnd) == kFileElement.first(tagEnd) &&
@@ -129,7 +113,10 @@ ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
     LineReader lines(bytes, false);
     lines.next();
     while (!lines.atEnd()) {
-        QByteArrayView line = trimmedOfTabsAndBlanks(lines.next());
+        // Trimmed of blanks and tabs, a line compares with "</files>" and "</sesx>" as its
+        // cleaned form does, since neither holds a blank or a tab; only a file element line
+        // needs its inner tabs turned into blanks, so only such a line is copied to clean it.
+        QByteArrayView line = trimmedOfBlanksAndTabs(lines.next());
         QByteArray cleaned;
         if (mayHoldFileElement(line)) {
             cleaned = cleanedLine(line);
@@ -145,14 +132,7 @@ ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
 }  // namespace
 
 ReaderOutcome ImportSesxFile(const QString& fileName, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        reportFileError(context.ui, QStringLiteral("SESX"), error);
-        return ReaderOutcome::Failed;
-    }
-    return readSesxSession(bytes, context);
+    return readSessionFile(fileName, context, QStringLiteral("SESX"), &ImportSesxBytes);
 }
 
 ReaderOutcome ImportSesxBytes(QByteArrayView bytes, ReaderContext& context) {

@@ -193,15 +193,7 @@ QString vegPathText(QByteArrayView raw) {
 }
 
 ReaderOutcome ImportVegFile(const QString& fileName, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        reportFileError(context.ui, QStringLiteral("VEG"), error);
-        return ReaderOutcome::Failed;
-    }
-    VegScan(bytes, context.state.MediaPaths).run();
-    return ReaderOutcome::Read;
+    return readSessionFile(fileName, context, QStringLiteral("VEG"), &ImportVegBytes);
 }
 
 ReaderOutcome ImportVegBytes(QByteArrayView bytes, ReaderContext& context) {

@@ -144,14 +144,7 @@ ReaderOutcome readXmlSession(QByteArrayView bytes, ReaderContext& context) {
 }  // namespace
 
 ReaderOutcome ImportXmlFile(const QString& fileName, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        reportFileError(context.ui, QStringLiteral("XML"), error);
-        return ReaderOutcome::Failed;
-    }
-    return readXmlSession(bytes, context);
+    return readSessionFile(fileName, context, QStringLiteral("XML"), &ImportXmlBytes);
 }
 
 ReaderOutcome ImportXmlBytes(QByteArrayView bytes, ReaderContext& context) {

@@ -27,6 +27,19 @@ bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error
     return true;
 }
 
+ReaderOutcome readSessionFile(const QString& fileName, ReaderContext& context,
+                              const QString& kindCaption,
+                              ReaderOutcome (*readBytes)(QByteArrayView, ReaderContext&)) {
+    QByteArray bytes;
+    QString error;
+    if (!readSessionBytes(fileName, bytes, error)) {
+        context.ui.setBusyPointer(true);
+        reportFileError(context.ui, kindCaption, error);
+        return ReaderOutcome::Failed;
+    }
+    return readBytes(bytes, context);
+}
+
 void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error) {
     showOk(ui,
            QStringLiteral("An error occurred accessing the selected ") + kindCaption +
@@ -76,7 +89,7 @@ QByteArrayView trimmedLine(QByteArrayView line) {
     return line.sliced(begin, end - begin);
 }
 
-QByteArray cleanedLine(QByteArrayView line) {
+QByteArrayView trimmedOfBlanksAndTabs(QByteArrayView line) {
     qsizetype begin = 0;
     qsizetype end = line.size();
     auto blank = [](char c) { return c == ' ' || c == '\t'; };
@@ -86,7 +99,11 @@ QByteArray cleanedLine(QByteArrayView line) {
     while (end > begin && blank(line[end - 1])) {
         --end;
     }
-    QByteArray out = line.sliced(begin, end - begin).toByteArray();
+    return line.sliced(begin, end - begin);
+}
+
+QByteArray cleanedLine(QByteArrayView line) {
+    QByteArray out = trimmedOfBlanksAndTabs(line).toByteArray();
     out.replace('\t', ' ');
     return out;
 }

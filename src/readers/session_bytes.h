@@ -13,6 +13,12 @@ namespace tidewick {
 /// Reads the whole file in one go. On failure returns false with a description in `error`.
 bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error);
 
+/// Reads the file and hands its bytes to `readBytes`; a file that cannot be read is reported
+/// with the "File Error" box (under the busy pointer, as a reader shows it) and fails.
+ReaderOutcome readSessionFile(const QString& fileName, ReaderContext& context,
+                              const QString& kindCaption,
+                              ReaderOutcome (*readBytes)(QByteArrayView, ReaderContext&));
+
 /// Shows the "File Error" box that reports a session file that could not be read.
 /// `kindCaption` names the kind as its tab does ("SES", "RPP", ...).
 void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error);
@@ -57,6 +63,10 @@ private:
 
 /// Removes leading and trailing blanks (code 32); tabs stay.
 QByteArrayView trimmedLine(QByteArrayView line);
+
+/// Removes leading and trailing blanks and tabs, without copying: the bounds of a line's cleaned
+/// form, whose inner tabs still read as tabs.
+QByteArrayView trimmedOfBlanksAndTabs(QByteArrayView line);
 
 /// A line's cleaned form: every tab read as a blank, then leading and trailing blanks removed.
 /// Returned as bytes with the tabs inside replaced.
