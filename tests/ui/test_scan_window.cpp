@@ -2,12 +2,9 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QFile>
-#include <QFileInfo>
 #include <QGroupBox>
 #include <QLabel>
 #include <QListView>
-#include <QLocale>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -37,94 +34,63 @@ private:
 [[maybe_unused]] ::testing::Environment* const application =
     ::testing::AddGlobalTestEnvironment(new Application);
 
-// A SESX session folder: mix.sesx uses a.wav and a missing take; a.pkf belongs to a.wav;
-// b.wav, b.pkf, a take in the recordings folder and another session are the other files.
-class ScanWindow : public ::testing::Test {
-protected:
-    void SetUp() override {
-        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-        ASSERT_TRUE(dir.isValid());
-        for (const char* name : {"a.wav", "a.pkf", "b.wav", "b.pkf", "mix_Recorded/take.wav"}) {
-            const QString path = dir.filePath(QString::fromUtf8(name));
-            ASSERT_TRUE(test::writeFile(path, QByteArray(1000, 'x')));
-        }
-        ASSERT_TRUE(test::writeFile(
-            dir.filePath(QStringLiteral("mix.sesx")),
-            test::sessionBytes(SessionKindId::Sesx, {dir.filePath(QStringLiteral("a.wav")),
-                                                     QStringLiteral("Audio\\gone.wav")})));
-        ASSERT_TRUE(test::writeFile(dir.filePath(QStringLiteral("old.sesx")),
-                                    test::sessionBytes(SessionKindId::Sesx, {})));
-    }
-    void TearDown() override { QLocale::setDefault(QLocale::c()); }
-
-    QString cliOutput(const QStringList& options) const {
-        QString out;
-        QString err;
-        QTextStream outStream(&out);
-        QTextStream errStream(&err);
-        const int code = cli::run(QStringList{QStringLiteral("scan"), dir.path()} + options,
-                                  outStream, errStream);
-        outStream.flush();
-        errStream.flush();
-        EXPECT_EQ(code, 0) << err.toStdString();
-        return out;
-    }
-
+TEST(ScanWindow, TheScanCommandPrintsWhatTheWindowShows) {
+    // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in
+    // the recordings folder and old.sesx are the other files.
     QTemporaryDir dir;
-};
-
-// The lines of a check-box list as the window's view shows them.
-QString shownLines(const QListView* view) {
-    QString text;
-    const QAbstractItemModel* model = view->model();
-    for (int row = 0; row < model->rowCount(); ++row) {
-        const QModelIndex index = model->index(row, 0);
-        const bool checked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
-        text += (checked ? QStringLiteral("[x] ") : QStringLiteral("[ ] ")) +
-                index.data(Qt::DisplayRole).toString() + QLatin1Char('\n');
+    for (const char* name : {"a.wav", "a.pkf", "b.wav", "b.pkf", "mix_Recorded/take.wav"}) {
+        ASSERT_TRUE(test::writeFile(dir.filePath(name), QByteArray(1000, 'x')));
     }
-    return text;
-}
+    ASSERT_TRUE(test::writeFile(
+        dir.filePath("mix.sesx"),
+        test::sessionBytes(SessionKindId::Sesx, {dir.filePath("a.wav"), "Audio\\gone.wav"})));
+    ASSERT_TRUE(
+        test::writeFile(dir.filePath("old.sesx"), test::sessionBytes(SessionKindId::Sesx, {})));
 
-TEST_F(ScanWindow, TheScanCommandPrintsWhatTheWindowShows) {
+    // The user picks the SESX tab, checks "Keep Used PK Files" and clicks the session.
     RecordingInteraction ui;
     MainForm form(ui);
     MainWindow window(form);
     window.load();
     form.pointBrowserAt(dir.path());
-
-    // The user picks the SESX tab, checks "Keep Used PK Files" and clicks the session.
-    auto* tabs = window.findChild<QTabBar*>(QStringLiteral("FileTypeTab"));
-    ASSERT_NE(tabs, nullptr);
+    auto* tabs = window.findChild<QTabBar*>("FileTypeTab");
     for (int index = 0; index < tabs->count(); ++index) {
-        if (tabs->tabData(index).toString() == QLatin1String("SESXFiles")) {
+        if (tabs->tabData(index).toString() == "SESXFiles") {
             tabs->setCurrentIndex(index);
         }
     }
-    window.findChild<QCheckBox*>(QStringLiteral("KeepPKCheck"))->click();
-    auto* sessions = window.findChild<QListView*>(QStringLiteral("SESFile"));
+    window.findChild<QCheckBox*>("KeepPKCheck")->click();
+    auto* sessions = window.findChild<QListView*>("SESFile");
     const QModelIndexList mix =
-        sessions->model()->match(sessions->model()->index(0, 0), Qt::DisplayRole,
-                                 QStringLiteral("mix.sesx"), 1, Qt::MatchExactly);
+        sessions->model()->match(sessions->model()->index(0, 0), Qt::DisplayRole, "mix.sesx");
     ASSERT_EQ(mix.size(), 1);
     sessions->setCurrentIndex(mix.first());
 
-    const QString shown =
-        QStringLiteral("used: ") +
-        window.findChild<QGroupBox*>(QStringLiteral("UsedFrame"))->title() + QLatin1Char('\n') +
-        shownLines(window.findChild<QListView*>(QStringLiteral("UsedFiles"))) +
-        QStringLiteral("unused: ") +
-        window.findChild<QGroupBox*>(QStringLiteral("UnusedFrame"))->title() + QLatin1Char('\n') +
-        shownLines(window.findChild<QListView*>(QStringLiteral("UnusedFiles"))) +
-        QStringLiteral("info: ") + window.findChild<QLabel*>(QStringLiteral("InfoLabel"))->text() +
-        QLatin1Char('\n');
-
-    EXPECT_EQ(
-        cliOutput({QStringLiteral("--kind"), QStringLiteral("sesx"), QStringLiteral("--session"),
-                   QStringLiteral("mix.sesx"), QStringLiteral("--keep-peaks")}),
-        shown)
-        << shown.toStdString();
-    EXPECT_TRUE(shown.contains(QStringLiteral("Files to be Moved - [0/4]"))) << shown.toStdString();
+    const auto shown = [&](const char* caption, const char* frame, const char* list) {
+        QString text = caption + window.findChild<QGroupBox*>(frame)->title() + '\n';
+        const QAbstractItemModel* model = window.findChild<QListView*>(list)->model();
+        for (int row = 0; row < model->rowCount(); ++row) {
+            const QModelIndex index = model->index(row, 0);
+            text += index.data(Qt::CheckStateRole).toInt() == Qt::Checked ? "[x] " : "[ ] ";
+            text += index.data().toString() + '\n';
+        }
+        return text;
+    };
+    const QString onScreen = shown("used: ", "UsedFrame", "UsedFiles") +
+                             shown("unused: ", "UnusedFrame", "UnusedFiles") +
+                             "info: " + window.findChild<QLabel*>("InfoLabel")->text() + '\n';
+    QString out;
+    QString err;
+    QTextStream outStream(&out);
+    QTextStream errStream(&err);
+    const int code =
+        cli::run({"scan", dir.path(), "--kind", "sesx", "--session", "mix.sesx", "--keep-peaks"},
+                 outStream, errStream);
+    outStream.flush();
+    errStream.flush();
+    EXPECT_EQ(code, 0) << err.toStdString();
+    EXPECT_EQ(out, onScreen);
+    EXPECT_TRUE(onScreen.contains("Files to be Moved - [0/4]")) << onScreen.toStdString();
 }
 
 }  // namespace
