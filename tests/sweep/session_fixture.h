@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QTemporaryDir>
 #include <functional>
 #include <utility>
@@ -15,15 +14,13 @@
 
 namespace tidewick::test {
 
-/// A user who may do one more thing while Tidewick is busy: `whileBusy` runs once, the next time
-/// the busy pointer is shown (a load shows it while it reads).
+/// A user who does one more thing, `whileBusy`, the next time the busy pointer is shown.
 class BusyUser : public RecordingInteraction {
 public:
     void setBusyPointer(bool busy) override {
         RecordingInteraction::setBusyPointer(busy);
         if (busy && whileBusy) {
-            const auto action = std::exchange(whileBusy, nullptr);
-            action();
+            std::exchange(whileBusy, nullptr)();
         }
     }
     std::function<void()> whileBusy;
@@ -41,37 +38,31 @@ protected:
     /// The session folder with a trailing separator.
     QString folder() const { return dir.path() + hostSeparator(); }
 
+    static QString ext(SessionKindId id) { return sessionKind(id).sessionPattern.mid(1); }
+
     void useKind(SessionKindId id) {
-        ASSERT_TRUE(form.selectTabByKey(sessionKind(id).tabKey) || id == SessionKindId::Ses);
-        if (id == SessionKindId::Ses) {
-            form.FileTypeTab_Click();  // the first tab is chosen from the start
-        }
+        form.selectTabByKey(sessionKind(id).tabKey);
+        form.FileTypeTab_Click();  // also when the tab was already chosen
     }
 
-    /// Writes a session of `kind` naming `paths` into the session folder.
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) {
         ASSERT_TRUE(writeFile(dir.filePath(name), sessionBytes(kind, paths)));
-    }
-
-    /// Creates media files, given relative to the session folder.
-    void touch(const QStringList& files) {
-        for (const QString& file : files) {
-            ASSERT_TRUE(writeFile(dir.filePath(file), "RIFF"));
-        }
     }
 
     /// Lists the folder again and selects `name`, which loads it.
     void select(const QString& name) {
         form.refreshSessionFiles();
-        const int index = static_cast<int>(form.SESFile.items().indexOf(name));
+        const auto index = form.SESFile.items().indexOf(name);
         ASSERT_GE(index, 0) << name.toStdString();
-        form.SESFile.setListIndex(index);
+        form.SESFile.setListIndex(static_cast<int>(index));
     }
 
-    QList<CheckItem> usedLines() const {
-        QList<CheckItem> lines;
+    /// The used list's lines, "[x] " before a checked one and "[ ] " before the others.
+    QStringList usedLines() const {
+        QStringList lines;
         for (int row = 0; row < form.UsedFiles.count(); ++row) {
-            lines.append(form.UsedFiles.item(row));
+            lines.append((form.UsedFiles.isChecked(row) ? "[x] " : "[ ] ") +
+                         form.UsedFiles.text(row));
         }
         return lines;
     }
@@ -84,9 +75,6 @@ protected:
 }  // namespace tidewick::test
 
 namespace tidewick {
-inline void PrintTo(const CheckItem& item, std::ostream* out) {
-    *out << (item.checked ? "[x] " : "[ ] ") << item.text.toStdString();
-}
 inline void PrintTo(const MessageBoxRequest& box, std::ostream* out) {
     *out << "{" << box.title.toStdString() << ": " << box.text.toStdString() << "}";
 }
