@@ -10,12 +10,7 @@
 namespace tidewick {
 namespace {
 
-int argc = 1;
-char name[] = "test_combo_drop_width";
-char* argv[] = {name, nullptr};
-
 TEST(ComboDropWidth, WidensTheListToItsWidestItemPlusTwentyWithinTheScreen) {
-    QApplication app(argc, argv);
     QLabel label;
     QComboBox empty;
     EXPECT_FALSE(SetComboDropWidth(&label));

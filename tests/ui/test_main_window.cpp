@@ -22,22 +22,6 @@
 namespace tidewick {
 namespace {
 
-// The application outlives every test and is gone before the program's exit handlers run.
-class Application : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char name_[32] = "test_main_window";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-
-[[maybe_unused]] ::testing::Environment* const application =
-    ::testing::AddGlobalTestEnvironment(new Application);
-
 // The window as the program starts it, over a store in a temporary folder.
 class MainWindowTest : public ::testing::Test {
 protected:

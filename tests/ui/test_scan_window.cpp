@@ -19,21 +19,6 @@
 namespace tidewick {
 namespace {
 
-class Application : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char name_[32] = "test_scan_window";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QApplication> app_;
-};
-
-[[maybe_unused]] ::testing::Environment* const application =
-    ::testing::AddGlobalTestEnvironment(new Application);
-
 TEST(ScanWindow, TheScanCommandPrintsWhatTheWindowShows) {
     // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in
     // the recordings folder and old.sesx are the other files.

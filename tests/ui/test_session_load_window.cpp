@@ -18,12 +18,6 @@ namespace {
 // The window over a session folder, picked the way a user picks: through the widgets.
 class SessionWindow : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static int argc = 1;
-        static char name[] = "test_session_load_window";
-        static char* argv[] = {name, nullptr};
-        [[maybe_unused]] static const auto* const app = new QApplication(argc, argv);
-    }
     void SetUp() override {
         window.load();
         form.pointBrowserAt(dir.path());
