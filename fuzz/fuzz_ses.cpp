@@ -1,19 +1,11 @@
 // Feeds arbitrary bytes to the binary session reader, as a probe and as a full read.
-#include <cstddef>
-#include <cstdint>
-
-#include "platform/recording_interaction.h"
+#include "fuzz_reader.h"
 #include "readers/import_ses.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace tidewick;
-    const QByteArrayView bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-    ProgramState state;
-    RecordingInteraction ui;
-    FileSystem fs;
-    ReaderContext context{state, ui, fs, QString()};
+    tidewick::fuzz::Input input(data, size);
     QString version;
-    ImportSesBytes(bytes, version, true, context);
-    ImportSesBytes(bytes, version, false, context);
+    tidewick::ImportSesBytes(input.bytes, version, true, input.context);
+    tidewick::ImportSesBytes(input.bytes, version, false, input.context);
     return 0;
 }

@@ -1,17 +1,9 @@
 // Feeds arbitrary bytes to the Audition XML session reader.
-#include <cstddef>
-#include <cstdint>
-
-#include "platform/recording_interaction.h"
+#include "fuzz_reader.h"
 #include "readers/import_xml.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace tidewick;
-    const QByteArrayView bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-    ProgramState state;
-    RecordingInteraction ui;
-    FileSystem fs;
-    ReaderContext context{state, ui, fs, QString()};
-    ImportXmlBytes(bytes, context);
+    tidewick::fuzz::Input input(data, size);
+    tidewick::ImportXmlBytes(input.bytes, input.context);
     return 0;
 }
