@@ -65,7 +65,7 @@ qsizetype lastSeparator(const QString& path, qsizetype end) {
     return -1;
 }
 
-bool isDriveSpec(QStringView text) {
+bool isDriveName(QStringView text) {
     return text.size() == 2 && text[1] == u':' && text[0].isLetter();
 }
 
@@ -88,7 +88,7 @@ QString GetParentFolderName(const QString& path) {
         return path.left(1);  // "/a.wav" -> "/"
     }
     const QString parent = path.left(parentEnd);
-    if (isDriveSpec(parent)) {
+    if (isDriveName(parent)) {
         return parent + path[sep];  // "C:\a.wav" -> "C:\"
     }
     return parent;
@@ -101,7 +101,7 @@ QString GetFileName(const QString& path) {
     if (name.size() == 1 && isPathSeparator(name[0])) {
         return {};
     }
-    if (sep < 0 && isDriveSpec(name)) {
+    if (sep < 0 && isDriveName(name)) {
         return {};
     }
     return name;

@@ -10,7 +10,7 @@ namespace tidewick {
 
 namespace {
 
-struct ControlSpec {
+struct ControlPlace {
     const char* name;
     ControlKind kind;
     const char* container;
@@ -24,7 +24,7 @@ using K = ControlKind;
 // The window's controls with their places in twips, relative to their container, in creation
 // order: a later control lies above an earlier one where they meet (ScanAll above
 // SESVersionLabel).
-constexpr ControlSpec kLayout[] = {
+constexpr ControlPlace kLayout[] = {
     {"Main", K::Window, "", 0, 0, MainForm::WindowWidth, MainForm::WindowHeight, "", ""},
     {"FilesFrame", K::Frame, "", 30, 90, 4425, 9495, "Files", ""},
     {"SESDrive", K::DriveList, "FilesFrame", 120, 300, 4150, 315, "", ""},
@@ -76,7 +76,7 @@ constexpr ControlSpec kLayout[] = {
 
 std::vector<std::unique_ptr<Control>> createControls() {
     std::vector<std::unique_ptr<Control>> controls;
-    for (const ControlSpec& spec : kLayout) {
+    for (const ControlPlace& spec : kLayout) {
         controls.push_back(std::make_unique<Control>(
             QString::fromUtf8(spec.name), spec.kind, QString::fromUtf8(spec.container),
             QRect(spec.left, spec.top, spec.width, spec.height), QString::fromUtf8(spec.text),
