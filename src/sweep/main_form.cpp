@@ -76,11 +76,11 @@ constexpr ControlPlace kLayout[] = {
 
 std::vector<std::unique_ptr<Control>> createControls() {
     std::vector<std::unique_ptr<Control>> controls;
-    for (const ControlPlace& spec : kLayout) {
+    for (const ControlPlace& place : kLayout) {
         controls.push_back(std::make_unique<Control>(
-            QString::fromUtf8(spec.name), spec.kind, QString::fromUtf8(spec.container),
-            QRect(spec.left, spec.top, spec.width, spec.height), QString::fromUtf8(spec.text),
-            QString::fromUtf8(spec.tooltip)));
+            QString::fromUtf8(place.name), place.kind, QString::fromUtf8(place.container),
+            QRect(place.left, place.top, place.width, place.height), QString::fromUtf8(place.text),
+            QString::fromUtf8(place.tooltip)));
     }
     return controls;
 }
