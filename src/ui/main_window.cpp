@@ -238,14 +238,17 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
             connect(tree, &QTreeView::clicked, this, [this](const QModelIndex& index) {
                 form_.SESDir_Click(folders_->filePath(index));
             });
-            // Folders load in the background; the current one comes into view once it is there.
-            connect(folders_, &QFileSystemModel::directoryLoaded, tree, [this, tree] {
+            // Folders load in the background and are sorted after they arrive; the current one
+            // comes into view once it is there, and again once its siblings are in order.
+            const auto bringIntoView = [this, tree] {
                 const QModelIndex folder = folders_->index(form_.SESDir.text());
                 if (folder.isValid() && tree->currentIndex() != folder) {
                     tree->setCurrentIndex(folder);
                 }
                 tree->scrollTo(folder, QAbstractItemView::PositionAtCenter);
-            });
+            };
+            connect(folders_, &QFileSystemModel::directoryLoaded, tree, bringIntoView);
+            connect(folders_, &QAbstractItemModel::layoutChanged, tree, bringIntoView);
             return tree;
         }
         case ControlKind::FileList: {
