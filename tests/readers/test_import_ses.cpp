@@ -209,12 +209,7 @@ TEST_F(SesReader, StoredLengthEndsTheWalk) {
     EXPECT_EQ(f.state.SesMediaRecords.size(), 1);
 }
 
-struct CorruptCase {
-    const char* name;
-    QByteArray bytes;
-};
-
-QList<CorruptCase> corruptFiles() {
+TEST(SesCorruptFile, EndsAsAReadError) {
     const QByteArray good =
         SesWriter().version(kA3).list({{"C:\\a.wav"}, {"C:\\b.wav"}}, kA3).bytes();
     const qint32 maxI32 = std::numeric_limits<qint32>::max();
@@ -222,7 +217,7 @@ QList<CorruptCase> corruptFiles() {
     auto withList = [](const QByteArray& data) {
         return SesWriter().version(kA3).chunk("LIST", data).bytes();
     };
-    return {
+    const std::pair<const char*, QByteArray> cases[] = {
         {"magic only", "COOLNESS"},
         {"cut inside the version", good.left(20)},
         {"cut inside the entries", good.left(good.size() - 20)},
@@ -239,33 +234,21 @@ QList<CorruptCase> corruptFiles() {
         {"name buffer past the end",
          withList(SesWriter::i32(50) + "FILE" + SesWriter::i32(900) + QByteArray(60, 'a'))},
     };
+    for (const auto& [name, bytes] : cases) {
+        SCOPED_TRACE(name);
+        ReaderFixture f;
+        QString version = "caller's text";
+        EXPECT_EQ(ImportSesBytes(bytes, version, false, f.context), SesReadResult::ReadError);
+        EXPECT_TRUE(version.isEmpty());
+        ASSERT_EQ(f.ui.messages.size(), 1);
+        const MessageBoxRequest& message = f.ui.messages[0];
+        EXPECT_TRUE(message.text.startsWith(kReadError));
+        EXPECT_GT(message.text.size(), kReadError.size()) << "a description follows";
+        EXPECT_EQ(message.title, "File Error");
+        EXPECT_EQ(message.icon, MessageIcon::Critical);
+        EXPECT_EQ(f.ui.pointerChanges, QList<bool>{false});
+    }
 }
-
-class SesCorruptFile : public ::testing::TestWithParam<CorruptCase> {};
-
-TEST_P(SesCorruptFile, EndsAsAReadError) {
-    ReaderFixture f;
-    QString version = "caller's text";
-    EXPECT_EQ(ImportSesBytes(GetParam().bytes, version, false, f.context),
-              SesReadResult::ReadError);
-    EXPECT_TRUE(version.isEmpty());
-    ASSERT_EQ(f.ui.messages.size(), 1);
-    const MessageBoxRequest& message = f.ui.messages[0];
-    EXPECT_TRUE(message.text.startsWith(kReadError));
-    EXPECT_GT(message.text.size(), kReadError.size()) << "a description follows";
-    EXPECT_EQ(message.title, "File Error");
-    EXPECT_EQ(message.icon, MessageIcon::Critical);
-    EXPECT_EQ(f.ui.pointerChanges, QList<bool>{false});
-}
-
-INSTANTIATE_TEST_SUITE_P(Table, SesCorruptFile, ::testing::ValuesIn(corruptFiles()),
-                         [](const auto& info) {
-                             std::string name = info.param.name;
-                             for (char& c : name) {
-                                 c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                             }
-                             return name;
-                         });
 
 TEST_F(SesReader, RecordsBeforeAReadErrorStay) {
     const QByteArray bytes =
