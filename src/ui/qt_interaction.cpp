@@ -5,6 +5,8 @@
 #include <QFileDialog>
 #include <QMessageBox>
 
+#include <utility>
+
 namespace tidewick {
 
 namespace {
@@ -41,45 +43,31 @@ QMessageBox::StandardButtons toQt(MessageButtons buttons) {
     return QMessageBox::Ok;
 }
 
+// Each answer and the message box button that gives it.
+constexpr std::pair<MessageAnswer, QMessageBox::StandardButton> kAnswerButtons[] = {
+    {MessageAnswer::Ok, QMessageBox::Ok},         {MessageAnswer::Cancel, QMessageBox::Cancel},
+    {MessageAnswer::Yes, QMessageBox::Yes},       {MessageAnswer::No, QMessageBox::No},
+    {MessageAnswer::Abort, QMessageBox::Abort},   {MessageAnswer::Retry, QMessageBox::Retry},
+    {MessageAnswer::Ignore, QMessageBox::Ignore},
+};
+
 QMessageBox::StandardButton toQt(MessageAnswer answer) {
-    switch (answer) {
-        case MessageAnswer::Ok:
-            return QMessageBox::Ok;
-        case MessageAnswer::Cancel:
-            return QMessageBox::Cancel;
-        case MessageAnswer::Yes:
-            return QMessageBox::Yes;
-        case MessageAnswer::No:
-            return QMessageBox::No;
-        case MessageAnswer::Abort:
-            return QMessageBox::Abort;
-        case MessageAnswer::Retry:
-            return QMessageBox::Retry;
-        case MessageAnswer::Ignore:
-            return QMessageBox::Ignore;
+    for (const auto& [known, button] : kAnswerButtons) {
+        if (known == answer) {
+            return button;
+        }
     }
     return QMessageBox::Ok;
 }
 
+// The answer of the button the user chose; `closed` when the box was closed without one.
 MessageAnswer fromQt(int button, MessageAnswer closed) {
-    switch (button) {
-        case QMessageBox::Ok:
-            return MessageAnswer::Ok;
-        case QMessageBox::Cancel:
-            return MessageAnswer::Cancel;
-        case QMessageBox::Yes:
-            return MessageAnswer::Yes;
-        case QMessageBox::No:
-            return MessageAnswer::No;
-        case QMessageBox::Abort:
-            return MessageAnswer::Abort;
-        case QMessageBox::Retry:
-            return MessageAnswer::Retry;
-        case QMessageBox::Ignore:
-            return MessageAnswer::Ignore;
-        default:
-            return closed;
+    for (const auto& [answer, known] : kAnswerButtons) {
+        if (known == button) {
+            return answer;
+        }
     }
+    return closed;
 }
 
 }  // namespace
