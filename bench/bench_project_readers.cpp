@@ -10,11 +10,12 @@
 #include <QtEndian>
 
 #include <cstdio>
-#include <map>
 #include <random>
 #include <string>
 
+#include "plain_read.h"
 #include "platform/recording_interaction.h"
+#include "ratio_reporter.h"
 #include "readers/import_rpp.h"
 #include "readers/import_veg.h"
 
@@ -168,18 +169,6 @@ QString writeFile(const QString& name, const QByteArray& bytes) {
     return path;
 }
 
-void plainRead(benchmark::State& state, const QString& path) {
-    qint64 size = 0;
-    for (auto _ : state) {
-        QFile file(path);
-        file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
-        benchmark::DoNotOptimize(bytes.data());
-        size = bytes.size();
-    }
-    state.SetBytesProcessed(state.iterations() * size);
-}
-
 using Reader = ReaderOutcome (*)(const QString&, ReaderContext&);
 
 void readerRead(benchmark::State& state, const QString& path, Reader reader) {
@@ -196,24 +185,6 @@ void readerRead(benchmark::State& state, const QString& path, Reader reader) {
     state.SetBytesProcessed(state.iterations() * QFile(path).size());
     state.counters["paths"] = double(found);
 }
-
-// Keeps the seconds per iteration of each benchmark for the closing summary.
-class SummaryReporter : public benchmark::ConsoleReporter {
-public:
-    // Plain text, so the summary lines begin with the reader's name.
-    SummaryReporter() : ConsoleReporter(OO_Tabular) {}
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-                seconds[run.benchmark_name()] =
-                    run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    std::map<std::string, double> seconds;
-};
 
 }  // namespace
 
@@ -234,24 +205,17 @@ int main(int argc, char** argv) {
     };
     for (const Kind& kind : kinds) {
         const std::string name = kind.name;
-        benchmark::RegisterBenchmark((name + "/plain_read").c_str(), plainRead, kind.path)
+        benchmark::RegisterBenchmark((name + "/plain_read").c_str(), bench::plainRead, kind.path)
             ->Unit(benchmark::kMillisecond);
         benchmark::RegisterBenchmark((name + "/reader").c_str(), readerRead, kind.path, kind.reader)
             ->Unit(benchmark::kMillisecond);
     }
-    SummaryReporter reporter;
+    bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     for (const Kind& kind : kinds) {
         const std::string name = kind.name;
-        const double megabytes = double(QFile(kind.path).size()) / (1024.0 * 1024.0);
-        const auto plain = reporter.seconds.find(name + "/plain_read");
-        const auto reader = reporter.seconds.find(name + "/reader");
-        if (plain == reporter.seconds.end() || reader == reporter.seconds.end()) {
-            continue;  // filtered out
-        }
-        std::printf("%s: reader %.0f MB/s, plain read %.0f MB/s, ratio %.1fx (%.0f MB)\n",
-                    kind.name, megabytes / reader->second, megabytes / plain->second,
-                    reader->second / plain->second, megabytes);
+        reporter.printRatio(name, name + "/reader", name + "/plain_read",
+                            bench::megabytesOf(kind.path), 3.0);
     }
     benchmark::Shutdown();
     return 0;

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "plain_read.h"
 #include "platform/recording_interaction.h"
 #include "ratio_reporter.h"
 #include "readers/import_ses.h"
@@ -60,12 +61,7 @@ Fixture& fixture() {
 }
 
 void BM_PlainRead(benchmark::State& state) {
-    for (auto _ : state) {
-        QFile file(fixture().path);
-        file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
-        benchmark::DoNotOptimize(bytes.data());
-    }
+    bench::plainRead(state, fixture().path);
 }
 
 void BM_ImportSesFile(benchmark::State& state) {

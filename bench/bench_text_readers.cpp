@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <functional>
 
+#include "plain_read.h"
 #include "platform/recording_interaction.h"
 #include "ratio_reporter.h"
 #include "readers/import_sesx.h"
@@ -135,23 +136,14 @@ struct Fixture {
             std::fprintf(stderr, "cannot write the sessions in %s\n", qPrintable(dir.path()));
             std::exit(1);
         }
-        xml.megabytes = double(QFile(xml.path).size()) / (1024.0 * 1024.0);
-        sesx.megabytes = double(QFile(sesx.path).size()) / (1024.0 * 1024.0);
+        xml.megabytes = bench::megabytesOf(xml.path);
+        sesx.megabytes = bench::megabytesOf(sesx.path);
     }
 };
 
 Fixture& fixture() {
     static Fixture f;
     return f;
-}
-
-void plainRead(benchmark::State& state, const Session& session) {
-    for (auto _ : state) {
-        QFile file(session.path);
-        file.open(QIODevice::ReadOnly);
-        const QByteArray bytes = file.readAll();
-        benchmark::DoNotOptimize(bytes.data());
-    }
 }
 
 using Reader = ReaderOutcome (*)(const QString&, ReaderContext&);
@@ -170,13 +162,13 @@ void readSession(benchmark::State& state, const Session& session, Reader reader)
 }
 
 void BM_PlainReadXml(benchmark::State& state) {
-    plainRead(state, fixture().xml);
+    bench::plainRead(state, fixture().xml.path);
 }
 void BM_ImportXmlFile(benchmark::State& state) {
     readSession(state, fixture().xml, ImportXmlFile);
 }
 void BM_PlainReadSesx(benchmark::State& state) {
-    plainRead(state, fixture().sesx);
+    bench::plainRead(state, fixture().sesx.path);
 }
 void BM_ImportSesxFile(benchmark::State& state) {
     readSession(state, fixture().sesx, ImportSesxFile);
