@@ -119,10 +119,6 @@ QString GetExtensionName(const QString& path) {
     return dot < 0 ? QString() : name.mid(dot + 1);
 }
 
-bool hasFolderPart(const QString& path) {
-    return path.contains(u'\\') || path.contains(u'/');
-}
-
 QString trimBlanks(const QString& text) {
     qsizetype begin = 0;
     qsizetype end = text.size();

@@ -34,9 +34,6 @@ QString GetBaseName(const QString& path);
 /// The text after the last dot of the last component, without the dot; empty when there is none.
 QString GetExtensionName(const QString& path);
 
-/// True when the path has a folder part, that is a separator anywhere in it.
-bool hasFolderPart(const QString& path);
-
 /// Removes leading and trailing blanks (code 32) only; tabs and other white space stay.
 QString trimBlanks(const QString& text);
 
