@@ -14,10 +14,8 @@
 #include <string>
 
 #include "plain_read.h"
-#include "platform/recording_interaction.h"
 #include "ratio_reporter.h"
-#include "readers/import_rpp.h"
-#include "readers/import_veg.h"
+#include "readers/session_kinds.h"
 
 namespace {
 
@@ -169,17 +167,12 @@ QString writeFile(const QString& name, const QByteArray& bytes) {
     return path;
 }
 
-using Reader = ReaderOutcome (*)(const QString&, ReaderContext&);
-
-void readerRead(benchmark::State& state, const QString& path, Reader reader) {
+void readerRead(benchmark::State& state, const QString& path, SessionKindId kind) {
+    const FileSystem fs;
+    const SessionPlace place{folder().path(), &fs};
     qsizetype found = 0;
     for (auto _ : state) {
-        ProgramState program;
-        RecordingInteraction ui;
-        FileSystem fs;
-        ReaderContext context{program, ui, fs, folder().path()};
-        reader(path, context);
-        found = program.MediaPaths.size();
+        found = readSessionFile(sessionKind(kind), path, place).paths.size();
         benchmark::DoNotOptimize(found);
     }
     state.SetBytesProcessed(state.iterations() * QFile(path).size());
@@ -197,17 +190,17 @@ int main(int argc, char** argv) {
     struct Kind {
         const char* name;
         QString path;
-        Reader reader;
+        SessionKindId kind;
     };
     const Kind kinds[] = {
-        {"rpp", writeFile(QStringLiteral("big.rpp"), makeRpp()), &ImportRppFile},
-        {"veg", writeFile(QStringLiteral("big.veg"), makeVeg()), &ImportVegFile},
+        {"rpp", writeFile(QStringLiteral("big.rpp"), makeRpp()), SessionKindId::Rpp},
+        {"veg", writeFile(QStringLiteral("big.veg"), makeVeg()), SessionKindId::Veg},
     };
     for (const Kind& kind : kinds) {
         const std::string name = kind.name;
         benchmark::RegisterBenchmark((name + "/plain_read").c_str(), bench::plainRead, kind.path)
             ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark((name + "/reader").c_str(), readerRead, kind.path, kind.reader)
+        benchmark::RegisterBenchmark((name + "/reader").c_str(), readerRead, kind.path, kind.kind)
             ->Unit(benchmark::kMillisecond);
     }
     bench::RatioReporter reporter;

@@ -5,9 +5,8 @@
 #include <QTemporaryDir>
 
 #include "plain_read.h"
-#include "platform/recording_interaction.h"
 #include "ratio_reporter.h"
-#include "readers/import_ses.h"
+#include "readers/session_kinds.h"
 
 namespace {
 
@@ -64,22 +63,18 @@ void BM_PlainRead(benchmark::State& state) {
     bench::plainRead(state, fixture().path);
 }
 
-void BM_ImportSesFile(benchmark::State& state) {
-    ProgramState programState;
-    RecordingInteraction ui;
-    FileSystem fs;
-    ReaderContext context{programState, ui, fs, QString()};
+void BM_ReadSesSession(benchmark::State& state) {
+    const SessionKind& kind = sessionKind(SessionKindId::Ses);
     for (auto _ : state) {
-        QString version;
-        ImportSesFile(fixture().path, version, false, context);
-        if (programState.SesMediaRecords.size() != kEntries) {
+        const SessionRead read = readSessionFile(kind, fixture().path, {});
+        if (read.records.size() != kEntries) {
             state.SkipWithError("the reader did not read every entry");
         }
     }
 }
 
 BENCHMARK(BM_PlainRead)->Unit(benchmark::kMillisecond)->MinTime(2.0);
-BENCHMARK(BM_ImportSesFile)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ReadSesSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 }  // namespace
 
@@ -88,7 +83,7 @@ int main(int argc, char** argv) {
     std::printf("session: %.1f MB, %d entries\n", fixture().megabytes, kEntries);
     tidewick::bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("ses (ImportSesFile)", "BM_ImportSesFile", "BM_PlainRead",
+    reporter.printRatio("ses (readSessionFile)", "BM_ReadSesSession", "BM_PlainRead",
                         fixture().megabytes, 3.0);
     benchmark::Shutdown();
     return 0;

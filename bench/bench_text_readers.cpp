@@ -11,10 +11,8 @@
 #include <functional>
 
 #include "plain_read.h"
-#include "platform/recording_interaction.h"
 #include "ratio_reporter.h"
-#include "readers/import_sesx.h"
-#include "readers/import_xml.h"
+#include "readers/session_kinds.h"
 
 namespace {
 
@@ -146,16 +144,10 @@ Fixture& fixture() {
     return f;
 }
 
-using Reader = ReaderOutcome (*)(const QString&, ReaderContext&);
-
-void readSession(benchmark::State& state, const Session& session, Reader reader) {
+void readSession(benchmark::State& state, const Session& session, SessionKindId kind) {
     for (auto _ : state) {
-        ProgramState programState;
-        RecordingInteraction ui;
-        FileSystem fs;
-        ReaderContext context{programState, ui, fs, QString()};
-        reader(session.path, context);
-        if (programState.MediaPaths.size() != kMediaFiles) {
+        const SessionRead read = readSessionFile(sessionKind(kind), session.path, {});
+        if (read.paths.size() != kMediaFiles) {
             state.SkipWithError("the reader did not find every media path");
         }
     }
@@ -164,20 +156,20 @@ void readSession(benchmark::State& state, const Session& session, Reader reader)
 void BM_PlainReadXml(benchmark::State& state) {
     bench::plainRead(state, fixture().xml.path);
 }
-void BM_ImportXmlFile(benchmark::State& state) {
-    readSession(state, fixture().xml, ImportXmlFile);
+void BM_ReadXmlSession(benchmark::State& state) {
+    readSession(state, fixture().xml, SessionKindId::Xml);
 }
 void BM_PlainReadSesx(benchmark::State& state) {
     bench::plainRead(state, fixture().sesx.path);
 }
-void BM_ImportSesxFile(benchmark::State& state) {
-    readSession(state, fixture().sesx, ImportSesxFile);
+void BM_ReadSesxSession(benchmark::State& state) {
+    readSession(state, fixture().sesx, SessionKindId::Sesx);
 }
 
 BENCHMARK(BM_PlainReadXml)->Unit(benchmark::kMillisecond)->MinTime(2.0);
-BENCHMARK(BM_ImportXmlFile)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ReadXmlSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_PlainReadSesx)->Unit(benchmark::kMillisecond)->MinTime(2.0);
-BENCHMARK(BM_ImportSesxFile)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ReadSesxSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 }  // namespace
 
@@ -188,9 +180,9 @@ int main(int argc, char** argv) {
                 f.xml.megabytes, f.sesx.megabytes, kMediaFiles);
     tidewick::bench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    reporter.printRatio("xml (ImportXmlFile)", "BM_ImportXmlFile", "BM_PlainReadXml",
+    reporter.printRatio("xml (readSessionFile)", "BM_ReadXmlSession", "BM_PlainReadXml",
                         f.xml.megabytes, 3.0);
-    reporter.printRatio("sesx (ImportSesxFile)", "BM_ImportSesxFile", "BM_PlainReadSesx",
+    reporter.printRatio("sesx (readSessionFile)", "BM_ReadSesxSession", "BM_PlainReadSesx",
                         f.sesx.megabytes, 3.0);
     benchmark::Shutdown();
     return 0;

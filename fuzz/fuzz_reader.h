@@ -6,11 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/recording_interaction.h"
+#include "platform/file_system.h"
 #include "readers/reader_contract.h"
 
-// What every fuzz target needs: the bytes as a view and a reader context whose user answers
-// every message with its default button.
+// What every fuzz target needs: the bytes as a view, and a place for the session beside the
+// real disk.
 namespace tidewick::fuzz {
 
 struct Input {
@@ -18,10 +18,8 @@ struct Input {
         : bytes(reinterpret_cast<const char*>(data), qsizetype(size)) {}
 
     QByteArrayView bytes;
-    ProgramState state;
-    RecordingInteraction ui;
     FileSystem fs;
-    ReaderContext context{state, ui, fs, QDir::tempPath()};
+    SessionPlace place{QDir::tempPath(), &fs};
 };
 
 }  // namespace tidewick::fuzz

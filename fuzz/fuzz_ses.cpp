@@ -1,11 +1,9 @@
-// Feeds arbitrary bytes to the binary session reader, as a probe and as a full read.
+// Feeds arbitrary bytes to the binary session reader.
 #include "fuzz_reader.h"
 #include "readers/import_ses.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     tidewick::fuzz::Input input(data, size);
-    QString version;
-    tidewick::ImportSesBytes(input.bytes, version, true, input.context);
-    tidewick::ImportSesBytes(input.bytes, version, false, input.context);
+    tidewick::readSesSession(input.bytes, input.place);
     return 0;
 }

@@ -4,6 +4,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     tidewick::fuzz::Input input(data, size);
-    tidewick::ImportSesxBytes(input.bytes, input.context);
+    tidewick::readSesxSession(input.bytes, input.place);
     return 0;
 }

@@ -1,21 +1,44 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
-// The one file-system object of the process: the disk operations the logic relies on.
+// The one file-system object of the process: every question the sweep asks the disk goes
+// through it, so that tests can stand in a disk that fails where a real one seldom does.
 namespace tidewick {
+
+/// One file of a folder listing.
+struct FolderEntry {
+    QString name;         ///< the file's name, without its folder
+    qint64 size = 0;      ///< its length in bytes (of the target, for a link)
+    bool isLink = false;  ///< a symbolic link to a file
+
+    bool operator==(const FolderEntry&) const = default;
+};
 
 class FileSystem {
 public:
+    virtual ~FileSystem() = default;
+
     /// True when `path` names an existing file (not a folder).
-    bool FileExists(const QString& path) const;
+    virtual bool FileExists(const QString& path) const;
 
     /// True when `path` names an existing folder; a relative path is taken from the current
     /// directory.
-    bool FolderExists(const QString& path) const;
+    virtual bool FolderExists(const QString& path) const;
+
+    /// The length of the file `path` in bytes; −1 when there is no such file.
+    virtual qint64 fileSize(const QString& path) const;
+
+    /// The files of `folder` that a user sees there, in one reading of the folder: ordinary
+    /// files and links to them, with their sizes, sorted by name ignoring case. Hidden files (a
+    /// leading dot), folders, sockets, pipes, devices and broken links are left out: what the
+    /// user does not see in the folder is never offered for moving. Empty when the folder
+    /// cannot be read.
+    virtual QList<FolderEntry> listFiles(const QString& folder) const;
 
     /// The program's current directory.
-    QString currentDirectory() const;
+    virtual QString currentDirectory() const;
 };
 
 }  // namespace tidewick

@@ -14,6 +14,11 @@ bool isPathSeparator(QChar c) {
     return c == u'\\' || c == u'/';
 }
 
+QString withSeparator(QString folder) {
+    AddBackslash(folder);
+    return folder;
+}
+
 QString AddBackslash(QString& path) {
     if (path.isEmpty() || !isPathSeparator(path.back())) {
         path.append(hostSeparator());

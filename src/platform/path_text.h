@@ -16,6 +16,10 @@ bool isPathSeparator(QChar c);
 /// returns the result. Callers rely on both effects; empty text becomes the separator alone.
 QString AddBackslash(QString& path);
 
+/// `folder` with the host separator appended when its last character is no separator: the
+/// form to which a file name is joined ("Song/" + "take.wav").
+QString withSeparator(QString folder);
+
 /// Replaces the first occurrence of `findText` in `text` again and again, from the start each
 /// time, until none is left; changes `text` itself and returns it. So "&amp;amp;" with "&amp;"
 /// and "&" becomes "&".

@@ -86,47 +86,45 @@ QString urlPrefix(const char* scheme) {
 
 class RppRead {
 public:
-    RppRead(QByteArrayView bytes, ReaderContext& context)
-        : lines_(bytes, true), context_(context), state_(context.state) {
-        projectFolder_ = context.sessionFolder;
+    RppRead(QByteArrayView bytes, const SessionPlace& place)
+        : lines_(bytes, true), fs_(place.fs), projectFolder_(place.folder) {
         AddBackslash(projectFolder_);
     }
 
-    ReaderOutcome run() {
+    SessionRead run() {
+        SessionRead read;
         // The header must be the first non-blank line.
         QByteArrayView first;
         do {
             first = trimmedOfBlanksAndTabs(lines_.next());
         } while (first.isEmpty() && !lines_.atEnd());
         if (!beginsWith(first, kHeader)) {
-            context_.ui.setBusyPointer(false);
-            showOk(context_.ui, kNotAProjectText + u'\n' + textOf(first).left(kMaxQuotedLine),
-                   kRejectTitle, MessageIcon::Critical);
-            return ReaderOutcome::Rejected;
+            read.outcome = ReaderOutcome::Rejected;
+            read.message =
+                ReaderMessage{kNotAProjectText + u'\n' + textOf(first).left(kMaxQuotedLine),
+                              kRejectTitle, MessageIcon::Critical};
+            return read;
         }
         // The line after the header is passed over unread, whatever it holds.
         lines_.next();
         while (!lines_.atEnd()) {
             const QByteArrayView line = trimmedOfBlanksAndTabs(lines_.next());
             if (beginsWith(line, kRecordPath)) {
-                applyRecordPath(line);
+                read.recordPaths.append(recordPathLine(line));
             }
             applySource(line);
         }
-        return ReaderOutcome::Read;
+        read.paths = paths_.takePaths();
+        return read;
     }
 
 private:
     // RECORD_PATH "primary" "secondary": the first value names the folder that recordings go
     // into, relative to the project folder or absolute.
-    void applyRecordPath(QByteArrayView line) {
-        QString& recordFolder = state_.RecordFolder;
-        const bool allFiles = state_.CheckAllFiles;
+    RecordPathLine recordPathLine(QByteArrayView line) const {
+        RecordPathLine entry;
         if (line.size() <= kRecordValueStart + 1) {
-            if (recordFolder.isEmpty()) {
-                recordFolder = projectFolder_;
-            }
-            return;
+            return entry;
         }
         // From the 14th character to the last but one, less one more: for a line with two
         // quoted values this ends inside the second value, and the first value is the text
@@ -137,45 +135,16 @@ private:
         if (quote >= 0) {
             value = value.first(quote);
         }
-        QString r = textOf(value);
-        ReplaceAll(QStringLiteral("\""), r, QString());
-        r = trimBlanks(r);
+        QString r = trimBlanks(textOf(value));
         // A project saved on Windows names a nested record folder as "Audio\Takes"; on a "/" host
         // that folder is found only in host form.
         toHostSeparators(r);
-
-        // A record path that names an existing folder by itself: in a whole-folder scan the
-        // first project's value stays. In a single-project load an absolute path becomes the
-        // record folder, which is what the sub-folder display shows for an existing folder. A
-        // relative one exists "by itself" only in the program's current folder, which has
-        // nothing to do with the project; taking it would point the record folder, and the
-        // files offered for moving, at some other folder. So it is read against the project
-        // folder like any relative record path.
-        if (folderExists(r) && (allFiles || QDir::isAbsolutePath(r))) {
-            if (!allFiles) {
-                recordFolder = r;
-            }
-            return;
-        }
-        const QString inProject = projectFolder_ + r;
-        if (!r.isEmpty() && folderExists(inProject)) {
-            if (!allFiles) {
-                recordFolder = inProject;
-                return;
-            }
-            // In a whole-folder scan the first value set stays, except that the bare project
-            // folder gives way to a later project's existing record sub-folder. The appended
-            // separator stays on the record folder either way.
-            const bool wasEmpty = recordFolder.isEmpty();
-            AddBackslash(recordFolder);
-            if (wasEmpty || recordFolder == projectFolder_) {
-                recordFolder = inProject;
-            }
-            return;
-        }
-        if (!allFiles || recordFolder.isEmpty()) {
-            recordFolder = projectFolder_;
-        }
+        entry.hasValue = true;
+        entry.existsAsIs = folderExists(r);
+        entry.absolute = QDir::isAbsolutePath(r);
+        entry.existsInProject = !r.isEmpty() && folderExists(projectFolder_ + r);
+        entry.value = std::move(r);
+        return entry;
     }
 
     // A media source names its file on the next line; BANKPROGRAMFILE names one on its own.
@@ -220,13 +189,13 @@ private:
         }
         // An empty path names no file; it would only put a blank line into the used list.
         if (!path.isEmpty()) {
-            state_.MediaPaths.appendUnique(path);
+            paths_.appendUnique(path);
         }
     }
 
     // A text with a zero character names no folder; the file system would only warn about it.
     bool folderExists(const QString& path) const {
-        return !path.contains(QChar(u'\0')) && context_.fs.FolderExists(path);
+        return fs_ != nullptr && !path.contains(QChar(u'\0')) && fs_->FolderExists(path);
     }
 
     bool containsUrlPrefix(QStringView path) const {
@@ -244,22 +213,49 @@ private:
 
     LineReader lines_;
     QSet<QByteArray> seenFileTexts_;
-    ReaderContext& context_;
-    ProgramState& state_;
+    const FileSystem* fs_;
     QString projectFolder_;
+    MediaPathList paths_;
     const QString urlPrefixLower_ = urlPrefix("url:");
     const QString urlPrefixUpper_ = urlPrefix("URL:");
 };
 
 }  // namespace
 
-ReaderOutcome ImportRppFile(const QString& fileName, ReaderContext& context) {
-    return readSessionFile(fileName, context, QStringLiteral("RPP"), &ImportRppBytes);
+SessionRead readRppSession(QByteArrayView bytes, const SessionPlace& place) {
+    return RppRead(bytes, place).run();
 }
 
-ReaderOutcome ImportRppBytes(QByteArrayView bytes, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    return RppRead(bytes, context).run();
+QString foldRecordPath(QString recordFolder, const RecordPathLine& line,
+                       const QString& projectFolder, bool wholeFolder) {
+    // A line too short to hold a value leaves a record folder that is set, and sets the project
+    // folder otherwise.
+    if (!line.hasValue) {
+        return recordFolder.isEmpty() ? projectFolder : recordFolder;
+    }
+    // A record path that names an existing folder by itself: in a whole-folder scan the first
+    // project's value stays. In a single-project load an absolute path becomes the record
+    // folder, which is what the sub-folder display shows for an existing folder. A relative one
+    // exists "by itself" only in the program's current folder, which has nothing to do with the
+    // project; taking it would point the record folder, and the files offered for moving, at
+    // some other folder. So it is read against the project folder like any relative record
+    // path.
+    if (line.existsAsIs && (wholeFolder || line.absolute)) {
+        return wholeFolder ? recordFolder : line.value;
+    }
+    if (line.existsInProject) {
+        const QString inProject = projectFolder + line.value;
+        if (!wholeFolder) {
+            return inProject;
+        }
+        // In a whole-folder scan the first value set stays, except that the bare project folder
+        // gives way to a later project's existing record sub-folder. The appended separator
+        // stays on the record folder either way.
+        const bool wasEmpty = recordFolder.isEmpty();
+        AddBackslash(recordFolder);
+        return wasEmpty || recordFolder == projectFolder ? inProject : recordFolder;
+    }
+    return !wholeFolder || recordFolder.isEmpty() ? projectFolder : recordFolder;
 }
 
 }  // namespace tidewick

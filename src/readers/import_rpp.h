@@ -6,17 +6,22 @@
 #include "readers/reader_contract.h"
 
 // The REAPER project (".rpp"): a text file whose first non-blank line is the "<REAPER_PROJECT"
-// header. The reader takes the media files of its sources and derives the project's record
-// folder from its RECORD_PATH line.
+// header. The reader takes the media files of its sources and the values of its RECORD_PATH
+// lines; the session load folds those into the record folder.
 namespace tidewick {
 
-/// Reads the media paths of a REAPER project into MediaPaths and sets RecordFolder from its
-/// record path. Rejected (after the "Processing RPP File" message) when the first non-blank line
-/// is not the project header; Failed (after the "File Error" message) when the file cannot be
-/// read.
-ReaderOutcome ImportRppFile(const QString& fileName, ReaderContext& context);
+/// Reads the media paths and the record path lines of a REAPER project. Rejected, with a
+/// message that quotes the line, when the first non-blank line is not the project header.
+/// `place` gives the project folder that a relative record path is looked for in, and the disk
+/// to look on; without a disk no folder exists.
+SessionRead readRppSession(QByteArrayView bytes, const SessionPlace& place);
 
-/// The same, over the file's bytes.
-ReaderOutcome ImportRppBytes(QByteArrayView bytes, ReaderContext& context);
+/// The record folder after one RECORD_PATH line of a project in `projectFolder` (which ends
+/// with a separator), starting from `recordFolder`. In a single-project load a line sets the
+/// folder: an absolute existing folder as it stands, an existing sub-folder of the project, else
+/// the project folder. In a whole-folder scan (`wholeFolder`) the first value set stays, except
+/// that the bare project folder gives way to a later project's existing sub-folder.
+QString foldRecordPath(QString recordFolder, const RecordPathLine& line,
+                       const QString& projectFolder, bool wholeFolder);
 
 }  // namespace tidewick

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/path_text.h"
 #include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
@@ -13,9 +14,6 @@ namespace {
 constexpr QByteArrayView kMagic = "COOLNESS";
 constexpr qint32 kMaxTextBytes = 32767;  // the longest "vers" data or name buffer read
 constexpr qsizetype kFileNameLength = 255;
-
-const QString kReadErrorText =
-    QStringLiteral("An error occurred accessing the selected SES file.  ");
 
 bool versionStartsWith(const QString& version, const char* prefix) {
     return version.startsWith(QLatin1StringView(prefix));
@@ -48,7 +46,7 @@ qint32 listTrailerLength(const QString& version) {
 // description instead.
 class SesWalk {
 public:
-    SesWalk(QByteArrayView bytes, ProgramState& state) : bytes_(bytes), state_(state) {}
+    SesWalk(QByteArrayView bytes, SessionRead& read) : bytes_(bytes), read_(read) {}
 
     QString error;
 
@@ -105,8 +103,8 @@ public:
         return true;
     }
 
-    // Reads the file entries of one LIST chunk whose data starts at `position` into
-    // SesMediaRecords, and moves `position` to the next chunk header.
+    // Reads the file entries of one LIST chunk whose data starts at `position` into the
+    // records, and moves `position` to the next chunk header.
     bool ImportSesFileList(qint32& position, qint32& listLength) {
         if (listLength <= 0) {
             return add(position, 28, position);
@@ -116,7 +114,7 @@ public:
             return false;
         }
         listLength = listSize;
-        const QString& version = state_.SesVersion;
+        const QString& version = read_.version;
         const bool oldLayout = usesOldEntryLayout(version);
         qint32 entry = 0;
         if (!add(position, 4, entry)) {
@@ -145,7 +143,7 @@ public:
             const QByteArrayView nameBytes = nonZeroBytes(buffer, scratch);
             QString name = decodeSessionText(nameBytes);
             name.truncate(kFileNameLength);
-            state_.SesMediaRecords.append({value, std::move(name), header.ChunkID});
+            read_.records.append({value, std::move(name), header.ChunkID});
 
             // The next entry starts right after the name and its terminating zero, not at the
             // end of the buffer; the later layout keeps 8 more bytes before it.
@@ -188,16 +186,67 @@ private:
     }
 
     QByteArrayView bytes_;
-    ProgramState& state_;
+    SessionRead& read_;
 };
 
-SesReadResult reportReadError(const QString& description, QString& version,
-                              ReaderContext& context) {
-    version.clear();
-    showOk(context.ui, kReadErrorText + description, QStringLiteral("File Error"),
-           MessageIcon::Critical);
-    context.ui.setBusyPointer(false);
-    return SesReadResult::ReadError;
+// Walks the chunks up to the stored length. Returns false on a read error, with its description
+// in `walk.error`; `read` has then what was read before it. A version that cannot be read ends
+// the walk as a rejection.
+bool walkChunks(SesWalk& walk, SessionRead& read) {
+    qint32 storedLength = 0;
+    if (!walk.readStoredLength(storedLength)) {
+        return false;
+    }
+    qint32 position = 12;
+    // The stored length counts from a 1-based position: the walk goes on while the next
+    // header's 0-based offset is below L - 1.
+    while (qint64(position) + 1 < storedLength) {
+        const qint32 headerStart = position;
+        SesChunkHeader header;
+        if (!walk.readHeader(position, header)) {
+            return false;
+        }
+        position += 8;  // readHeader proved these 8 bytes lie inside the file
+        if (header.ChunkID == "LIST") {
+            // Entries are laid out by version, so a list before any version has no layout; the
+            // file is refused rather than read with a guess.
+            if (!read.versionFound) {
+                return walk.fail("The file lists its media before naming its version");
+            }
+            qint32 listLength = header.ChunkLength;
+            if (!walk.ImportSesFileList(position, listLength)) {
+                return false;
+            }
+        } else {
+            if (header.ChunkID == "vers") {
+                if (!walk.readVersion(position, header.ChunkLength, read.version)) {
+                    return false;
+                }
+                read.versionFound = true;
+                if (!isSupportedSesVersion(read.version)) {
+                    read.outcome = ReaderOutcome::Rejected;
+                    read.message =
+                        ReaderMessage{read.version + QStringLiteral(" is not currently supported"),
+                                      QStringLiteral("Importing Audition Session file"),
+                                      MessageIcon::Information};
+                    read.records.clear();
+                    return true;
+                }
+            }
+            // "hdr ", "vers", "WLST" and every other chunk are passed over whole.
+            if (header.ChunkLength < 0) {
+                return walk.fail("A chunk of the file has a negative length");
+            }
+            if (!walk.add(position, header.ChunkLength, position)) {
+                return false;
+            }
+        }
+        // Each chunk must move the walk on, or a hostile file could hold it in place forever.
+        if (position <= headerStart) {
+            return walk.fail("A chunk of the file points backwards");
+        }
+    }
+    return true;
 }
 
 }  // namespace
@@ -213,116 +262,23 @@ bool isSupportedSesVersion(const QString& version) {
     return false;
 }
 
-SesReadResult ImportSesBytes(QByteArrayView bytes, QString& version, bool versionOnly,
-                             ReaderContext& context) {
-    ProgramState& state = context.state;
-    state.SesMediaRecords.clear();
+SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    SessionRead read;
     if (bytes.size() < kMagic.size() || bytes.first(kMagic.size()) != kMagic) {
-        return SesReadResult::NotASession;
+        read.outcome = ReaderOutcome::Rejected;
+        return read;
     }
-
-    SesWalk walk(bytes, state);
-    qint32 storedLength = 0;
-    if (!walk.readStoredLength(storedLength)) {
-        return reportReadError(walk.error, version, context);
+    SesWalk walk(bytes, read);
+    if (!walkChunks(walk, read)) {
+        read.outcome = ReaderOutcome::Failed;
+        read.message = fileErrorMessage(QStringLiteral("SES"), walk.error);
     }
-    bool versionSeen = false;
-    qint32 position = 12;
-    // The stored length counts from a 1-based position: the walk goes on while the next
-    // header's 0-based offset is below L - 1.
-    while (qint64(position) + 1 < storedLength) {
-        const qint32 headerStart = position;
-        SesChunkHeader header;
-        if (!walk.readHeader(position, header)) {
-            return reportReadError(walk.error, version, context);
-        }
-        position += 8;  // readHeader proved these 8 bytes lie inside the file
-        if (header.ChunkID == "LIST") {
-            // Entries are laid out by version, so a list before any version has no layout. An
-            // older version text left over from another file would read this one wrongly, so
-            // the file is refused rather than read with a guess.
-            if (!versionSeen) {
-                return reportReadError(
-                    QStringLiteral("The file lists its media before naming its version"), version,
-                    context);
-            }
-            qint32 listLength = header.ChunkLength;
-            if (!walk.ImportSesFileList(position, listLength)) {
-                return reportReadError(walk.error, version, context);
-            }
-        } else {
-            if (header.ChunkID == "vers") {
-                if (!walk.readVersion(position, header.ChunkLength, state.SesVersion)) {
-                    return reportReadError(walk.error, version, context);
-                }
-                version = state.SesVersion;
-                versionSeen = true;
-                if (versionOnly) {
-                    return SesReadResult::VersionFound;
-                }
-                if (!isSupportedSesVersion(version)) {
-                    showOk(context.ui, version + QStringLiteral(" is not currently supported"),
-                           QStringLiteral("Importing Audition Session file"),
-                           MessageIcon::Information);
-                    context.ui.setBusyPointer(false);
-                    return SesReadResult::UnsupportedVersion;
-                }
-            }
-            // "hdr ", "vers", "WLST" and every other chunk are passed over whole.
-            if (header.ChunkLength < 0) {
-                return reportReadError(QStringLiteral("A chunk of the file has a negative length"),
-                                       version, context);
-            }
-            if (!walk.add(position, header.ChunkLength, position)) {
-                return reportReadError(walk.error, version, context);
-            }
-        }
-        // Each chunk must move the walk on, or a hostile file could hold it in place forever.
-        if (position <= headerStart) {
-            return reportReadError(QStringLiteral("A chunk of the file points backwards"), version,
-                                   context);
-        }
+    read.paths.reserve(read.records.size());
+    for (const SesMediaRecord& record : read.records) {
+        read.paths.append(trimBlanks(record.FileName));
     }
-    if (!versionOnly) {
-        context.ui.setBusyPointer(false);
-    }
-    return SesReadResult::Complete;
-}
-
-bool ImportSesFile(const QString& fileName, QString& version, bool versionOnly,
-                   ReaderContext& context) {
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        context.state.SesMediaRecords.clear();
-        return reportReadError(error, version, context) == SesReadResult::ReadError;
-    }
-    const SesReadResult result = ImportSesBytes(bytes, version, versionOnly, context);
-    return result == SesReadResult::NotASession || result == SesReadResult::ReadError;
-}
-
-ReaderOutcome ImportSesSession(const QString& fileName, ReaderContext& context) {
-    QByteArray bytes;
-    QString error;
-    QString version;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        context.state.SesMediaRecords.clear();
-        reportReadError(error, version, context);
-        return ReaderOutcome::Failed;
-    }
-    for (const bool versionOnly : {true, false}) {
-        switch (ImportSesBytes(bytes, version, versionOnly, context)) {
-            case SesReadResult::NotASession:
-            case SesReadResult::UnsupportedVersion:
-                return ReaderOutcome::Rejected;
-            case SesReadResult::ReadError:
-                return ReaderOutcome::Failed;
-            case SesReadResult::VersionFound:
-            case SesReadResult::Complete:
-                break;
-        }
-    }
-    return ReaderOutcome::Read;
+    return read;
 }
 
 }  // namespace tidewick

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
@@ -17,28 +16,12 @@ struct SesChunkHeader {
     qint32 ChunkLength = 0;  ///< length of the data that follows
 };
 
-/// How a read of a binary session ended.
-enum class SesReadResult {
-    NotASession,         ///< the file does not begin with "COOLNESS"; nothing was said
-    ReadError,           ///< the read failed and the "File Error" box has said why
-    UnsupportedVersion,  ///< a full read met a version it cannot read, and said so
-    VersionFound,        ///< a probe found the version
-    Complete,            ///< the chunk walk ended
-};
-
-/// Reads a binary session: SesMediaRecords gets its file entries, SesVersion and `version` its
-/// version text. With `versionOnly` it stops at the version. Returns true when the file is no
-/// binary session or could not be read, false otherwise.
-bool ImportSesFile(const QString& fileName, QString& version, bool versionOnly,
-                   ReaderContext& context);
-
-/// The same over the file's bytes, with the detailed result.
-SesReadResult ImportSesBytes(QByteArrayView bytes, QString& version, bool versionOnly,
-                             ReaderContext& context);
-
-/// Probes a binary session and, when it is one, reads it in full: the reader of the "SESFiles"
-/// kind as the session kinds table calls it.
-ReaderOutcome ImportSesSession(const QString& fileName, ReaderContext& context);
+/// Reads a binary session in one walk over its bytes: its records, their paths (each file name
+/// trimmed of blanks) and its version, with `versionFound` telling whether a "vers" chunk was
+/// read. Rejected without a message when the file does not begin with "COOLNESS", and with one,
+/// and no records, at a version that cannot be read; Failed with the "File Error" message when
+/// a chunk or entry would leave the file, overflow or stand still, keeping what was read before.
+SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place);
 
 /// True when the version text names a version whose sessions can be read.
 bool isSupportedSesVersion(const QString& version);

@@ -36,8 +36,6 @@ QByteArrayView fromUpToLastButOne(QByteArrayView text, qsizetype begin) {
 
 class SesxSession {
 public:
-    explicit SesxSession(ReaderContext& context) : context_(context) {}
-
     // Examines one line; returns false when reading stops at it. `line` is the line as
     // examined: the cleaned line in line mode, the untouched piece in piece mode, so that
     // "</files>" stops a piece only when it stands unindented.
@@ -49,6 +47,9 @@ public:
         }
         return line != kFilesEnd && trimmed != kSessionEnd;
     }
+
+    // The paths cut out so far, each once.
+    MediaPathList paths;
 
 private:
     // Takes the absolutePath value from a file element line. The cuts count from the line's
@@ -74,11 +75,9 @@ private:
         // An empty value names no file; kept, it would list the session folder as a missing
         // media file.
         if (!path.isEmpty()) {
-            context_.state.MediaPaths.appendUnique(decodeSessionText(path));
+            paths.appendUnique(decodeSessionText(path));
         }
     }
-
-    ReaderContext& context_;
 };
 
 bool mayHoldFileElement(QByteArrayView trimmed) {
@@ -87,8 +86,8 @@ bool mayHoldFileElement(QByteArrayView trimmed) {
            (trimmed[tagEnd] == ' ' || trimmed[tagEnd] == '\t');
 }
 
-ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
-    SesxSession session(context);
+// Hands the lines that may name files to `session` until it stops.
+void examineLines(QByteArrayView bytes, SesxSession& session) {
     // The first line runs up to the file's first carriage return, since a lone line feed does
     // not end a line here. (Found with one fast search: in piece mode it is the whole file.)
     const qsizetype firstEnd = bytes.indexOf('\r');
@@ -106,7 +105,7 @@ ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
             }
             begin = feed + 1;
         }
-        return ReaderOutcome::Read;
+        return;
     }
     // Line mode: the first line is the XML declaration and is never examined. An empty file has
     // no first line, and reading one gives empty text and nothing further.
@@ -126,18 +125,17 @@ ReaderOutcome readSesxSession(QByteArrayView bytes, ReaderContext& context) {
             break;
         }
     }
-    return ReaderOutcome::Read;
 }
 
 }  // namespace
 
-ReaderOutcome ImportSesxFile(const QString& fileName, ReaderContext& context) {
-    return readSessionFile(fileName, context, QStringLiteral("SESX"), &ImportSesxBytes);
-}
-
-ReaderOutcome ImportSesxBytes(QByteArrayView bytes, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    return readSesxSession(bytes, context);
+SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    SesxSession session;
+    examineLines(bytes, session);
+    SessionRead read;
+    read.paths = session.paths.takePaths();
+    return read;
 }
 
 }  // namespace tidewick

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArrayView>
-#include <QString>
 
 #include "readers/reader_contract.h"
 
@@ -9,12 +8,8 @@
 // for file elements ("<file ") and cuts the value of their absolutePath attribute out of the line.
 namespace tidewick {
 
-/// Reads the media paths of a SESX session into MediaPaths (appending; the caller empties it
-/// first). There is no test of the file's kind, so a file it can open is always Read; Failed
-/// when the file cannot be read.
-ReaderOutcome ImportSesxFile(const QString& fileName, ReaderContext& context);
-
-/// The same, over the file's bytes.
-ReaderOutcome ImportSesxBytes(QByteArrayView bytes, ReaderContext& context);
+/// Reads the media paths of a SESX session. There is no test of the file's kind, so every file
+/// is Read.
+SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place);
 
 }  // namespace tidewick

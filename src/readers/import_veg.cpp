@@ -192,14 +192,13 @@ QString vegPathText(QByteArrayView raw) {
     return decodeSessionText(kept);
 }
 
-ReaderOutcome ImportVegFile(const QString& fileName, ReaderContext& context) {
-    return readSessionFile(fileName, context, QStringLiteral("VEG"), &ImportVegBytes);
-}
-
-ReaderOutcome ImportVegBytes(QByteArrayView bytes, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    VegScan(bytes, context.state.MediaPaths).run();
-    return ReaderOutcome::Read;
+SessionRead readVegSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    MediaPathList paths;
+    VegScan(bytes, paths).run();
+    SessionRead read;
+    read.paths = paths.takePaths();
+    return read;
 }
 
 }  // namespace tidewick

@@ -10,13 +10,9 @@
 // the tag "list" that ends the scan).
 namespace tidewick {
 
-/// Reads the media paths of a Vegas project into MediaPaths. There is no test of the file's
-/// kind: a file without the marks yields no paths. Failed (after the "File Error" message) when
-/// the file cannot be read, Read otherwise.
-ReaderOutcome ImportVegFile(const QString& fileName, ReaderContext& context);
-
-/// The same, over the file's bytes.
-ReaderOutcome ImportVegBytes(QByteArrayView bytes, ReaderContext& context);
+/// Reads the media paths of a Vegas project. There is no test of the file's kind: a file without
+/// the marks is Read and names nothing.
+SessionRead readVegSession(QByteArrayView bytes, const SessionPlace& place);
 
 /// The text of a media path's bytes as the scan read them (zero bytes included, the stopping
 /// zero not). Vegas stores paths as UTF-16LE: bytes that read as such give that text, so a name

@@ -52,12 +52,12 @@ QByteArray replaceAllRestarting(QByteArrayView text, QByteArrayView find, char r
 // One Audition XML file's lines, read in the fixed order of the export.
 class XmlSession {
 public:
-    XmlSession(QByteArrayView bytes, ReaderContext& context)
-        // A lone line feed ends a line too: the export is also met with LF line ends, and read
-        // as one long line such a file would yield nothing.
-        : lines_(bytes, true), context_(context) {}
+    // A lone line feed ends a line too: the export is also met with LF line ends, and read as
+    // one long line such a file would yield nothing.
+    explicit XmlSession(QByteArrayView bytes) : lines_(bytes, true) {}
 
-    ReaderOutcome read() {
+    SessionRead run() {
+        SessionRead read;
         // The first non-blank line is the declaration, whatever it says.
         QByteArrayView line;
         do {
@@ -68,12 +68,12 @@ public:
         // reads an empty line here, which fails the test.
         const QByteArrayView header = lines_.next();
         if (!header.startsWith(kSessionTag)) {
-            context_.ui.setBusyPointer(false);
-            showOk(context_.ui,
-                   QStringLiteral("This is not a properly formated Adobe Audition XML file.\n") +
-                       decodeSessionText(cleanedLine(header)),
-                   QStringLiteral("Processing XML File"), MessageIcon::Information);
-            return ReaderOutcome::Rejected;
+            read.outcome = ReaderOutcome::Rejected;
+            read.message = ReaderMessage{
+                QStringLiteral("This is not a properly formated Adobe Audition XML file.\n") +
+                    decodeSessionText(cleanedLine(header)),
+                QStringLiteral("Processing XML File"), MessageIcon::Information};
+            return read;
         }
 
         while (!lines_.atEnd()) {
@@ -85,7 +85,8 @@ public:
                 }
             }
         }
-        return ReaderOutcome::Read;
+        read.paths = paths_.takePaths();
+        return read;
     }
 
 private:
@@ -125,31 +126,23 @@ private:
         // An entry cut short by the end of the file reads empty lines, and an empty path
         // names no file.
         if (!path.isEmpty()) {
-            context_.state.MediaPaths.appendUnique(decodeSessionText(path));
+            paths_.appendUnique(decodeSessionText(path));
         }
     }
 
     LineReader lines_;
-    ReaderContext& context_;
+    MediaPathList paths_;
 };
-
-ReaderOutcome readXmlSession(QByteArrayView bytes, ReaderContext& context) {
-    // An empty file is no session, but it is passed over without a word.
-    if (bytes.isEmpty()) {
-        return ReaderOutcome::Read;
-    }
-    return XmlSession(bytes, context).read();
-}
 
 }  // namespace
 
-ReaderOutcome ImportXmlFile(const QString& fileName, ReaderContext& context) {
-    return readSessionFile(fileName, context, QStringLiteral("XML"), &ImportXmlBytes);
-}
-
-ReaderOutcome ImportXmlBytes(QByteArrayView bytes, ReaderContext& context) {
-    context.ui.setBusyPointer(true);
-    return readXmlSession(bytes, context);
+SessionRead readXmlSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    // An empty file is no session, but it is passed over without a word.
+    if (bytes.isEmpty()) {
+        return {};
+    }
+    return XmlSession(bytes).run();
 }
 
 }  // namespace tidewick

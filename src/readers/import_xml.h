@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArrayView>
-#include <QString>
 
 #include "readers/reader_contract.h"
 
@@ -10,12 +9,9 @@
 // whose entries each hold their media path on the 18th line after the entry's opening line.
 namespace tidewick {
 
-/// Reads the media paths of an Audition XML session into MediaPaths (appending; the caller
-/// empties it first). Rejected, after saying so, when the file's second line is not
-/// "<AuditionSession>"; Failed when the file cannot be read.
-ReaderOutcome ImportXmlFile(const QString& fileName, ReaderContext& context);
-
-/// The same, over the file's bytes.
-ReaderOutcome ImportXmlBytes(QByteArrayView bytes, ReaderContext& context);
+/// Reads the media paths of an Audition XML session. Rejected, with a message that quotes the
+/// line, when the line after the declaration does not begin with "<AuditionSession>"; an empty
+/// file is read and names nothing.
+SessionRead readXmlSession(QByteArrayView bytes, const SessionPlace& place);
 
 }  // namespace tidewick

@@ -5,16 +5,18 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 #include "platform/file_system.h"
 #include "platform/interaction.h"
 
-// What every session reader hands on, and the program-wide values the readers and the sweep
-// share. There is one ProgramState per program run, passed to whatever needs it.
+// What every session reader hands back. A reader is a function of the file's bytes (and, for
+// REAPER's record path, of the project folder on disk): it asks and tells the user nothing and
+// leaves no state behind; the session load shows its message and uses its paths.
 namespace tidewick {
 
-/// The media paths of the session just read, in the order first met, never the same text twice
-/// (letter case counts). The set beside the list keeps the duplicate test constant-time.
+/// The media paths of a session, in the order first met, never the same text twice (letter
+/// case counts). The set beside the list keeps the duplicate test constant-time.
 class MediaPathList {
 public:
     /// Appends `path` unless the list holds it already; returns whether it was appended.
@@ -26,13 +28,11 @@ public:
         paths_.append(path);
         return true;
     }
-    void clear() {
-        paths_.clear();
-        seen_.clear();
-    }
     const QStringList& paths() const { return paths_; }
-    qsizetype size() const { return paths_.size(); }
-    bool isEmpty() const { return paths_.isEmpty(); }
+    QStringList takePaths() {
+        seen_.clear();
+        return std::move(paths_);
+    }
 
 private:
     QStringList paths_;
@@ -64,32 +64,69 @@ struct SesMediaRecord {
     bool operator==(const SesMediaRecord&) const = default;
 };
 
-/// The values that live for the whole run and that several subsystems read and write.
-struct ProgramState {
-    MediaPathList MediaPaths;               ///< written by the text and Vegas readers
-    QList<SesMediaRecord> SesMediaRecords;  ///< written by the binary session reader
-    QString SesVersion;                     ///< version text of the last binary session read
-    QString RecordFolder;          ///< the session's recordings folder (see the session kinds)
-    bool CheckAllFiles = false;    ///< true while every session of the folder is read at once
-    bool TrimFoldersFlag = false;  ///< true while "Ignore Leading Folder names" is checked
-    qint16 ScanFirst = 0;          ///< first session-list index of the next load
-    qint16 ScanLast = -1;          ///< last session-list index of the next load
-};
-
 /// How a read ended.
 enum class ReaderOutcome {
     Read,      ///< the file was read, with or without media
-    Rejected,  ///< the file is not a session of this kind; the reader has said so if it says so
-    Failed,    ///< the file could not be read; the reader has reported it
+    Rejected,  ///< the file is not a session of this kind (or of a version that can be read)
+    Failed,    ///< the file could not be read, or not to its end
 };
 
-/// What a reader works with besides the file.
-struct ReaderContext {
-    ProgramState& state;
-    UserInteraction& ui;
-    const FileSystem& fs;
-    /// The folder that the session-file list shows, where the session lives.
-    QString sessionFolder;
+/// Something a reader has to tell the user; the session load shows it as a message box.
+struct ReaderMessage {
+    QString text;
+    QString title;
+    MessageIcon icon = MessageIcon::Information;
+
+    bool operator==(const ReaderMessage&) const = default;
 };
+
+/// One RECORD_PATH line of a REAPER project, with what the disk said about its value. The
+/// session load folds the lines of every project it reads into the record folder.
+struct RecordPathLine {
+    /// False for a line too short to hold a value (14 characters or fewer).
+    bool hasValue = false;
+    /// The first value: quotes removed, blanks trimmed, separators in the host's form.
+    QString value;
+    /// The value names an existing folder by itself.
+    bool existsAsIs = false;
+    /// The value is an absolute path.
+    bool absolute = false;
+    /// The project folder followed by the value names an existing folder (never for an empty
+    /// value).
+    bool existsInProject = false;
+
+    bool operator==(const RecordPathLine&) const = default;
+};
+
+/// Everything one read of one session file found.
+struct SessionRead {
+    ReaderOutcome outcome = ReaderOutcome::Read;
+    /// The media paths in the order the session names them. Every kind but the binary one
+    /// drops repeats; the binary kind gives one path per record (its trimmed file name).
+    QStringList paths;
+    /// The binary kind's file entries, in file order.
+    QList<SesMediaRecord> records;
+    /// The binary kind's version text, and whether its "vers" chunk was reached at all: a file
+    /// that fails before that point is no session the load can use.
+    QString version;
+    bool versionFound = false;
+    /// REAPER's record path lines, in file order.
+    QList<RecordPathLine> recordPaths;
+    /// What the user is to be told, when anything.
+    std::optional<ReaderMessage> message;
+};
+
+/// Where a session file lives, for the reader that needs to look around it.
+struct SessionPlace {
+    /// The session's folder, with or without a trailing separator.
+    QString folder;
+    /// The disk; only REAPER's record path asks it anything.
+    const FileSystem* fs = nullptr;
+};
+
+/// The "File Error" message for a session file of the kind captioned `kindCaption` ("SES",
+/// "RPP", ...) that could not be read: "An error occurred accessing the selected RPP file.  "
+/// followed by the reason.
+ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason);
 
 }  // namespace tidewick

@@ -27,24 +27,10 @@ bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error
     return true;
 }
 
-ReaderOutcome readSessionFile(const QString& fileName, ReaderContext& context,
-                              const QString& kindCaption,
-                              ReaderOutcome (*readBytes)(QByteArrayView, ReaderContext&)) {
-    QByteArray bytes;
-    QString error;
-    if (!readSessionBytes(fileName, bytes, error)) {
-        context.ui.setBusyPointer(true);
-        reportFileError(context.ui, kindCaption, error);
-        return ReaderOutcome::Failed;
-    }
-    return readBytes(bytes, context);
-}
-
-void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error) {
-    showOk(ui,
-           QStringLiteral("An error occurred accessing the selected ") + kindCaption +
-               QStringLiteral(" file.  ") + error,
-           QStringLiteral("File Error"), MessageIcon::Critical);
+ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason) {
+    return {QStringLiteral("An error occurred accessing the selected ") + kindCaption +
+                QStringLiteral(" file.  ") + reason,
+            QStringLiteral("File Error"), MessageIcon::Critical};
 }
 
 qsizetype LineReader::nextOf(char c, qsizetype& cached) const {

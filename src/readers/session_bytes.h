@@ -13,16 +13,6 @@ namespace tidewick {
 /// Reads the whole file in one go. On failure returns false with a description in `error`.
 bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error);
 
-/// Reads the file and hands its bytes to `readBytes`; a file that cannot be read is reported
-/// with the "File Error" box (under the busy pointer, as a reader shows it) and fails.
-ReaderOutcome readSessionFile(const QString& fileName, ReaderContext& context,
-                              const QString& kindCaption,
-                              ReaderOutcome (*readBytes)(QByteArrayView, ReaderContext&));
-
-/// Shows the "File Error" box that reports a session file that could not be read.
-/// `kindCaption` names the kind as its tab does ("SES", "RPP", ...).
-void reportFileError(UserInteraction& ui, const QString& kindCaption, const QString& error);
-
 /// Reads the 32-bit signed little-endian number at `pos`; false when it lies outside `bytes`.
 inline bool readI32LE(QByteArrayView bytes, qint64 pos, qint32& value) {
     if (pos < 0 || pos > bytes.size() - 4) {

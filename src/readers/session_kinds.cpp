@@ -1,11 +1,14 @@
 #include "readers/session_kinds.h"
 
+#include <exception>
+
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "readers/import_ses.h"
 #include "readers/import_sesx.h"
 #include "readers/import_veg.h"
 #include "readers/import_xml.h"
+#include "readers/session_bytes.h"
 
 namespace tidewick {
 
@@ -14,23 +17,23 @@ const QList<SessionKind>& sessionKinds() {
         {SessionKindId::Ses, 1, QStringLiteral("SES"), QStringLiteral("SESFiles"),
          QStringLiteral("Audition/CEP Session Files"), QStringLiteral("*.ses"),
          QStringLiteral("Check All &SES files"), QStringLiteral("&Keep Used PK Files"),
-         QStringLiteral("pk"), &ImportSesSession, "ImportSesFile"},
+         QStringLiteral("pk"), &readSesSession},
         {SessionKindId::Sesx, 2, QStringLiteral("SESX"), QStringLiteral("SESXFiles"),
          QStringLiteral("Audition CS5.5 Session Files"), QStringLiteral("*.sesx"),
          QStringLiteral("Check All &SESX files"), QStringLiteral("&Keep Used PKF Files"),
-         QStringLiteral("pkf"), &ImportSesxFile, "ImportSesxFile"},
+         QStringLiteral("pkf"), &readSesxSession},
         {SessionKindId::Xml, 3, QStringLiteral("XML"), QStringLiteral("XMLFiles"),
          QStringLiteral("Audition v3 XML Session Files"), QStringLiteral("*.xml"),
          QStringLiteral("Check All &XML files"), QStringLiteral("&Keep Used PK Files"),
-         QStringLiteral("pk"), &ImportXmlFile, "ImportXmlFile"},
+         QStringLiteral("pk"), &readXmlSession},
         {SessionKindId::Rpp, 4, QStringLiteral("RPP"), QStringLiteral("RPPFiles"),
          QStringLiteral("Reaper Session Files"), QStringLiteral("*.rpp"),
          QStringLiteral("Check All &RPP files"), QStringLiteral("&Keep Used Reapeaks Files"),
-         QStringLiteral("reapeaks"), &ImportRppFile, "ImportRppFile"},
+         QStringLiteral("reapeaks"), &readRppSession},
         {SessionKindId::Veg, 5, QStringLiteral("VEG"), QStringLiteral("VEGFiles"),
          QStringLiteral("Vegas Session Files"), QStringLiteral("*.veg"),
          QStringLiteral("Check All &VEG files"), QStringLiteral("&Keep Used sfk Files"),
-         QStringLiteral("sfk"), &ImportVegFile, "ImportVegFile"},
+         QStringLiteral("sfk"), &readVegSession},
     };
     return kinds;
 }
@@ -63,16 +66,37 @@ const SessionKind& sessionKind(SessionKindId id) {
     Q_UNREACHABLE();
 }
 
-QStringList readerMediaPaths(const SessionKind& kind, const ProgramState& state) {
-    if (kind.id != SessionKindId::Ses) {
-        return state.MediaPaths.paths();
+const SessionKind* sessionKindByCaption(const QString& caption) {
+    for (const SessionKind& kind : sessionKinds()) {
+        if (kind.tabCaption.compare(caption, Qt::CaseInsensitive) == 0) {
+            return &kind;
+        }
     }
-    QStringList paths;
-    paths.reserve(state.SesMediaRecords.size());
-    for (const SesMediaRecord& record : state.SesMediaRecords) {
-        paths.append(trimBlanks(record.FileName));
+    return nullptr;
+}
+
+SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
+                            const SessionPlace& place) {
+    const auto failed = [&kind](const QString& reason) {
+        SessionRead read;
+        read.outcome = ReaderOutcome::Failed;
+        read.message = fileErrorMessage(kind.tabCaption, reason);
+        return read;
+    };
+    // A fault while reading, such as a file too large for the memory left, ends this read with
+    // the "File Error" message, never the program.
+    try {
+        QByteArray bytes;
+        QString error;
+        if (!readSessionBytes(fileName, bytes, error)) {
+            return failed(error);
+        }
+        return kind.reader(bytes, place);
+    } catch (const std::exception& error) {
+        return failed(QString::fromLocal8Bit(error.what()));
+    } catch (...) {
+        return failed(QStringLiteral("Unknown error"));
     }
-    return paths;
 }
 
 }  // namespace tidewick

@@ -11,9 +11,8 @@ namespace tidewick {
 
 enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
 
-/// Reads one session file of a kind: the binary reader leaves SesMediaRecords, the others
-/// MediaPaths.
-using SessionReader = ReaderOutcome (*)(const QString& fileName, ReaderContext& context);
+/// Reads the bytes of one session file of a kind.
+using SessionReader = SessionRead (*)(QByteArrayView bytes, const SessionPlace& place);
 
 struct SessionKind {
     SessionKindId id;
@@ -25,8 +24,7 @@ struct SessionKind {
     QString scanAllCaption;    ///< caption of ScanAll, "&" before the access key
     QString keepPeaksCaption;  ///< caption of KeepPKCheck
     QString peakExtension;     ///< "pk", lower case, without the dot
-    SessionReader reader;      ///< reads one file of this kind
-    const char* readerName;    ///< the reader routine, for messages and the command line
+    SessionReader reader;      ///< reads the bytes of one file of this kind
 };
 
 /// All five kinds, in tab order.
@@ -42,8 +40,13 @@ const SessionKind* sessionKindForFile(const QString& fileName);
 /// The kind with the given id.
 const SessionKind& sessionKind(SessionKindId id);
 
-/// The media paths that the last read of `kind` left: the trimmed file names of the binary
-/// session's records, or MediaPaths.
-QStringList readerMediaPaths(const SessionKind& kind, const ProgramState& state);
+/// The kind whose tab caption is `caption`, ignoring case ("ses", "RPP"); nullptr for none.
+const SessionKind* sessionKindByCaption(const QString& caption);
+
+/// Reads the session file `fileName` with the reader of `kind`: one read of the whole file,
+/// then the reader over its bytes. A file that cannot be read fails with the "File Error"
+/// message.
+SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
+                            const SessionPlace& place);
 
 }  // namespace tidewick

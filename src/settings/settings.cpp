@@ -67,7 +67,7 @@ void StoredSettings::LoadSettings(MainForm& form) {
     const int left = readPosition(store_, QStringLiteral("Left"));
     form.Main.setGeometry(QRect(left, top, window.width(), window.height()));
 
-    form.state.TrimFoldersFlag = readFlag(store_, QStringLiteral("TrimFolders"));
+    form.TrimFoldersFlag = readFlag(store_, QStringLiteral("TrimFolders"));
     form.KeepPKCheck.setChecked(readCheckState(store_, QStringLiteral("KeepPKFiles")));
 
     // All three are read before any is checked, as the store lists them.
@@ -84,7 +84,7 @@ void StoredSettings::LoadSettings(MainForm& form) {
     }
     form.pointBrowserAt(form.LastFolder);
 
-    form.state.CheckAllFiles = readFlag(store_, QStringLiteral("CheckAllFiles"));
+    form.CheckAllFiles = readFlag(store_, QStringLiteral("CheckAllFiles"));
 
     for (int position = 1;; ++position) {
         const QString entry = store_.GetSetting(kExcluded, exclusionKey(position), QString());
@@ -121,12 +121,12 @@ void StoredSettings::SaveSettings(MainForm& form) {
     QList<Value> values = {
         {kWindow, QStringLiteral("Top"), QString::number(window.top())},
         {kWindow, QStringLiteral("Left"), QString::number(window.left())},
-        {kSettings, QStringLiteral("TrimFolders"), flagText(form.state.TrimFoldersFlag)},
+        {kSettings, QStringLiteral("TrimFolders"), flagText(form.TrimFoldersFlag)},
         {kSettings, QStringLiteral("KeepPKFiles"), flagText(form.KeepPKCheck.checked())},
         {kPaths, QStringLiteral("LastFolder"), form.LastFolder},
         {kPaths, QStringLiteral("MoveFolder"), form.MoveFolder},
         {kPaths, QStringLiteral("CopyFolder"), form.CopyFolder},
-        {kSettings, QStringLiteral("CheckAllFiles"), flagText(form.state.CheckAllFiles)},
+        {kSettings, QStringLiteral("CheckAllFiles"), flagText(form.CheckAllFiles)},
     };
     for (int position = 1; position <= form.ExcludedFiles.size(); ++position) {
         values.append({kExcluded, exclusionKey(position), form.ExcludedFiles.at(position - 1)});
@@ -151,8 +151,14 @@ void StoredSettings::SaveSettings(MainForm& form) {
     // What was written before a refusal stays; a store that takes its writes in one go can
     // refuse them only here.
     if (!store_.flush() || !saved) {
+        // The store is the registry only on Windows; elsewhere it is a file, named as it is.
+#ifdef Q_OS_WIN
+        const QString store = QStringLiteral("the Windows Registry");
+#else
+        const QString store = QStringLiteral("the settings file ") + store_.location();
+#endif
         showOk(form.ui(),
-               QStringLiteral("Access to the Windows Registry failed and the current ") +
+               QStringLiteral("Access to ") + store + QStringLiteral(" failed and the current ") +
                    programName() + QStringLiteral(" settings could not be saved."),
                QStringLiteral("For Information..."), MessageIcon::Information);
     }

@@ -21,6 +21,8 @@ public:
     virtual bool DeleteSetting(const QString& section) = 0;
     /// Makes every change so far permanent; false when the store refused them.
     virtual bool flush() { return true; }
+    /// Where the store lives, as the user would look for it.
+    virtual QString location() const { return {}; }
 };
 
 /// The store over QSettings, a section being a group.
@@ -41,6 +43,7 @@ public:
 
     /// Where the store lives.
     QString fileName() const { return settings_->fileName(); }
+    QString location() const override { return fileName(); }
 
 private:
     std::unique_ptr<QSettings> settings_;

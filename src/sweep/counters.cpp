@@ -2,7 +2,8 @@
 
 #include "platform/path_text.h"
 #include "sweep/main_form.h"
-#include "sweep/sweep_index.h"
+#include "sweep/size_cache.h"
+#include "sweep/sweep.h"
 
 // The counts in the list frames' captions and the sizes on the information line.
 namespace tidewick {
@@ -28,36 +29,51 @@ QString bytesAndMegabytes(const QLocale& locale, qint64 bytes) {
 
 }  // namespace
 
+QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
+                      const QString& sessionName, bool stopped) {
+    if (stopped) {
+        // The other files of a session read only in part are not listed; the caption says why.
+        return QStringLiteral("Reading stopped: ") +
+               usedFrameText(lineCount, noMedia, wholeFolder, sessionName);
+    }
+    if (lineCount == 0) {
+        return kUsedFrameCaption;
+    }
+    if (noMedia) {
+        return QStringLiteral("0 ") + kUsedFrameCaption;
+    }
+    const QString counted = QString::number(lineCount) + QLatin1Char(' ') + kUsedFrameCaption;
+    if (wholeFolder) {
+        // Names SES files whatever the session kind.
+        return QStringLiteral(" Multiple SES files: ") + counted;
+    }
+    return sessionName + QStringLiteral(": ") + counted;
+}
+
+QString unusedFrameText(qsizetype checked, qsizetype listed) {
+    if (listed == 0) {
+        return kUnusedFrameCaption;
+    }
+    return kUnusedFrameCaption + QStringLiteral(" - [") + QString::number(checked) +
+           QLatin1Char('/') + QString::number(listed) + QLatin1Char(']');
+}
+
+QString sizesText(qint64 listed, qint64 checked) {
+    const QLocale locale = numberLocale();
+    return QStringLiteral("Listed Other Files: ") + bytesAndMegabytes(locale, listed) +
+           QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(locale, checked);
+}
+
 void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);
-
-    QString usedCaption;
-    if (UsedFiles.count() == 0) {
-        usedCaption = UsedFrameCaption;
-    } else if (UsedFiles.text(0) == NoMediaText) {
-        usedCaption = QStringLiteral("0 ") + UsedFrameCaption;
-    } else if (state.CheckAllFiles) {
-        // Names SES files whatever the session kind.
-        usedCaption = QStringLiteral(" Multiple SES files: ") + QString::number(UsedFiles.count()) +
-                      QLatin1Char(' ') + UsedFrameCaption;
-    } else {
-        usedCaption = SESFile.items().value(SESFile.listIndex()) + QStringLiteral(": ") +
-                      QString::number(UsedFiles.count()) + QLatin1Char(' ') + UsedFrameCaption;
+    const bool noMedia = UsedFiles.count() > 0 && UsedFiles.text(0) == NoMediaText;
+    UsedFrame.setText(usedFrameText(UsedFiles.count(), noMedia, CheckAllFiles,
+                                    SESFile.items().value(SESFile.listIndex()), loadStopped_));
+    int checked = 0;
+    for (int row = 0; row < UnusedFiles.count(); ++row) {
+        checked += UnusedFiles.isChecked(row) ? 1 : 0;
     }
-    UsedFrame.setText(usedCaption);
-
-    if (UnusedFiles.count() > 0) {
-        int checked = 0;
-        for (int row = 0; row < UnusedFiles.count(); ++row) {
-            checked += UnusedFiles.isChecked(row) ? 1 : 0;
-        }
-        UnusedFrame.setText(UnusedFrameCaption + QStringLiteral(" - [") + QString::number(checked) +
-                            QLatin1Char('/') + QString::number(UnusedFiles.count()) +
-                            QLatin1Char(']'));
-    } else {
-        UnusedFrame.setText(UnusedFrameCaption);
-    }
-
+    UnusedFrame.setText(unusedFrameText(checked, UnusedFiles.count()));
     UpdateSizes();
     ui().setBusyPointer(false);
 }
@@ -66,13 +82,8 @@ void MainForm::UpdateSizes() {
     // Each line's size comes from the listing that added it (or from the disk, once, for a line
     // added otherwise), so a change of check mark adds up cached numbers instead of asking the
     // disk about every listed file; UnusedFiles_ItemCheck reads the changed file again.
-    QString sessionFolder = SESDir.text();
-    AddBackslash(sessionFolder);
-    const SweepIndex::Totals totals = sweepIndex_->totals(sessionFolder);
-    const QLocale locale = numberLocale();
-    InfoLabel.setText(
-        QStringLiteral("Listed Other Files: ") + bytesAndMegabytes(locale, totals.listed) +
-        QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(locale, totals.checked));
+    const SizeCache::Totals totals = sizeCache_->totals(withSeparator(SESDir.text()));
+    InfoLabel.setText(sizesText(totals.listed, totals.checked));
 }
 
 void MainForm::UnusedFiles_Click() {
@@ -82,7 +93,7 @@ void MainForm::UnusedFiles_Click() {
 void MainForm::UnusedFiles_ItemCheck(int item) {
     // The file whose mark changed is looked at again: one that has vanished since the list was
     // filled counts 0 from now on.
-    sweepIndex_->forgetSize(item);
+    sizeCache_->forgetSize(item);
     UpdateSizes();
 }
 

@@ -5,6 +5,7 @@
 
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
+#include "sweep/size_cache.h"
 
 namespace tidewick {
 
@@ -45,7 +46,6 @@ constexpr ControlPlace kLayout[] = {
     {"SubFolderName", K::TextBox, "UnusedFrame", 2160, 270, 6975, 345, "", ""},
     {"SubFolderButton", K::PictureButton, "UnusedFrame", 9180, 270, 375, 345, "", "Select Folder"},
     {"UnusedFiles", K::CheckList, "UnusedFrame", 90, 690, 9525, 2535, "", ""},
-    {"DummyFileList", K::FileList, "UnusedFrame", 6690, 780, 1965, 2235, "", ""},
     {"Frame2", K::Frame, "UnusedFrame", 90, 3420, 4400, 795, "File Types", ""},
     {"FileTypesCombo", K::ComboBox, "Frame2", 120, 300, 1845, 315, "", ""},
     {"KeepPKCheck", K::CheckBox, "Frame2", 2000, 150, 2350, 255, "&Keep Used PK Files",
@@ -113,7 +113,6 @@ MainForm::MainForm(UserInteraction& ui, FormSettings* settings)
       SubFolderName(named(u"SubFolderName")),
       SubFolderButton(named(u"SubFolderButton")),
       UnusedFilesBox(named(u"UnusedFiles")),
-      DummyFileList(named(u"DummyFileList")),
       Frame2(named(u"Frame2")),
       FileTypesCombo(named(u"FileTypesCombo")),
       KeepPKCheck(named(u"KeepPKCheck")),
@@ -130,8 +129,6 @@ MainForm::MainForm(UserInteraction& ui, FormSettings* settings)
       mnuWindowCentre(named(u"mnuWindowCentre")),
       mnuHelpAbout(named(u"mnuHelpAbout")),
       mnuHelpDonate(named(u"mnuHelpDonate")) {
-    DummyFileList.setVisible(false);
-
     QStringList tabCaptions;
     for (const SessionKind& kind : sessionKinds()) {
         tabCaptions.append(kind.tabCaption);
@@ -144,6 +141,7 @@ MainForm::MainForm(UserInteraction& ui, FormSettings* settings)
         refreshSessionFiles();
         SESFile_PathChange();
     });
+    sizeCache_ = std::make_shared<SizeCache>(UnusedFiles, FSO);
     connectEvents();
 }
 
@@ -253,29 +251,22 @@ void MainForm::setSessionFilePattern(const QString& pattern) {
 }
 
 void MainForm::refreshSessionFiles() {
-    QStringList files;
-    if (!SESFile.text().isEmpty()) {
-        const QDir folder(SESFile.text());
-        files = folder.entryList({sessionFilePattern_}, QDir::Files | QDir::Hidden | QDir::System,
-                                 QDir::Name | QDir::IgnoreCase);
-    }
-    SESFile.setItems(files);  // no file is selected afterwards
+    SESFile.setItems(sessionFiles(SESFile.text(), sessionFilePattern_));  // nothing selected
 }
 
 // Window events and commands.
 
 void MainForm::Form_Load() {
     // FSO, the one file-system object, lives as long as the window.
-    state.CheckAllFiles = false;
+    CheckAllFiles = false;
     Main.setText(versionCaption(programName(), TIDEWICK_VERSION_MAJOR, TIDEWICK_VERSION_MINOR,
                                 TIDEWICK_VERSION_PATCH));
     WebPage = QStringLiteral(TIDEWICK_WEB_PAGE);
     Main.setGeometry(QRect(Main.geometry().topLeft(), QSize(WindowWidth, WindowHeight)));
 
-    UsedFrameCaption =
-        QStringLiteral("Media File(s) Used  (NB: Files with a check mark exist on Disk)");
-    UnusedFrameCaption = QStringLiteral("Files to be Moved");
-    NoMediaText = QStringLiteral("<no media files found>");
+    UsedFrameCaption = kUsedFrameCaption;
+    UnusedFrameCaption = kUnusedFrameCaption;
+    NoMediaText = kNoMediaText;
 
     FileTypesCombo.setItems({});
     SetFileTypeArrays();
@@ -288,8 +279,8 @@ void MainForm::Form_Load() {
         settings_->LoadSettings(*this);
     }
 
-    IgnoreFoldersCheck.setChecked(state.TrimFoldersFlag);
-    ScanAll.setChecked(state.CheckAllFiles);
+    IgnoreFoldersCheck.setChecked(TrimFoldersFlag);
+    ScanAll.setChecked(CheckAllFiles);
 
     // The active tab's pattern, captions, recordings folder and sub-folder row are what its
     // switch gives them. The settings run the switch only when they change the tab, so a

@@ -9,13 +9,13 @@
 
 #include "platform/file_system.h"
 #include "platform/interaction.h"
-#include "readers/reader_contract.h"
 #include "sweep/check_list_model.h"
 #include "sweep/control.h"
+#include "sweep/sweep.h"
 
-// The main window without widgets: every control's data, the program-wide values and the
-// handlers of its events. The Qt window shows this data and forwards the user's actions here;
-// tests drive it directly.
+// The main window without widgets: every control's data, the values the window keeps and the
+// handlers of its events; the sweep itself is the core of sweep.h, fed from the controls. The Qt
+// window shows this data and forwards the user's actions here; tests drive it directly.
 namespace tidewick {
 
 class MainForm;
@@ -88,7 +88,6 @@ public:
     Control& SubFolderName;
     Control& SubFolderButton;
     Control& UnusedFilesBox;
-    Control& DummyFileList;
     Control& Frame2;
     Control& FileTypesCombo;
     Control& KeepPKCheck;
@@ -113,9 +112,14 @@ public:
     CheckListModel UsedFiles;
     CheckListModel UnusedFiles;
 
-    // Program-wide values.
+    // The values the window keeps.
     FileSystem FSO;
-    ProgramState state;
+    /// The session's recordings folder (see the session kinds); kept by TrimFolders.
+    QString RecordFolder;
+    /// True while every session of the folder is read at once ("Check All ... files").
+    bool CheckAllFiles = false;
+    /// True while "Ignore Leading Folder names" is checked.
+    bool TrimFoldersFlag = false;
     QString WebPage;
     QString UsedFrameCaption;
     QString UnusedFrameCaption;
@@ -176,7 +180,6 @@ public:
     void IgnoreFoldersCheck_Click();
     void SetScanParams();
     void UsedFiles_ItemCheck(int item);
-    void UsedFiles_MouseMove(int button, int shift, float x, float y);
     void CopyFilesButton_Click();
     void KeepPKCheck_Click();
     void ExcludedCheck_Click();
@@ -184,21 +187,18 @@ public:
     void UnusedFiles_Click();
     void UnusedFiles_ItemCheck(int item);
     void UnusedFiles_DblClick();
-    void UnusedFiles_MouseMove(int button, int shift, float x, float y);
     void SubFolderCheck_Click();
     void SubFolderButton_Click();
     void SubFolderName_GotFocus();
     void MoveButton_Click();
+    /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
-    /// Appends to UnusedFiles the files of `mpath` + `sFolder` matching `extn` that no scanned
-    /// session uses, leaving out names matching `sesFileToIgnore`.
-    void FillUnused(QString& mpath, QString& sFolder, QString& extn, QString& sesFileToIgnore);
-    // The other-files list's own helpers and events.
-    /// Hash sets over UsedFiles and the size of each line of UnusedFiles, kept in step with
-    /// both lists, so that FillUnused and UpdateSizes never scan a list per file.
-    class SweepIndex;
-    std::shared_ptr<SweepIndex> makeSweepIndex();
-    std::shared_ptr<SweepIndex> sweepIndex_ = makeSweepIndex();
+    /// The controls as a sweep request, and the window's answers to what a sweep reports.
+    SweepRequest sweepRequest() const;
+    SweepEvents sweepEvents();
+    /// The size of each line of UnusedFiles, kept in step with the list.
+    class SizeCache;
+    std::shared_ptr<SizeCache> sizeCache_;
 
 Q_SIGNALS:
     /// ExcludedCheck was checked: the exclusion-list editor is to be shown, modal.
@@ -238,7 +238,14 @@ private:
     LoadGuard load_;
 
     void runSessionLoad();
-    void noteBrowserChange() { ++load_.browserChanges; }
+    /// The last load stopped at a read failure; the used frame's caption says so.
+    bool loadStopped_ = false;
+    /// Fills UnusedFiles with `files`.
+    void showOtherFiles(const QList<OtherFile>& files);
+    void noteBrowserChange() {
+        ++load_.browserChanges;
+        loadStopped_ = false;
+    }
     /// Points the session-file list at `folder` and lists it afresh.
     void showSessionFolder(const QString& folder);
 

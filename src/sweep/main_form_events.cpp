@@ -4,25 +4,11 @@
 // is wired to its control; until its behaviour is built it leaves everything as it is.
 namespace tidewick {
 
-void MainForm::UsedFiles_MouseMove(int button, int shift, float x, float y) {
-    Q_UNUSED(button);
-    Q_UNUSED(shift);
-    Q_UNUSED(x);
-    Q_UNUSED(y);
-}
-
 void MainForm::CopyFilesButton_Click() {}
 void MainForm::SelectButton_Click(int index) {
     Q_UNUSED(index);
 }
 void MainForm::UnusedFiles_DblClick() {}
-
-void MainForm::UnusedFiles_MouseMove(int button, int shift, float x, float y) {
-    Q_UNUSED(button);
-    Q_UNUSED(shift);
-    Q_UNUSED(x);
-    Q_UNUSED(y);
-}
 
 void MainForm::SubFolderCheck_Click() {}
 void MainForm::SubFolderButton_Click() {}

@@ -118,12 +118,12 @@ void MainForm::FileTypeTab_Click() {
         KeepPKCheck.setText(kind->keepPeaksCaption);
         if (kind->id == SessionKindId::Rpp || kind->id == SessionKindId::Veg) {
             ActivateSubFolderControls(true);
-            state.RecordFolder = shownFolder;
+            RecordFolder = shownFolder;
         } else {
-            state.RecordFolder = QStringLiteral("_Recorded");
+            RecordFolder = QStringLiteral("_Recorded");
             ActivateSubFolderControls(false);
         }
-        SubFolderName.setText(state.RecordFolder);
+        SubFolderName.setText(RecordFolder);
     }
     refreshSessionFiles();
     // Nothing is loaded, so nothing of the previous kind's session may still show.
@@ -151,7 +151,7 @@ void MainForm::ActivateSubFolderControls(bool active) {
 
 void MainForm::ScanAll_Click() {
     if (selectedTabKey() == QLatin1String("RPPFiles")) {
-        state.RecordFolder.clear();
+        RecordFolder.clear();
     }
     SetScanParams();
     if (SESFile.listIndex() >= 0) {
@@ -160,21 +160,12 @@ void MainForm::ScanAll_Click() {
 }
 
 void MainForm::SetScanParams() {
-    if (ScanAll.checked()) {
-        // Session indexes are 16-bit: a folder of more session files reads the first 32767.
-        const qsizetype count =
-            qMin<qsizetype>(SESFile.items().size(), std::numeric_limits<qint16>::max());
-        state.CheckAllFiles = true;
-        state.ScanFirst = 0;
-        state.ScanLast = static_cast<qint16>(count - 1);
-    } else {
-        state.CheckAllFiles = false;
-        state.ScanFirst = state.ScanLast = static_cast<qint16>(SESFile.listIndex());
-    }
+    // The sessions a load reads follow from this and the selection (scanRange).
+    CheckAllFiles = ScanAll.checked();
 }
 
 void MainForm::IgnoreFoldersCheck_Click() {
-    state.TrimFoldersFlag = IgnoreFoldersCheck.checked();
+    TrimFoldersFlag = IgnoreFoldersCheck.checked();
     if (SESFile.listIndex() >= 0) {
         SESFile_Click();
     }

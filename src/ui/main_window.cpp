@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QStringListModel>
 #include <QTabBar>
 #include <QToolButton>
@@ -29,20 +30,6 @@
 namespace tidewick {
 
 namespace {
-
-// The shift state as the key and mouse handlers take it: 1 Shift, 2 Ctrl, 4 Alt.
-int shiftState(Qt::KeyboardModifiers modifiers) {
-    return (modifiers.testFlag(Qt::ShiftModifier) ? 1 : 0) |
-           (modifiers.testFlag(Qt::ControlModifier) ? 2 : 0) |
-           (modifiers.testFlag(Qt::AltModifier) ? 4 : 0);
-}
-
-// The mouse buttons held: 1 left, 2 right, 4 middle.
-int buttonState(Qt::MouseButtons buttons) {
-    return (buttons.testFlag(Qt::LeftButton) ? 1 : 0) |
-           (buttons.testFlag(Qt::RightButton) ? 2 : 0) |
-           (buttons.testFlag(Qt::MiddleButton) ? 4 : 0);
-}
 
 void setItemsIfChanged(QComboBox* combo, const QStringList& items) {
     QStringList shown;
@@ -119,11 +106,18 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
     connect(&form_, &MainForm::webPageRequested, this,
             [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
-    qApp->installEventFilter(this);
+    // Escape closes the window from whichever control has the focus.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this,
+            [this] { form_.Form_KeyDown(MainForm::EscapeKey, 0); });
+    if (QObject* subFolderName = objects_.value(QStringLiteral("SubFolderName"))) {
+        subFolderName->installEventFilter(this);
+    }
 }
 
 MainWindow::~MainWindow() {
-    qApp->removeEventFilter(this);
+    // The folder model asks its icon provider for icons until it goes, so it goes first.
+    delete folders_;
 }
 
 void MainWindow::load() {
@@ -410,42 +404,9 @@ void MainWindow::syncWindow() {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    auto* widget = qobject_cast<QWidget*>(watched);
-    if (!widget || widget->window() != this) {
-        return QMainWindow::eventFilter(watched, event);
-    }
-    switch (event->type()) {
-        case QEvent::KeyPress: {
-            // The window sees keys before its controls; of these it handles only Escape.
-            auto* key = static_cast<QKeyEvent*>(event);
-            if (key->key() == Qt::Key_Escape &&
-                form_.Form_KeyDown(MainForm::EscapeKey, shiftState(key->modifiers()))) {
-                return true;
-            }
-            break;
-        }
-        case QEvent::FocusIn:
-            if (watched == objects_.value(QStringLiteral("SubFolderName"))) {
-                form_.SubFolderName_GotFocus();
-            }
-            break;
-        case QEvent::MouseMove: {
-            auto* mouse = static_cast<QMouseEvent*>(event);
-            const float x = static_cast<float>(mouse->position().x() * TwipsPerPixel);
-            const float y = static_cast<float>(mouse->position().y() * TwipsPerPixel);
-            const int buttons = buttonState(mouse->buttons());
-            const int shift = shiftState(mouse->modifiers());
-            auto* used = qobject_cast<QListView*>(objects_.value(QStringLiteral("UsedFiles")));
-            auto* unused = qobject_cast<QListView*>(objects_.value(QStringLiteral("UnusedFiles")));
-            if (used && watched == used->viewport()) {
-                form_.UsedFiles_MouseMove(buttons, shift, x, y);
-            } else if (unused && watched == unused->viewport()) {
-                form_.UnusedFiles_MouseMove(buttons, shift, x, y);
-            }
-            break;
-        }
-        default:
-            break;
+    if (event->type() == QEvent::FocusIn &&
+        watched == objects_.value(QStringLiteral("SubFolderName"))) {
+        form_.SubFolderName_GotFocus();
     }
     return QMainWindow::eventFilter(watched, event);
 }

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFileInfo>
+
 #include "app/cli/cli.h"
+#include "platform/path_text.h"
 #include "support/reader_fixture.h"
 #include "support/ses_writer.h"
 
@@ -57,6 +61,16 @@ TEST_F(CliMedia, VerboseAddsTheVersionOnTheErrorStream) {
     const CliRun run = runCli({"media", "--verbose", f.write("song.ses", session)});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.err, "version: Audition 3.0\n");
+}
+
+TEST_F(CliMedia, VerboseNamesTheRecordFolderThatAProjectLoadWouldSet) {
+    ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media"));
+    const QString project =
+        f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n");
+    const CliRun run = runCli({"media", "--verbose", project});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.err,
+              "record folder: " + QFileInfo(project).absolutePath() + hostSeparator() + "Media\n");
 }
 
 TEST_F(CliMedia, ExitCodesTellUsageFromReaderFailures) {

@@ -9,19 +9,29 @@
 #include "readers/import_rpp.h"
 #include "support/reader_fixture.h"
 
-// Failures show paths as text rather than as code units.
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
+namespace tidewick {
+
+void PrintTo(const RecordPathLine& line, std::ostream* out) {
+    *out << (line.hasValue ? '"' + line.value.toStdString() + '"' : "(no value)")
+         << (line.existsAsIs ? " exists" : "") << (line.absolute ? " absolute" : "")
+         << (line.existsInProject ? " in-project" : "");
 }
 
-namespace tidewick {
 namespace {
+
+using test::kByName;
+using test::texts;
 
 using test::ReaderFixture;
 
-// Texts split at "|", each with "/" turned into the host's separator.
+// A path with each "/" turned into the host's separator.
+QString host(QString path) {
+    return path.replace(u'/', hostSeparator());
+}
+
+// Paths split at "|", each in the host's form.
 QStringList hostPaths(const char* list) {
-    QStringList out = QString::fromUtf8(list).split(u'|', Qt::SkipEmptyParts);
+    QStringList out = texts(list);
     for (QString& path : out) {
         path.replace(u'/', hostSeparator());
     }
@@ -29,19 +39,14 @@ QStringList hostPaths(const char* list) {
 }
 
 // The header, the line after it (which the reader passes over), then `body`, "|" ending a line.
-QByteArray rpp(const char* body, const char* lineEnd = "\r\n") {
-    QByteArray bytes = "<REAPER_PROJECT 0.1|  RIPPLE 0 0|" + QByteArray(body) + "|";
+QByteArray rpp(const QByteArray& body, const char* lineEnd = "\r\n") {
+    QByteArray bytes = "<REAPER_PROJECT 0.1|  RIPPLE 0 0|" + body + "|";
     return bytes.replace("|", lineEnd);
 }
 
-template <typename Param>
-class RppTest : public ::testing::TestWithParam<Param> {
-protected:
-    ReaderOutcome read(const QByteArray& bytes) { return ImportRppBytes(bytes, f.context); }
-    ReaderFixture f;
-};
-
-const auto kByName = [](const auto& info) { return std::string(info.param.name); };
+SessionRead read(QByteArrayView bytes) {
+    return readRppSession(bytes, {});
+}
 
 struct RejectCase {
     const char* name;
@@ -49,21 +54,16 @@ struct RejectCase {
     QString quotedLine;
 };
 
-using RppRejection = RppTest<RejectCase>;
+class RppRejection : public ::testing::TestWithParam<RejectCase> {};
 
 TEST_P(RppRejection, NamesTheFirstNonBlankLineAndReadsNothing) {
-    f.state.RecordFolder = QStringLiteral("kept");
-    EXPECT_EQ(read(GetParam().bytes), ReaderOutcome::Rejected);
-    ASSERT_EQ(f.ui.messages.size(), 1);
-    const MessageBoxRequest& box = f.ui.messages.front();
-    EXPECT_EQ(box.text,
-              "This is not a properly formated Reaper Project file\n" + GetParam().quotedLine);
-    EXPECT_EQ(box.title, QStringLiteral("Processing RPP File"));
-    EXPECT_EQ(box.icon, MessageIcon::Critical);
-    EXPECT_EQ(box.buttons, MessageButtons::Ok);
-    EXPECT_EQ(f.ui.pointerChanges, (QList<bool>{true, false})) << "default pointer before the box";
-    EXPECT_TRUE(f.state.MediaPaths.isEmpty());
-    EXPECT_EQ(f.state.RecordFolder, QStringLiteral("kept"));
+    const SessionRead r = read(GetParam().bytes);
+    EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
+    EXPECT_EQ(r.message, (ReaderMessage{"This is not a properly formated Reaper Project file\n" +
+                                            GetParam().quotedLine,
+                                        "Processing RPP File", MessageIcon::Critical}));
+    EXPECT_TRUE(r.paths.isEmpty());
+    EXPECT_TRUE(r.recordPaths.isEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -71,7 +71,10 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         RejectCase{"EmptyFile", "", QString()},
         RejectCase{"HeaderInOtherCase", "<reaper_project 0.1\r\n", "<reaper_project 0.1"},
-        RejectCase{"HeaderAfterOtherLine", "\r\n  junk\t\r\n<REAPER_PROJECT\r\n", "junk"},
+        RejectCase{"HeaderAfterOtherLine",
+                   "\r\n  junk\t\r\n<REAPER_PROJECT\r\nRECORD_PATH \"\" \"\"\r\n<SOURCE "
+                   "WAVE\r\nFILE \"a\"",
+                   "junk"},
         RejectCase{"TabsInsideBecomeBlanks", "\t<REAPER\tPROJECT\t\n", "<REAPER PROJECT"},
         RejectCase{"LongLineIsCut", QByteArray(5000, 'x'), QString(1024, u'x')}),
     kByName);
@@ -82,13 +85,13 @@ struct SourceCase {
     const char* expected;
 };
 
-using RppSources = RppTest<SourceCase>;
+class RppSources : public ::testing::TestWithParam<SourceCase> {};
 
 TEST_P(RppSources, YieldTheQuotedFile) {
-    EXPECT_EQ(read(GetParam().bytes), ReaderOutcome::Read);
-    EXPECT_EQ(f.state.MediaPaths.paths(), hostPaths(GetParam().expected));
-    EXPECT_TRUE(f.ui.messages.isEmpty());
-    EXPECT_EQ(f.ui.pointerChanges, QList<bool>{true}) << "the caller restores the pointer";
+    const SessionRead r = read(GetParam().bytes);
+    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
+    EXPECT_EQ(r.paths, hostPaths(GetParam().expected));
+    EXPECT_FALSE(r.message);
 }
 
 const char* const kTwo = "<SOURCE WAVE|FILE \"Audio\\take 1.wav\"|<SOURCE MIDI|FILE \"b.mid\" 0";
@@ -146,72 +149,72 @@ INSTANTIATE_TEST_SUITE_P(
                    "/\xD0\x92 \xD0\xBD.mp3|Caf\xC3\xA9"}),
     kByName);
 
-// "{pf}" is the project folder with its separator, "{dir}" the same without it, "{abs}" an
-// existing folder outside it, and "/" the host separator. `line` follows "RECORD_PATH".
-struct RecordCase {
-    const char* name;
-    bool allFiles;
-    const char* initial;
-    const char* line;
-    const char* expected;
-};
-
-class RppRecordPath : public RppTest<RecordCase> {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(QDir(f.dir.path()).mkpath(QStringLiteral("Media")));
-        ASSERT_TRUE(QDir(f.dir.path()).mkpath(QStringLiteral("Audio/Takes")));
-        ASSERT_TRUE(QDir(outside.path()).mkpath(QStringLiteral("rec")));
-    }
-    QString expand(const char* text) const {
-        return QString::fromUtf8(text)
-            .replace(QStringLiteral("{pf}"), f.dir.path() + u'/')
-            .replace(QStringLiteral("{dir}"), f.dir.path())
-            .replace(QStringLiteral("{abs}"), outside.path() + QStringLiteral("/rec"))
-            .replace(u'/', hostSeparator());
-    }
+// The project folder holds "Media" and "Audio/Takes", the current folder "rec", and `abs` is
+// an existing folder outside both.
+TEST(RppRecordPaths, OnePerLineWithWhatTheDiskHoldsForItsFirstValue) {
+    ReaderFixture f;
     QTemporaryDir outside;
-};
+    ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media") && QDir(f.dir.path()).mkpath("Audio/Takes") &&
+                QDir(outside.path()).mkpath("rec"));
+    const QString abs = host(outside.path() + "/rec");
+    const std::pair<QByteArray, RecordPathLine> lines[] = {
+        {" \"\"", {}},           // 14 characters hold no value
+        {" \"x\"", {true, ""}},  // 15 hold an empty one
+        {" \"Media\" \"\"", {true, "Media", false, false, true}},
+        {" \"Gone\" \"\"", {true, "Gone"}},
+        {" \"" + abs.toUtf8() + "\" \"\"", {true, abs, true, true}},
+        {"\t\" Media \"\t\"\"\t", {true, "Media", false, false, true}},
+        {" \"\" \"Media\"", {true, ""}},         // the second value is not read
+        {" \"Media\"", {true, "Medi"}},          // a lone value loses its last character
+        {" \"rec\" \"\"", {true, "rec", true}},  // exists in the current folder only
+        {" \"Audio\\Takes\" \"\"", {true, host("Audio/Takes"), false, false, true}}};
+    QByteArray body;
+    QList<RecordPathLine> expected;
+    for (const auto& [line, entry] : lines) {
+        body += "RECORD_PATH" + line + "|<SOURCE WAVE|FILE \"a\"|";
+        expected.append(entry);
+    }
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(outside.path()));
+    const SessionRead r = readRppSession(rpp(body), f.place());
+    QDir::setCurrent(before);
+    EXPECT_EQ(r.recordPaths, expected);
+    EXPECT_EQ(r.paths, QStringList{"a"});
 
-TEST_P(RppRecordPath, SetsTheRecordFolder) {
-    const RecordCase& c = GetParam();
-    f.state.CheckAllFiles = c.allFiles;
-    f.state.RecordFolder = expand(c.initial);
-    read(rpp(("RECORD_PATH" + expand(c.line)).toUtf8().constData()));
-    EXPECT_EQ(f.state.RecordFolder, expand(c.expected));
+    // Without a disk no folder exists.
+    for (RecordPathLine& entry : expected) {
+        entry.existsAsIs = entry.existsInProject = false;
+    }
+    EXPECT_EQ(read(rpp(body)).recordPaths, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, RppRecordPath,
-    ::testing::Values(
-        RecordCase{"SubFolder", false, "{abs}", " \"Media\" \"\"", "{pf}Media"},
-        RecordCase{"MissingSubFolder", false, "{abs}", " \"Gone\" \"\"", "{pf}"},
-        RecordCase{"ShortLineKeepsAValue", false, "x", " \"\"", "x"},
-        RecordCase{"ShortLineFillsAnEmptyValue", false, "", "", "{pf}"},
-        RecordCase{"AbsoluteFolder", false, "x", " \"{abs}\" \"\"", "{abs}"},
-        RecordCase{"BlanksAndTabs", false, "", "\t\" Media \"\t\"\"\t", "{pf}Media"},
-        RecordCase{"SecondValueIsIgnored", false, "", " \"\" \"Media\"", "{pf}"},
-        RecordCase{"LoneValueLosesItsLastCharacter", false, "", " \"Media\"", "{pf}"},
-        RecordCase{"WindowsSubFolder", false, "", " \"Audio\\Takes\" \"\"", "{pf}Audio/Takes"},
-        RecordCase{"AllFirstSubFolder", true, "", " \"Media\" \"\"", "{pf}Media"},
-        RecordCase{"AllBareProjectFolderGivesWay", true, "{dir}", " \"Media\" \"\"", "{pf}Media"},
-        RecordCase{"AllEarlierFolderStaysWithSeparator", true, "{abs}", " \"Media\" \"\"",
-                   "{abs}/"},
-        RecordCase{"AllMissingFillsAnEmptyValue", true, "", " \"Gone\" \"\"", "{pf}"},
-        RecordCase{"AllMissingKeepsAValue", true, "{abs}", " \"Gone\" \"\"", "{abs}"},
-        RecordCase{"AllAbsoluteFolderChangesNothing", true, "", " \"{abs}\" \"\"", ""}),
-    kByName);
-
-// A relative record path is the project's sub-folder, even when the current folder holds one.
-TEST(RppRecordFolder, RelativeRecordPathIgnoresTheCurrentFolder) {
-    ReaderFixture f;
-    QTemporaryDir current;
-    ASSERT_TRUE(QDir(current.path()).mkpath(QStringLiteral("Rec")));
-    const QString before = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(current.path()));
-    ImportRppBytes(rpp("RECORD_PATH \"Rec\" \"\""), f.context);
-    QDir::setCurrent(before);
-    EXPECT_EQ(f.state.RecordFolder, f.dir.path() + hostSeparator());
+// One line folded into the record folder of a project whose folder is "P/".
+TEST(RppFoldRecordPath, GivesTheNewRecordFolder) {
+    const RecordPathLine none, gone{true, "Gone"}, media{true, "Media", false, false, true},
+        abs{true, "/abs", true, true}, rec{true, "rec", true}, both{true, "M", true, false, true};
+    const std::tuple<const char*, bool, const char*, RecordPathLine, const char*> cases[] = {
+        {"short line keeps a folder", false, "x", none, "x"},
+        {"short line fills an empty folder", false, "", none, "P/"},
+        {"absolute folder", false, "x", abs, "/abs"},
+        // A relative value "exists by itself" only in the current folder: it is not taken.
+        {"relative folder as is", false, "x", rec, "P/"},
+        {"relative folder as is and in the project", false, "x", both, "P/M"},
+        {"sub-folder", false, "x", media, "P/Media"},
+        {"missing folder", false, "x", gone, "P/"},
+        {"all: short line fills an empty folder", true, "", none, "P/"},
+        {"all: absolute folder changes nothing", true, "", abs, ""},
+        {"all: relative folder as is changes nothing", true, "x", both, "x"},
+        {"all: first sub-folder", true, "", media, "P/Media"},
+        {"all: bare project folder gives way", true, "P", media, "P/Media"},
+        {"all: earlier folder stays, with a separator", true, "/abs", media, "/abs/"},
+        {"all: missing folder fills an empty folder", true, "", gone, "P/"},
+        {"all: missing folder keeps a folder", true, "/abs", gone, "/abs"}};
+    for (const auto& [name, wholeFolder, initial, line, expected] : cases) {
+        SCOPED_TRACE(name);
+        RecordPathLine hostLine = line;
+        hostLine.value = host(line.value);
+        EXPECT_EQ(foldRecordPath(host(initial), hostLine, host("P/"), wholeFolder), host(expected));
+    }
 }
 
 TEST(RppTruncated, EveryPrefixReadsSafely) {
@@ -219,48 +222,9 @@ TEST(RppTruncated, EveryPrefixReadsSafely) {
         rpp("RECORD_PATH \"\" \"\"|<SOURCE WAVE|FILE \"a\"|<SOURCE MIDI|"
             "FILE \"b\"|BANKPROGRAMFILE \"c\"");
     for (qsizetype size = 0; size <= whole.size(); ++size) {
-        ReaderFixture f;
-        const ReaderOutcome outcome = ImportRppBytes(whole.first(size), f.context);
-        EXPECT_EQ(outcome, size < 15 ? ReaderOutcome::Rejected : ReaderOutcome::Read) << size;
-        const QStringList got = f.state.MediaPaths.paths();
-        EXPECT_EQ(got, QStringList({"a", "b", "c"}).first(got.size())) << size;
-    }
-}
-
-TEST(RppFile, FileThatCannotBeOpenedIsReported) {
-    ReaderFixture f;
-    EXPECT_EQ(ImportRppFile(f.dir.filePath(QStringLiteral("missing.rpp")), f.context),
-              ReaderOutcome::Failed);
-    ASSERT_EQ(f.ui.messages.size(), 1);
-    EXPECT_EQ(f.ui.messages.front().title, QStringLiteral("File Error"));
-    EXPECT_TRUE(f.ui.messages.front().text.startsWith(
-        QStringLiteral("An error occurred accessing the selected RPP file.  ")));
-}
-
-TEST(RppCorpus, YieldsTheProjectsMedia) {
-    const std::tuple<const char*, qsizetype, const char*> rows[] = {
-        {"audiotest_Paranoid.RPP", 4, "05-200525_1858.wav"},
-        {"AudiuMax_Reaper_4x4_Template.RPP", 0, ""},
-        {"exvertus_test_track.rpp", 1, "audio/02 - Just Between Us.flac"},
-        {"griffinsauce_multiple-media-paths.rpp", 0, ""},
-        {"helgobox_clip-engine-basic.RPP", 1, "10-Column 8-230607_1038.wav"},
-        {"helgobox_issue-219-play-preview.rpp", 3, ""},  // a 4th FILE is a RPP_PROJECT source
-        {"lordb8r_Call_Routing.rpp", 2, "Audio Files/Zoom (monitor) - 002-02.wav"},
-        {"noisefarm_201205_1424_test.RPP", 4, "01-201205_2139.wav"},
-        {"tears_dont_fall_project.rpp", 50, "02-Guitar0-240929_1654.wav"},
-        {"ultraschall_testproject_test.rpp", 1, "Recordings/trss-mr-death.mp3"},
-        {"vovas-music_son_Untitled.RPP", 1,
-         "/Users/vova/Downloads/\xD0\x92 \xD0\xBD\xD0\xBE\xD1\x87\xD1\x8C.mp3"}};
-    for (const auto& [file, count, sample] : rows) {
-        SCOPED_TRACE(file);
-        ReaderFixture f;
-        f.context.sessionFolder = test::corpusPath(QStringLiteral("rpp"));
-        ASSERT_EQ(
-            ImportRppFile(f.context.sessionFolder + u'/' + QLatin1StringView(file), f.context),
-            ReaderOutcome::Read);
-        EXPECT_EQ(f.state.MediaPaths.paths().size(), count);
-        EXPECT_TRUE(*sample == 0 ||
-                    f.state.MediaPaths.paths().contains(hostPaths(sample).value(0)));
+        const SessionRead r = read(whole.first(size));
+        EXPECT_EQ(r.outcome, size < 15 ? ReaderOutcome::Rejected : ReaderOutcome::Read) << size;
+        EXPECT_EQ(r.paths, QStringList({"a", "b", "c"}).first(r.paths.size())) << size;
     }
 }
 

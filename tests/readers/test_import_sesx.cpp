@@ -1,28 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "readers/import_sesx.h"
 #include "support/reader_fixture.h"
-
-// Failures show paths as text rather than as code units.
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
 
 namespace tidewick {
 namespace {
 
-using test::ReaderFixture;
+using test::kByName;
+using test::texts;
 
 const QByteArray kDeclaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)";
-const auto kByName = [](const auto& info) { return std::string(info.param.name); };
-
-// Texts split at "|".
-QStringList list(const char* texts) {
-    return QString::fromUtf8(texts).split(u'|', Qt::SkipEmptyParts);
-}
-
 QByteArray fileElement(const QByteArray& path, const QByteArray& indent = "    ") {
     return indent + R"(<file absolutePath=")" + path + R"(" id="0" mediaHandler="AmioWav"/>)";
 }
@@ -35,11 +22,10 @@ QByteArray session(const QByteArrayList& files, const QByteArray& lineEnd) {
 }
 
 QStringList read(QByteArrayView bytes) {
-    ReaderFixture f;
-    EXPECT_EQ(ImportSesxBytes(bytes, f.context), ReaderOutcome::Read);
-    EXPECT_TRUE(f.ui.messages.isEmpty());
-    EXPECT_EQ(f.ui.pointerChanges, QList<bool>{true}) << "the caller restores the pointer";
-    return f.state.MediaPaths.paths();
+    const SessionRead r = readSesxSession(bytes, {});
+    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
+    EXPECT_FALSE(r.message);
+    return r.paths;
 }
 
 // A file whose first line holds a line feed is read in pieces split at line feeds up to the
@@ -53,7 +39,7 @@ struct ModeCase {
 class SesxModes : public ::testing::TestWithParam<ModeCase> {};
 
 TEST_P(SesxModes, DecideWhichLinesAreExamined) {
-    EXPECT_EQ(read(GetParam().bytes), list(GetParam().paths));
+    EXPECT_EQ(read(GetParam().bytes), texts(GetParam().paths));
 }
 
 const QByteArrayList kIndented{fileElement("a", "  "), fileElement("b", "\t\t"),
@@ -103,8 +89,8 @@ class SesxStops : public ::testing::TestWithParam<StopCase> {};
 TEST_P(SesxStops, EndOfFilesOrSessionEndsTheRead) {
     const StopCase& c = GetParam();
     const QByteArrayList lines{kDeclaration, fileElement("1"), c.line, fileElement("2")};
-    EXPECT_EQ(read(lines.join("\r\n")), list(c.stopsInLineMode ? "1" : "1|2"));
-    EXPECT_EQ(read(lines.join("\n")), list(c.stopsInPieceMode ? "1" : "1|2"));
+    EXPECT_EQ(read(lines.join("\r\n")), texts(c.stopsInLineMode ? "1" : "1|2"));
+    EXPECT_EQ(read(lines.join("\n")), texts(c.stopsInPieceMode ? "1" : "1|2"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, SesxStops,
@@ -128,7 +114,7 @@ class SesxCut : public ::testing::TestWithParam<CutCase> {};
 TEST_P(SesxCut, TakesTheAbsolutePathValue) {
     for (const char* lineEnd : {"\r\n", "\n"}) {
         EXPECT_EQ(read(kDeclaration + lineEnd + GetParam().element + lineEnd),
-                  list(GetParam().paths))
+                  texts(GetParam().paths))
             << QByteArray(lineEnd).toHex().constData();
     }
 }
@@ -158,46 +144,13 @@ TEST(SesxTruncated, EveryPrefixOfASessionReadsSafely) {
         const QByteArray whole = session(
             {fileElement("C:\\a"), fileElement("C%3a\\R&amp;B"), fileElement("c")}, lineEnd);
         const QStringList full = read(whole);
-        ASSERT_EQ(full, list("C:\\a|C:\\R&B|c"));
+        ASSERT_EQ(full, texts("C:\\a|C:\\R&B|c"));
         for (qsizetype size = 0; size <= whole.size(); ++size) {
             // A cut element adds nothing: its value has lost its closing quote or last byte.
             const QStringList got = read(QByteArrayView(whole).first(size));
             EXPECT_EQ(got, full.first(got.size())) << size;
         }
     }
-}
-
-TEST(SesxCorpus, YieldsTheFileElementsOfTheSession) {
-    const std::tuple<const char*, qsizetype, const char*> rows[] = {
-        {"AudiuMax_Audium_4x4_Template.sesx", 0, ""},
-        {"FiveTailedGames_FourthSealSoundtrack.sesx", 1,
-         R"(D:\NEWM N430 Advanced Game Design\FiveTailedGames\FiveTailedGames\)"
-         R"(FourthSealSoundtrack\Conformed Files\SoundSketch acrid soundscape 48000 1.wav)"},
-        {"Mmusic_Untitled_Session_1.sesx", 4,
-         "/Users/qianzeng/Desktop/Mmusic/Untitled Session 1/Conformed Files/water 44100 1.wav"}};
-    for (const auto& [file, count, sample] : rows) {
-        SCOPED_TRACE(file);
-        ReaderFixture f;
-        EXPECT_EQ(
-            ImportSesxFile(test::corpusPath(QStringLiteral("sesx/") + QLatin1StringView(file)),
-                           f.context),
-            ReaderOutcome::Read);
-        EXPECT_EQ(f.state.MediaPaths.paths().size(), count);
-        EXPECT_TRUE(*sample == 0 || f.state.MediaPaths.paths().contains(QString::fromUtf8(sample)));
-        EXPECT_TRUE(f.ui.messages.isEmpty());
-    }
-}
-
-TEST(ImportSesxFile, ReportsAFileThatCannotBeRead) {
-    ReaderFixture f;
-    EXPECT_EQ(ImportSesxFile(f.dir.filePath(QStringLiteral("gone.sesx")), f.context),
-              ReaderOutcome::Failed);
-    ASSERT_EQ(f.ui.messages.size(), 1);
-    const MessageBoxRequest& box = f.ui.messages.first();
-    EXPECT_TRUE(box.text.startsWith(
-        QStringLiteral("An error occurred accessing the selected SESX file.  ")));
-    EXPECT_EQ(box.title, QStringLiteral("File Error"));
-    EXPECT_EQ(box.icon, MessageIcon::Critical);
 }
 
 }  // namespace

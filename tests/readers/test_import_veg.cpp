@@ -1,21 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include <QtEndian>
 
 #include "readers/import_veg.h"
 #include "support/reader_fixture.h"
 
-// Failures show paths as text rather than as code units.
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-
 namespace tidewick {
 namespace {
 
-using test::ReaderFixture;
+using test::kByName;
+using test::texts;
 
 const QByteArray kRun("\xFF\xFF\xFF\xFF", 4);
 // Three runs, each followed by a byte that is no mark; the next run is the fourth.
@@ -41,19 +35,12 @@ QByteArray media(const char* path) {
     return kRun + record(1, utf16(path));
 }
 
-QStringList list(const char* texts) {
-    return QString::fromUtf8(texts).split(u'|', Qt::SkipEmptyParts);
-}
-
 QStringList scan(const QByteArray& bytes) {
-    ReaderFixture f;
-    EXPECT_EQ(ImportVegBytes(bytes, f.context), ReaderOutcome::Read);
-    EXPECT_TRUE(f.ui.messages.isEmpty());
-    EXPECT_EQ(f.ui.pointerChanges, QList<bool>{true}) << "the caller restores the pointer";
-    return f.state.MediaPaths.paths();
+    const SessionRead r = readVegSession(bytes, {});
+    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
+    EXPECT_FALSE(r.message);
+    return r.paths;
 }
-
-const auto kByName = [](const auto& info) { return std::string(info.param.name); };
 
 struct ScanCase {
     const char* name;
@@ -64,7 +51,7 @@ struct ScanCase {
 class VegScan : public ::testing::TestWithParam<ScanCase> {};
 
 TEST_P(VegScan, FindsTheRecordedPaths) {
-    EXPECT_EQ(scan(GetParam().bytes), list(GetParam().expected));
+    EXPECT_EQ(scan(GetParam().bytes), texts(GetParam().expected));
 }
 
 const QByteArray kNoA("\0b\0\0\0", 5);
@@ -118,7 +105,7 @@ TEST(VegScanLimits, EveryTruncationEndsCleanly) {
         const char* expected = length >= secondEnd  ? "C:\\a.wav|C:\\b.wav"
                                : length >= firstEnd ? "C:\\a.wav"
                                                     : "";
-        EXPECT_EQ(scan(full.left(length)), list(expected)) << "length " << length;
+        EXPECT_EQ(scan(full.left(length)), texts(expected)) << "length " << length;
     }
 }
 
@@ -160,38 +147,6 @@ INSTANTIATE_TEST_SUITE_P(
         TextCase{"Utf8", QByteArray("C:\\\xD0\x92.wav\0", 10), "C:\\В.wav"},
         TextCase{"MisalignedUtf16", QByteArray("\0C\0:\0\\\0a\0", 9), "C:\\a"}),
     kByName);
-
-TEST(VegFile, FileThatCannotBeOpenedIsReported) {
-    ReaderFixture f;
-    EXPECT_EQ(ImportVegFile(f.dir.filePath(QStringLiteral("missing.veg")), f.context),
-              ReaderOutcome::Failed);
-    ASSERT_EQ(f.ui.messages.size(), 1);
-    EXPECT_EQ(f.ui.messages.front().title, QStringLiteral("File Error"));
-    EXPECT_TRUE(f.ui.messages.front().text.startsWith(
-        QStringLiteral("An error occurred accessing the selected VEG file.  ")));
-}
-
-// From Vegas Pro 17 on, media records hold a zero where the scan looks for the type value, so
-// those projects yield nothing.
-TEST(VegCorpus, YieldsTheRecordedMedia) {
-    const std::tuple<const char*, qsizetype, const char*> rows[] = {
-        {"mb2014_Untitled.veg", 1, "C:\\Users\\Vedolin\\Downloads\\15240.wav"},
-        // 11 media paths; 12.MP4 and 13.MP4 sit in records of the newer layout.
-        {"lumanation_home-page-montage.veg", 9,
-         "E:\\Desktop\\Projects\\lumanationcommercial.com\\_\\site-5.mp4"},
-        {"fhzhugz1_Videos_intro.veg", 0, ""},
-        {"kittybot_project.veg", 0, ""},
-        {"cartoon_i_like_you_Untitled.veg", 0, ""}};
-    for (const auto& [file, count, sample] : rows) {
-        SCOPED_TRACE(file);
-        ReaderFixture f;
-        ASSERT_EQ(ImportVegFile(test::corpusPath(QStringLiteral("veg/") + QLatin1StringView(file)),
-                                f.context),
-                  ReaderOutcome::Read);
-        EXPECT_EQ(f.state.MediaPaths.paths().size(), count);
-        EXPECT_TRUE(*sample == 0 || f.state.MediaPaths.paths().contains(QString::fromUtf8(sample)));
-    }
-}
 
 }  // namespace
 }  // namespace tidewick

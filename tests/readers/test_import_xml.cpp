@@ -5,22 +5,11 @@
 #include "readers/import_xml.h"
 #include "support/reader_fixture.h"
 
-// Failures show paths as text rather than as code units.
-void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}
-
 namespace tidewick {
 namespace {
 
-using test::ReaderFixture;
-
-const auto kByName = [](const auto& info) { return std::string(info.param.name); };
-
-// Texts split at "|".
-QStringList list(const char* texts) {
-    return QString::fromUtf8(texts).split(u'|', Qt::SkipEmptyParts);
-}
+using test::kByName;
+using test::texts;
 
 // A wave block as the export lays it out: each entry is its opening line and 21 more, the 18th
 // of which is the path line.
@@ -44,13 +33,9 @@ QByteArray session(const QByteArrayList& body, const QByteArray& lineEnd = "\r\n
     return lines.join(lineEnd) + lineEnd;
 }
 
-// One read of bytes, with what the reader left and said.
-struct XmlRead {
-    ReaderFixture f;
-    ReaderOutcome outcome;
-    explicit XmlRead(QByteArrayView bytes) : outcome(ImportXmlBytes(bytes, f.context)) {}
-    QStringList paths() const { return f.state.MediaPaths.paths(); }
-};
+SessionRead read(QByteArrayView bytes) {
+    return readXmlSession(bytes, {});
+}
 
 struct HeaderCase {
     const char* name;
@@ -62,24 +47,19 @@ class XmlHeader : public ::testing::TestWithParam<HeaderCase> {};
 
 TEST_P(XmlHeader, SecondNonBlankLineMustBeginWithTheSessionTag) {
     const HeaderCase& c = GetParam();
-    XmlRead read(c.bytes);
+    const SessionRead r = read(c.bytes);
     if (c.shownLine == nullptr) {
-        EXPECT_EQ(read.outcome, ReaderOutcome::Read);
-        EXPECT_TRUE(read.f.ui.messages.isEmpty());
-        EXPECT_EQ(read.f.ui.pointerChanges, QList<bool>{true});
-        EXPECT_EQ(read.paths(), list(c.bytes.isEmpty() ? "" : "C:\\a.wav"));
+        EXPECT_EQ(r.outcome, ReaderOutcome::Read);
+        EXPECT_FALSE(r.message);
+        EXPECT_EQ(r.paths, texts(c.bytes.isEmpty() ? "" : "C:\\a.wav"));
         return;
     }
-    EXPECT_EQ(read.outcome, ReaderOutcome::Rejected);
-    ASSERT_EQ(read.f.ui.messages.size(), 1);
-    const MessageBoxRequest& box = read.f.ui.messages.first();
-    EXPECT_EQ(box.text, "This is not a properly formated Adobe Audition XML file.\n" +
-                            QString::fromUtf8(c.shownLine));
-    EXPECT_EQ(box.title, QStringLiteral("Processing XML File"));
-    EXPECT_EQ(box.icon, MessageIcon::Information);
-    EXPECT_EQ(box.buttons, MessageButtons::Ok);
-    EXPECT_EQ(read.f.ui.pointerChanges, (QList<bool>{true, false})) << "default pointer first";
-    EXPECT_TRUE(read.paths().isEmpty());
+    EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
+    EXPECT_EQ(r.message,
+              (ReaderMessage{"This is not a properly formated Adobe Audition XML file.\n" +
+                                 QString::fromUtf8(c.shownLine),
+                             "Processing XML File", MessageIcon::Information}));
+    EXPECT_TRUE(r.paths.isEmpty());
 }
 
 const QByteArray kBlock = "\r\n" + waveBlock({"C:\\a.wav"}).join("\r\n");
@@ -101,8 +81,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(XmlLineEnds, LineFeedCarriageReturnAndBothReadAlike) {
     for (const char* lineEnd : {"\r\n", "\n", "\r"}) {
-        EXPECT_EQ(XmlRead(session(waveBlock({"C:\\one.wav", "D:\\two.wav"}), lineEnd)).paths(),
-                  list("C:\\one.wav|D:\\two.wav"))
+        EXPECT_EQ(read(session(waveBlock({"C:\\one.wav", "D:\\two.wav"}), lineEnd)).paths,
+                  texts("C:\\one.wav|D:\\two.wav"))
             << QByteArray(lineEnd).toHex().constData();
     }
 }
@@ -116,7 +96,7 @@ struct BodyCase {
 class XmlBody : public ::testing::TestWithParam<BodyCase> {};
 
 TEST_P(XmlBody, YieldsThePathLinesOfWaveEntries) {
-    EXPECT_EQ(XmlRead(session(GetParam().body)).paths(), list(GetParam().paths));
+    EXPECT_EQ(read(session(GetParam().body)).paths, texts(GetParam().paths));
 }
 
 QByteArrayList reindented(QByteArrayList lines, const QByteArray& from, const QByteArray& to) {
@@ -168,41 +148,23 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(XmlBody, ManyNestedEntitiesDecodeInOnePass) {
     const QByteArray line = "x&" + QByteArray("amp;").repeated(100000) + "y";
-    EXPECT_EQ(XmlRead(session(waveBlock({line}))).paths(), list("x&y"));
+    EXPECT_EQ(read(session(waveBlock({line}))).paths, texts("x&y"));
 }
 
 TEST(XmlTruncated, EveryPrefixOfASessionReadsSafely) {
     const QByteArray whole =
         session(waveBlock({"C:\\a.wav", "C:\\b&amp;c.wav"}) + waveBlock({"C:\\d.wav"}));
-    const QStringList full = XmlRead(whole).paths();
-    ASSERT_EQ(full, list("C:\\a.wav|C:\\b&c.wav|C:\\d.wav"));
+    const QStringList full = read(whole).paths;
+    ASSERT_EQ(full, texts("C:\\a.wav|C:\\b&c.wav|C:\\d.wav"));
     for (qsizetype size = 0; size <= whole.size(); ++size) {
-        XmlRead read(QByteArrayView(whole).first(size));
-        ASSERT_NE(read.outcome, ReaderOutcome::Failed) << size;
+        const SessionRead r = read(QByteArrayView(whole).first(size));
+        ASSERT_NE(r.outcome, ReaderOutcome::Failed) << size;
         // A prefix can only lose paths, or cut the last one short.
-        const QStringList got = read.paths();
+        const QStringList& got = r.paths;
         ASSERT_LE(got.size(), full.size()) << size;
         const qsizetype kept = std::max<qsizetype>(got.size() - 1, 0);
         EXPECT_EQ(got.first(kept), full.first(kept)) << size;
     }
-}
-
-TEST(ImportXmlFile, ReadsTheFileOrReportsWhyNot) {
-    ReaderFixture f;
-    const QString name =
-        f.write(QString::fromUtf8("Mix \xc3\xbc.xml"), session(waveBlock({"C:\\a.wav"}), "\n"));
-    EXPECT_EQ(ImportXmlFile(name, f.context), ReaderOutcome::Read);
-    EXPECT_EQ(f.state.MediaPaths.paths(), list("C:\\a.wav"));
-
-    ReaderFixture missing;
-    EXPECT_EQ(ImportXmlFile(missing.dir.filePath(QStringLiteral("gone.xml")), missing.context),
-              ReaderOutcome::Failed);
-    ASSERT_EQ(missing.ui.messages.size(), 1);
-    const MessageBoxRequest& box = missing.ui.messages.first();
-    EXPECT_TRUE(box.text.startsWith(
-        QStringLiteral("An error occurred accessing the selected XML file.  ")));
-    EXPECT_EQ(box.title, QStringLiteral("File Error"));
-    EXPECT_EQ(box.icon, MessageIcon::Critical);
 }
 
 }  // namespace

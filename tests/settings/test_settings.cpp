@@ -5,9 +5,9 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
-#include "platform/recording_interaction.h"
 #include "settings/settings.h"
 #include "settings/settings_store.h"
+#include "support/recording_interaction.h"
 #include "sweep/main_form.h"
 
 namespace tidewick {
@@ -37,8 +37,8 @@ protected:
     // What an empty store gives; a hand-edited value that cannot be read gives the same.
     void expectDefaults(const MainForm& form) {
         EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(0, 0));
-        EXPECT_FALSE(form.state.TrimFoldersFlag);
-        EXPECT_FALSE(form.state.CheckAllFiles);
+        EXPECT_FALSE(form.TrimFoldersFlag);
+        EXPECT_FALSE(form.CheckAllFiles);
         EXPECT_FALSE(form.KeepPKCheck.checked());
         EXPECT_FALSE(form.StoreInSubFolderCheck.checked());
         EXPECT_EQ(form.selectedTabKey(), "SESFiles");
@@ -66,8 +66,8 @@ TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
         auto run = start();
         MainForm& form = run->form;
         form.Main.setGeometry(QRect(QPoint(1500, 3000), form.Main.geometry().size()));
-        form.state.TrimFoldersFlag = true;
-        form.state.CheckAllFiles = true;
+        form.TrimFoldersFlag = true;
+        form.CheckAllFiles = true;
         form.KeepPKCheck.setChecked(true);
         form.StoreInSubFolderCheck.setChecked(true);
         form.SESFile.setText(last.path());
@@ -156,8 +156,8 @@ TEST_F(SettingsTest, AnUnreadableNumberFallsBackToTheDefault) {
     write("SETTINGS/TrimFolders", "-1");  // any other number switches a flag on
     write("SETTINGS/CheckAllFiles", "2.5");
     auto run = start();
-    EXPECT_TRUE(run->form.state.TrimFoldersFlag);
-    EXPECT_TRUE(run->form.state.CheckAllFiles);
+    EXPECT_TRUE(run->form.TrimFoldersFlag);
+    EXPECT_TRUE(run->form.CheckAllFiles);
 }
 
 TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessage) {
@@ -171,11 +171,12 @@ TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessage) {
     run->form.Form_Unload();
     run->form.Form_Unload();  // a second close does not save again
     ASSERT_EQ(run->ui.messages.size(), 1);
-    EXPECT_EQ(run->ui.messages.first(),
-              (MessageBoxRequest{"Access to the Windows Registry failed and the current Tidewick "
-                                 "settings could not be saved.",
-                                 "For Information...", MessageIcon::Information, MessageButtons::Ok,
-                                 MessageAnswer::Ok}));
+    EXPECT_EQ(
+        run->ui.messages.first(),
+        (MessageBoxRequest{"Access to the settings file " + storeFile +
+                               " failed and the current Tidewick settings could not be saved.",
+                           "For Information...", MessageIcon::Information, MessageButtons::Ok,
+                           MessageAnswer::Ok}));
 }
 
 }  // namespace

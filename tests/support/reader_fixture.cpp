@@ -21,4 +21,8 @@ QString corpusPath(const QString& relative) {
     return QStringLiteral(TIDEWICK_CORPUS "/") + relative;
 }
 
+bool haveCorpus() {
+    return QFileInfo(QStringLiteral(TIDEWICK_CORPUS)).isDir();
+}
+
 }  // namespace tidewick::test

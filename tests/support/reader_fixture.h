@@ -2,28 +2,46 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 
+#include <ostream>
+#include <string>
+
 #include "platform/file_system.h"
-#include "platform/recording_interaction.h"
 #include "readers/reader_contract.h"
+
+// Failures show texts as text rather than as code units.
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace tidewick::test {
 
-/// What a reader test needs: the program state, a recording stand-in for the user, the real
-/// disk and a temporary folder for session files written by the test.
+/// A temporary folder for session files written by a test, on the real disk.
 struct ReaderFixture {
-    ProgramState state;
-    RecordingInteraction ui;
     FileSystem fs;
     QTemporaryDir dir;
-    ReaderContext context{state, ui, fs, dir.path()};
+
+    /// The temporary folder as the place of a session that lives in it.
+    SessionPlace place() const { return {dir.path(), &fs}; }
 
     /// Writes `bytes` to `name` inside the temporary folder and returns the full path.
     QString write(const QString& name, const QByteArray& bytes) const;
 };
 
-/// The folder of real session files kept beside the project (shared/corpus).
+/// Texts written as one, split at "|" ("a|b" for {"a", "b"}, "" for none).
+inline QStringList texts(const char* list) {
+    return QString::fromUtf8(list).split(u'|', Qt::SkipEmptyParts);
+}
+
+/// Names each case of a parameterised test by its `name` field.
+inline constexpr auto kByName = [](const auto& info) { return std::string(info.param.name); };
+
+/// A file of the real session files kept beside the project (shared/corpus).
 QString corpusPath(const QString& relative);
+
+/// True when that folder is there; a clone without it skips the tests that read it.
+bool haveCorpus();
 
 }  // namespace tidewick::test

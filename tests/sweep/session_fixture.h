@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "platform/path_text.h"
-#include "platform/recording_interaction.h"
 #include "readers/session_kinds.h"
+#include "support/recording_interaction.h"
 #include "support/session_files.h"
 #include "sweep/main_form.h"
 

@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-#include "platform/recording_interaction.h"
+#include "support/recording_interaction.h"
 #include "sweep/check_list_model.h"
 #include "sweep/main_form.h"
 #include "sweep/media_types.h"
@@ -30,7 +30,7 @@ protected:
 // Opening on the first tab gives the same values as switching to it: its recordings folder
 // is what the other-files list gathers for each session.
 TEST_F(MainFormTest, OpensWithTheActiveTabsValues) {
-    EXPECT_EQ(form.state.RecordFolder, "_Recorded");
+    EXPECT_EQ(form.RecordFolder, "_Recorded");
     EXPECT_EQ(form.sessionFilePattern(), "*.ses");
     EXPECT_EQ(form.ScanAll.text(), "Check All &SES files");
     EXPECT_FALSE(form.SubFolderCheck.visible());

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QLocale>
+
 #include "session_fixture.h"
 
 namespace tidewick {
@@ -29,7 +32,7 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
         EXPECT_EQ(form.ScanAll.text(), c.scanAll);
         EXPECT_EQ(form.KeepPKCheck.text(), c.keepPeaks);
         const QString record = c.subFolderRow ? dir.path() : "_Recorded";
-        EXPECT_EQ(form.state.RecordFolder, record);
+        EXPECT_EQ(form.RecordFolder, record);
         EXPECT_EQ(form.SubFolderName.text(), record);
         EXPECT_EQ(form.SubFolderName.visible(), c.subFolderRow);
         EXPECT_EQ(form.SubFolderCheck.enabled(), c.subFolderRow);
@@ -45,10 +48,11 @@ TEST_F(SessionFolderTest, TheScanRangeFollowsTheSelectionOrTheWholeList) {
     struct Case {
         bool scanAll;
         int files, selected;
-        qint16 first, last;
+        int first, last;
     };
-    for (const Case& c : {Case{false, 3, 1, 1, 1}, Case{false, 3, -1, -1, -1},
-                          Case{true, 3, 1, 0, 2}, Case{true, 0, -1, 0, -1}}) {
+    for (const Case& c :
+         {Case{false, 3, 1, 1, 1}, Case{false, 3, -1, 0, -1}, Case{true, 3, 1, 0, 2},
+          Case{true, 0, -1, 0, -1}, Case{false, 40000, 32768, 32768, 32768}}) {
         form.SESFile.setItems(QStringList(c.files, "s.ses"));
         {
             const QSignalBlocker quiet(form.SESFile);  // select without loading
@@ -56,8 +60,9 @@ TEST_F(SessionFolderTest, TheScanRangeFollowsTheSelectionOrTheWholeList) {
         }
         form.ScanAll.setChecked(c.scanAll);
         form.SetScanParams();
-        EXPECT_EQ(form.state.CheckAllFiles, c.scanAll);
-        EXPECT_EQ(std::pair(form.state.ScanFirst, form.state.ScanLast), std::pair(c.first, c.last))
+        EXPECT_EQ(form.CheckAllFiles, c.scanAll);
+        const ScanRange range = scanRange(form.sweepRequest());
+        EXPECT_EQ(std::pair(range.first, range.last), std::pair(c.first, c.last))
             << c.files << " files, " << c.selected << " selected";
     }
 }
@@ -81,7 +86,7 @@ TEST_F(SessionFolderTest, ScanAllOnTheReaperTabEmptiesTheRecordFolderBeforeTheLo
     writeSession("a.rpp", SessionKindId::Rpp, {"C:\\a.wav"});
     select("a.rpp");
     QString recordAtLoad = "unset";
-    ui.whileBusy = [&] { recordAtLoad = form.state.RecordFolder; };
+    ui.whileBusy = [&] { recordAtLoad = form.RecordFolder; };
     form.ScanAll.setChecked(true);
     EXPECT_EQ(recordAtLoad, QString());
 }
@@ -99,7 +104,7 @@ TEST_F(SessionFolderTest, ACheckMarkSnapsBackToWhetherTheFileExists) {
           Case{"t.wav", false, true},  // a bare name lives in the session folder
           Case{"Song_Recorded/t.wav", true, true}, Case{"<no media files found>", false, false}}) {
         form.UsedFiles.clear();
-        form.state.TrimFoldersFlag = c.trim;
+        form.TrimFoldersFlag = c.trim;
         form.UsedFiles.addItem(c.line, c.exists);
         // The view flips the mark and tells the form, as a click on the box does.
         form.UsedFiles.setData(form.UsedFiles.index(0), c.exists ? Qt::Unchecked : Qt::Checked,
@@ -142,6 +147,65 @@ TEST_F(SessionFolderTest, AFolderChangeListsTheNewFolderAndEmptiesTheLists) {
     EXPECT_EQ(form.SESFile.items(), QStringList{"x.ses"});
     EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
     EXPECT_EQ(form.SESVersionLabel.text(), QString());
+}
+
+TEST_F(SessionFolderTest, ALoadNamesTheFileWhileReadingAndRestoresTheWindowAfter) {
+    const QString caption = form.Main.text();
+    QStringList captions;
+    QObject::connect(&form.Main, &Control::textChanged, [&] { captions.append(form.Main.text()); });
+    useKind(SessionKindId::Xml);
+    writeSession("take.xml", SessionKindId::Xml, {"a.wav"});
+    form.UsedFilesBox.setItems({"x"});
+    form.UsedFilesBox.setListIndex(0);
+    select("take.xml");
+    EXPECT_EQ(captions, QStringList({"Reading " + folder() + "take.xml...Please Wait", caption}));
+    EXPECT_EQ(form.UsedFilesBox.listIndex(), -1);
+    EXPECT_FALSE(ui.busyPointer);
+}
+
+TEST_F(SessionFolderTest, ASelectionDuringALoadIsLoadedAfterIt) {
+    useKind(SessionKindId::Xml);
+    writeSession("a.xml", SessionKindId::Xml, {"a.wav"});
+    writeSession("b.xml", SessionKindId::Xml, {"b.wav"});
+    ui.whileBusy = [&] { form.SESFile.setListIndex(1); };
+    select("a.xml");
+    EXPECT_EQ(usedLines(), QStringList{"[ ] b.wav"});
+    EXPECT_FALSE(form.sessionLoadRunning());
+}
+
+TEST_F(SessionFolderTest, ATabSwitchDuringALoadLeavesBothListsEmpty) {
+    useKind(SessionKindId::Xml);
+    writeSession("a.xml", SessionKindId::Xml, {"a.wav"});
+    ui.whileBusy = [&] { form.selectTabByKey("SESXFiles"); };
+    select("a.xml");
+    EXPECT_EQ(form.UsedFiles.count(), 0);
+    EXPECT_EQ(form.UnusedFiles.count(), 0);
+    EXPECT_EQ(form.sessionFilePattern(), "*.sesx");
+}
+
+// Sizes are those of the listing until a mark changes: then that file is measured again.
+TEST_F(SessionFolderTest, CheckMarksMoveTheCountersAndAVanishedFileCountsZero) {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    useKind(SessionKindId::Xml);
+    writeSession("s.xml", SessionKindId::Xml, {});
+    ASSERT_TRUE(test::writeFile(dir.filePath("a.wav"), QByteArray(3145728, 'a')));
+    ASSERT_TRUE(test::writeFile(dir.filePath("b.wav"), QByteArray(1024, 'b')));
+    select("s.xml");
+    const auto mark = [this](int row, bool checked) {  // as the user does in the list
+        form.UnusedFiles.setData(form.UnusedFiles.index(row), checked ? Qt::Checked : Qt::Unchecked,
+                                 Qt::CheckStateRole);
+    };
+    const QString sizes = "Listed Other Files: %1 - Selected Other Files: %2";
+    mark(0, true);
+    EXPECT_EQ(form.InfoLabel.text(),
+              sizes.arg("3,146,752 bytes (3.00Mb)", "3,145,728 bytes (3.00Mb)"));
+    form.UnusedFiles_Click();
+    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
+    ASSERT_TRUE(QFile::remove(dir.filePath("a.wav")));
+    mark(0, false);
+    mark(0, true);
+    EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "0 bytes (0.00Mb)"));
+    QLocale::setDefault(QLocale::c());
 }
 
 }  // namespace

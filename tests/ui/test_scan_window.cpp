@@ -11,7 +11,7 @@
 #include <memory>
 
 #include "app/cli/cli.h"
-#include "platform/recording_interaction.h"
+#include "support/recording_interaction.h"
 #include "support/session_files.h"
 #include "sweep/main_form.h"
 #include "ui/main_window.h"

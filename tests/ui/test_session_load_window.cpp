@@ -7,7 +7,7 @@
 #include <QTest>
 
 #include "platform/path_text.h"
-#include "platform/recording_interaction.h"
+#include "support/recording_interaction.h"
 #include "support/session_files.h"
 #include "sweep/main_form.h"
 #include "ui/main_window.h"

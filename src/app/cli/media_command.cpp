@@ -2,23 +2,11 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
-#include "readers/import_ses.h"
+#include "platform/path_text.h"
+#include "readers/import_rpp.h"
 #include "readers/session_kinds.h"
 
 namespace tidewick::cli {
-
-namespace {
-
-const SessionKind* kindByOption(const QString& name) {
-    for (const SessionKind& kind : sessionKinds()) {
-        if (kind.tabCaption.compare(name, Qt::CaseInsensitive) == 0) {
-            return &kind;
-        }
-    }
-    return nullptr;
-}
-
-}  // namespace
 
 int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     QString fileName;
@@ -42,7 +30,7 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return UsageError;
     }
     const SessionKind* kind =
-        kindName.isEmpty() ? sessionKindForFile(fileName) : kindByOption(kindName);
+        kindName.isEmpty() ? sessionKindForFile(fileName) : sessionKindByCaption(kindName);
     if (kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << fileName
@@ -59,27 +47,36 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return UsageError;
     }
 
-    ProgramState state;
-    ConsoleInteraction ui(err);
     FileSystem fs;
-    ReaderContext context{state, ui, fs, info.absolutePath()};
-    const ReaderOutcome outcome = kind->reader(info.absoluteFilePath(), context);
-    if (outcome == ReaderOutcome::Rejected && kind->id == SessionKindId::Ses &&
-        state.SesVersion.isEmpty()) {
+    const SessionRead read =
+        readSessionFile(*kind, info.absoluteFilePath(), SessionPlace{info.absolutePath(), &fs});
+    if (read.message) {
+        ConsoleInteraction ui(err);
+        showOk(ui, read.message->text, read.message->title, read.message->icon);
+    }
+    if (read.outcome == ReaderOutcome::Rejected && kind->id == SessionKindId::Ses &&
+        read.version.isEmpty()) {
         err << '"' << info.fileName() << "\" does not appear to be a valid session file.\n";
     }
     if (verbose) {
         if (kind->id == SessionKindId::Ses) {
-            err << "version: " << state.SesVersion << '\n';
+            err << "version: " << read.version << '\n';
         }
         if (kind->id == SessionKindId::Rpp) {
-            err << "record folder: " << state.RecordFolder << '\n';
+            // The record folder a single-project load that starts from none arrives at.
+            QString projectFolder = info.absolutePath();
+            AddBackslash(projectFolder);
+            QString recordFolder;
+            for (const RecordPathLine& line : read.recordPaths) {
+                recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+            }
+            err << "record folder: " << recordFolder << '\n';
         }
     }
-    if (outcome != ReaderOutcome::Read) {
+    if (read.outcome != ReaderOutcome::Read) {
         return ReaderError;
     }
-    for (const QString& path : readerMediaPaths(*kind, state)) {
+    for (const QString& path : read.paths) {
         out << path << '\n';
     }
     return Success;

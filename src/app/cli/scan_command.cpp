@@ -1,14 +1,13 @@
 #include <QFileInfo>
-#include <QSignalBlocker>
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
 #include "readers/session_kinds.h"
-#include "sweep/main_form.h"
+#include "sweep/media_types.h"
+#include "sweep/sweep.h"
 
-// `scan`: the main window's two lists for one session folder, computed by the window's own
-// logic with no widgets: the tab, the options and the session are chosen as a user would, and
-// the load runs from the selection.
+// `scan`: the main window's two lists for one session folder, as the sweep computes them for
+// the window, with the frame captions and the sizes line.
 namespace tidewick::cli {
 
 namespace {
@@ -43,15 +42,6 @@ struct ScanOptions {
     bool subFolderGiven = false;
     QString subFolder;
 };
-
-const SessionKind* kindByOption(const QString& name) {
-    for (const SessionKind& kind : sessionKinds()) {
-        if (kind.tabCaption.compare(name, Qt::CaseInsensitive) == 0) {
-            return &kind;
-        }
-    }
-    return nullptr;
-}
 
 // Reads the arguments into `options`; on a mistake says what is wrong and returns false.
 bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTextStream& err) {
@@ -92,7 +82,7 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
         err << kScanUsage;
         return false;
     }
-    options.kind = kindByOption(kindName);
+    options.kind = sessionKindByCaption(kindName);
     if (options.kind == nullptr) {
         err << "tidewick-cli scan: unknown kind '" << kindName
             << "'; use ses, sesx, xml, rpp or veg\n";
@@ -107,6 +97,52 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
     return true;
 }
 
+// The request the window would make for these options: the tab switch gives the record
+// folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
+// row switched on with that folder.
+SweepRequest scanRequest(const ScanOptions& options, const QString& folder) {
+    const SessionKind& kind = *options.kind;
+    const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
+    SweepRequest request;
+    request.kind = &kind;
+    request.folder = folder;
+    request.sessions = sessionFiles(folder, kind.sessionPattern);
+    request.wholeFolder = options.all;
+    request.selected = options.all ? (request.sessions.isEmpty() ? -1 : 0)
+                                   : int(request.sessions.indexOf(options.session));
+    request.trimFolders = options.trim;
+    request.recordFolder = projectKind ? folder : QStringLiteral("_Recorded");
+    if (options.all && kind.id == SessionKindId::Rpp) {
+        request.recordFolder.clear();
+    }
+    request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
+    request.peaksListed = options.type == 0;
+    request.keepPeaks = options.keepPeaks;
+    if (options.subFolderGiven) {
+        request.recordFolder = options.subFolder;
+        request.subFolderOn = true;
+        request.subFolder = options.subFolder;
+    }
+    return request;
+}
+
+void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
+    out << "used: "
+        << usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
+                         request.sessions.value(request.selected), sweep.used.stopped)
+        << '\n';
+    for (const UsedLine& line : sweep.used.lines) {
+        out << (line.exists ? "[x] " : "[ ] ") << line.text << '\n';
+    }
+    out << "unused: " << unusedFrameText(0, sweep.others.size()) << '\n';
+    qint64 listed = 0;
+    for (const OtherFile& file : sweep.others) {
+        out << "[ ] " << file.text << '\n';
+        listed += file.size;
+    }
+    out << "info: " << sizesText(listed, 0) << '\n';
+}
+
 }  // namespace
 
 int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
@@ -119,33 +155,8 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         err << "tidewick-cli scan: no such folder: " << options.folder << '\n';
         return UsageError;
     }
-
-    ScanInteraction ui(err);
-    MainForm form(ui);
-    form.Form_Load();
-    form.pointBrowserAt(folderInfo.absoluteFilePath());
-    {
-        // The tab switch runs once, also when the kind's tab is the one already selected.
-        const QSignalBlocker blocker(form.FileTypeTab);
-        form.selectTabByKey(options.kind->tabKey);
-    }
-    form.FileTypeTab_Click();
-
-    form.IgnoreFoldersCheck.setChecked(options.trim);
-    form.ScanAll.setChecked(options.all);
-    form.FileTypesCombo.setListIndex(options.type);
-    form.KeepPKCheck.setChecked(options.keepPeaks);
-    if (options.subFolderGiven) {
-        // As when the folder has been chosen with the row's button and the box then checked.
-        form.state.RecordFolder = options.subFolder;
-        form.SubFolderName.setText(options.subFolder);
-        form.SubFolderCheck.setChecked(true);
-    }
-
-    const QStringList sessions = form.SESFile.items();
-    const int index = options.all ? (sessions.isEmpty() ? -1 : 0)
-                                  : static_cast<int>(sessions.indexOf(options.session));
-    if (index < 0) {
+    const SweepRequest request = scanRequest(options, folderInfo.absoluteFilePath());
+    if (request.selected < 0) {
         if (options.all) {
             err << "tidewick-cli scan: no " << options.kind->sessionPattern << " files in "
                 << options.folder << '\n';
@@ -155,19 +166,13 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         }
         return UsageError;
     }
-    form.SESFile.setListIndex(index);  // the selection runs the load
 
-    out << "used: " << form.UsedFrame.text() << '\n';
-    for (int row = 0; row < form.UsedFiles.count(); ++row) {
-        out << (form.UsedFiles.isChecked(row) ? "[x] " : "[ ] ") << form.UsedFiles.text(row)
-            << '\n';
-    }
-    out << "unused: " << form.UnusedFrame.text() << '\n';
-    for (int row = 0; row < form.UnusedFiles.count(); ++row) {
-        out << (form.UnusedFiles.isChecked(row) ? "[x] " : "[ ] ") << form.UnusedFiles.text(row)
-            << '\n';
-    }
-    out << "info: " << form.InfoLabel.text() << '\n';
+    ScanInteraction ui(err);
+    SweepEvents events;
+    events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
+    const FileSystem fs;
+    const Sweep sweep = sweepFolder(request, fs, events);
+    printSweep(request, sweep, out);
     return ui.failures > 0 ? ReaderError : Success;
 }
 

@@ -1,33 +1,20 @@
 #pragma once
 
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <vector>
 
 #include "sweep/main_form.h"
 
-// What the other-files list and its sizes line keep between calls so that neither has to scan a
-// whole list per file: hash sets over the used-media lines, and the size of each other file.
+// The size of each line of the other-files list, kept between calls so that a change of check
+// mark adds up known numbers instead of asking the disk about every listed file.
 namespace tidewick {
 
-class MainForm::SweepIndex {
+class MainForm::SizeCache {
 public:
-    /// Follows the two lists from here on: any line added to or cleared from either list is
-    /// seen before the next question.
-    SweepIndex(CheckListModel& used, CheckListModel& unused);
-
-    // The used-media lines, upper-cased; rebuilt once after the list has changed.
-
-    /// Every line.
-    const QSet<QString>& usedLines();
-    /// The lines with a folder part (GetParentFolderName not empty).
-    const QSet<QString>& usedLinesWithFolder();
-    /// The lines without a folder part.
-    const QSet<QString>& usedBareLines();
-    /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
-    /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
-    const QSet<QString>& peakOwners(bool anyMedia);
+    /// Follows the list from here on: any line added to or cleared from it is seen before the
+    /// next question.
+    SizeCache(CheckListModel& unused, const FileSystem& fs);
 
     // The sizes of the other-files lines, each resolved against the session folder.
 
@@ -46,19 +33,11 @@ public:
     Totals totals(const QString& sessionFolder);
 
 private:
-    void rebuildUsed();
     void useSessionFolder(const QString& sessionFolder);
 
-    CheckListModel& used_;
     CheckListModel& unused_;
+    const FileSystem& fs_;
     QObject context_;  // ends the list connections with this object
-
-    bool usedValid_ = false;
-    QSet<QString> usedLines_;
-    QSet<QString> usedWithFolder_;
-    QSet<QString> usedBare_;
-    QSet<QString> wavOwners_;
-    QSet<QString> mediaOwners_;
 
     QString sizesFolder_;
     std::vector<qint64> sizes_;  // one per line of the other-files list; −1 not known

@@ -1,0 +1,158 @@
+#pragma once
+
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+#include "platform/file_system.h"
+#include "platform/interaction.h"
+#include "readers/session_kinds.h"
+
+// The sweep of one session folder as plain values: which media its sessions use, and which
+// other files of the folder no session uses ("Files to be Moved"). The main window adapts its
+// controls to this, and the command line calls it directly.
+namespace tidewick {
+
+/// The caption of the used-media frame, the placeholder line of a session without media and
+/// the caption of the other-files frame.
+inline const QString kUsedFrameCaption =
+    QStringLiteral("Media File(s) Used  (NB: Files with a check mark exist on Disk)");
+inline const QString kNoMediaText = QStringLiteral("<no media files found>");
+inline const QString kUnusedFrameCaption = QStringLiteral("Files to be Moved");
+
+/// What to sweep, with the options the window's check boxes and lists give.
+struct SweepRequest {
+    const SessionKind* kind = nullptr;
+    /// The session folder, with or without a trailing separator.
+    QString folder;
+    /// The folder's session files, as the session-file list shows them.
+    QStringList sessions;
+    /// The selected session's position in `sessions`; −1 for none.
+    int selected = -1;
+    /// Every listed session is read ("Check All ... files").
+    bool wholeFolder = false;
+    /// "Ignore Leading Folder names": media paths are shortened to their file name, or to the
+    /// record folder level and the file name.
+    bool trimFolders = false;
+    /// The session's record folder before the load: "_Recorded" for the Audition kinds, the
+    /// session folder for Vegas, the project's record path for REAPER.
+    QString recordFolder;
+    /// The patterns of the chosen "File Types" entry ("*.wav; *.aif").
+    QString typePattern = QStringLiteral("*.*");
+    /// Peak files can be listed at all (only "All Files" lets them in).
+    bool peaksListed = true;
+    /// The peak files of used media are kept back.
+    bool keepPeaks = false;
+    /// The sub-folder row is switched on, with the folder it names.
+    bool subFolderOn = false;
+    QString subFolder;
+};
+
+/// One line of the used-media list.
+struct UsedLine {
+    QString text;  ///< the media path as listed
+    bool exists = false;
+    QString path;  ///< the file that was looked for on disk
+    bool operator==(const UsedLine&) const = default;
+};
+
+/// One line of "Files to be Moved".
+struct OtherFile {
+    QString text;     ///< the name, after the sub-folder it was found in
+    qint64 size = 0;  ///< its length in bytes when listed
+    bool operator==(const OtherFile&) const = default;
+};
+
+/// What the sessions of one load use.
+struct UsedMedia {
+    QList<UsedLine> lines;
+    /// The only line is the placeholder of a single session without media.
+    bool noMedia = false;
+    /// A read failed: the lines read before it stay, but the other files must not be computed
+    /// from a session read only in part.
+    bool stopped = false;
+    /// The version text of the binary session read last; empty in whole-folder mode.
+    QString version;
+    /// The record folder once every REAPER project read has had its say.
+    QString recordFolder;
+    /// The extension of the last session file looked at (the text kinds only).
+    QString lastExtension;
+};
+
+/// Things a sweep reports while it runs. Each may be left empty.
+struct SweepEvents {
+    /// A session file is about to be read.
+    std::function<void(const QString& fullName)> reading;
+    /// Something the user is to be told (a reader's message, an invalid session).
+    std::function<void(const MessageBoxRequest& message)> tell;
+    /// Pending window events may run now.
+    std::function<void()> idle;
+};
+
+/// The used-media lines of a load, as hash sets upper-cased, so that the other-files
+/// computation never scans the list per file.
+class UsedIndex {
+public:
+    explicit UsedIndex(const QStringList& lines);
+
+    const QSet<QString>& all() const { return all_; }
+    /// The lines with a folder part, and those without.
+    const QSet<QString>& withFolder() const { return withFolder_; }
+    const QSet<QString>& bare() const { return bare_; }
+    /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
+    /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
+    const QSet<QString>& peakOwners(bool anyMedia) const {
+        return anyMedia ? mediaOwners_ : wavOwners_;
+    }
+
+private:
+    QSet<QString> all_, withFolder_, bare_, wavOwners_, mediaOwners_;
+};
+
+/// The sessions `request` names, first and last position in its list.
+struct ScanRange {
+    int first = 0;
+    int last = -1;
+};
+ScanRange scanRange(const SweepRequest& request);
+
+/// `path` reduced to its file name, or to the `recordFolder` level and the file name:
+/// D:\Audio\Song_Recorded\Take 1.wav gives Song_Recorded\Take 1.wav with "_Recorded".
+QString trimFolders(const QString& path, const QString& recordFolder);
+
+/// Reads the sessions of the request and resolves every media path they name against the
+/// session folder and the disk.
+UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
+                        const SweepEvents& events = {});
+
+/// The files of the session folder (and of its recordings and sub-folder) that no line of
+/// `used` names, for the record folder `recordFolder`.
+QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,
+                                const QString& recordFolder, const FileSystem& fs,
+                                const SweepEvents& events = {});
+
+/// A whole load: the used media, then the other files where the kind and the load call for
+/// them.
+struct Sweep {
+    UsedMedia used;
+    QList<OtherFile> others;
+};
+Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs,
+                  const SweepEvents& events = {});
+
+/// The used-media frame's caption for `lineCount` lines: "mix.ses: 3 Media File(s) Used ...";
+/// after a load that a failed read stopped it says so first.
+QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
+                      const QString& sessionName, bool stopped = false);
+/// The other-files frame's caption: "Files to be Moved - [2/5]".
+QString unusedFrameText(qsizetype checked, qsizetype listed);
+/// The information line: "Listed Other Files: 1,024 bytes (0.00Mb) - Selected Other Files: ...".
+QString sizesText(qint64 listed, qint64 checked);
+
+/// The session files of `folder` that the session-file list shows for `pattern` ("*.ses"),
+/// sorted by name ignoring case.
+QStringList sessionFiles(const QString& folder, const QString& pattern);
+
+}  // namespace tidewick

@@ -1,0 +1,248 @@
+#include <QDir>
+
+#include "platform/path_text.h"
+#include "readers/import_rpp.h"
+#include "sweep/sweep.h"
+
+// Reading the sessions of a load: each session file of the scan range goes to the reader of its
+// kind, and every media path it names is resolved against the session folder and the disk into
+// one used line, checked when the file exists.
+namespace tidewick {
+
+namespace {
+
+// Whether the root that a path's first character stands for exists. On Windows that is the
+// drive letter's root. Elsewhere only "/" is a root: a drive letter or a leading "\" comes from
+// a session saved on Windows, and its path is listed unchecked without a look at the disk.
+bool driveRootExists(QChar first) {
+#ifdef Q_OS_WIN
+    return first.isLetter() && QDir(QString(first) + QStringLiteral(":/")).exists();
+#else
+    return first == u'/';
+#endif
+}
+
+QChar firstChar(const QString& text) {
+    return text.isEmpty() ? QChar() : text.front();
+}
+
+// A media path in host form: on a host whose separator is "/", the "\" of a path saved on
+// Windows becomes "/", so a relative "Audio\take.wav" resolves inside the session folder.
+QString toHostPath(QString path) {
+    if (hostSeparator() == u'/') {
+        path.replace(u'\\', u'/');
+    }
+    return path;
+}
+
+// The length of extension a session file of a text kind must have to be read: four letters for
+// SESX, three for XML, REAPER and Vegas.
+qsizetype extensionLength(SessionKindId kind) {
+    return kind == SessionKindId::Sesx ? 4 : 3;
+}
+
+// One media path as the used list shows it, and the file whose existence checks it.
+struct Resolved {
+    QString shown;
+    QString tested;
+    QChar drive;  // the first character of the root that must exist before the file is tested
+};
+
+Resolved resolvePath(const QString& readPath, SessionKindId kind, const QString& sessionFolder,
+                     bool trim, const QString& recordFolder) {
+    const QString path = toHostPath(readPath);
+    const QChar sessionDrive = firstChar(sessionFolder);
+    if (trim) {
+        const QString shown = trimFolders(path, recordFolder);
+        return {shown, sessionFolder + shown, sessionDrive};
+    }
+    if (kind == SessionKindId::Ses) {
+        return {path, path, firstChar(readPath)};
+    }
+    if (GetParentFolderName(path).isEmpty()) {
+        return {path, sessionFolder + path,
+                sessionDrive};  // a bare name lives in the session folder
+    }
+    if (!path.contains(u':') && !isPathSeparator(firstChar(path))) {
+        return {sessionFolder + path, sessionFolder + path, sessionDrive};
+    }
+    // A drive path, a rooted one or a network one is taken as it stands; its drive is the one
+    // it names, as saved.
+    return {path, path, firstChar(readPath)};
+}
+
+// One load in progress: the lines so far and the set that keeps them distinct.
+class UsedMediaLoad {
+public:
+    UsedMediaLoad(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events)
+        : request_(request),
+          kind_(*request.kind),
+          fs_(fs),
+          events_(events),
+          sessionFolder_(withSeparator(request.folder)) {
+        media_.recordFolder = request.recordFolder;
+    }
+
+    UsedMedia run() {
+        const ScanRange range = scanRange(request_);
+        for (int index = range.first; index <= range.last && !media_.stopped; ++index) {
+            readSession(request_.sessions.at(index));
+        }
+        if (request_.wholeFolder) {
+            media_.version.clear();
+        }
+        return std::move(media_);
+    }
+
+private:
+    void readSession(const QString& name) {
+        const QString fullName = sessionFolder_ + name;
+        if (kind_.id != SessionKindId::Ses) {
+            media_.lastExtension = GetExtensionName(fullName);
+            if (media_.lastExtension.size() != extensionLength(kind_.id)) {
+                return;  // "take.sesx2" under SESX, "a.xmlx" under XML: not read, not said
+            }
+        }
+        if (events_.reading) {
+            events_.reading(fullName);
+        }
+        const SessionRead read = readSessionFile(kind_, fullName, {request_.folder, &fs_});
+        const bool failed = read.outcome == ReaderOutcome::Failed;
+        if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
+            !read.versionFound) {
+            rejectInvalidSession(read, name);
+            // A session that could not be read may use any file of the folder: the load stops
+            // rather than offer its media for moving.
+            media_.stopped = failed;
+            return;
+        }
+        if (read.message) {
+            tell({read.message->text, read.message->title, read.message->icon});
+        }
+        media_.version = failed ? QString() : read.version;
+        for (const RecordPathLine& line : read.recordPaths) {
+            media_.recordFolder =
+                foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
+        }
+        addLines(read.paths);
+        if (failed) {
+            media_.stopped = true;
+        } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
+            media_.lines.append({kNoMediaText, false, {}});
+            media_.noMedia = true;
+        }
+    }
+
+    // A binary session that fails before naming its version is no session at all: alone it is
+    // reported as such, in a whole-folder scan it is passed over.
+    void rejectInvalidSession(const SessionRead& read, const QString& name) {
+        if (read.message) {
+            tell({read.message->text, read.message->title, read.message->icon});
+        }
+        if (!request_.wholeFolder) {
+            media_.version.clear();
+            tell({u'"' + name + u'"' +
+                      QStringLiteral(" does not appear to be a valid session file."),
+                  QStringLiteral("SES File Error"), MessageIcon::Critical});
+        }
+    }
+
+    void addLines(const QStringList& paths) {
+        for (const QString& readPath : paths) {
+            Resolved line = resolvePath(readPath, kind_.id, sessionFolder_, request_.trimFolders,
+                                        media_.recordFolder);
+            if (shown_.contains(line.shown)) {
+                continue;
+            }
+            shown_.insert(line.shown);
+            const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
+            media_.lines.append({std::move(line.shown), exists, std::move(line.tested)});
+        }
+    }
+
+    void tell(const MessageBoxRequest& message) {
+        if (events_.tell) {
+            events_.tell(message);
+        }
+    }
+
+    const SweepRequest& request_;
+    const SessionKind& kind_;
+    const FileSystem& fs_;
+    const SweepEvents& events_;
+    const QString sessionFolder_;  // S: the session folder with its separator
+    UsedMedia media_;
+    QSet<QString> shown_;
+};
+
+}  // namespace
+
+ScanRange scanRange(const SweepRequest& request) {
+    // Every listed session counts, however many there are: a session past any limit would have
+    // its media offered for moving.
+    const int count = int(request.sessions.size());
+    if (request.wholeFolder) {
+        return {0, count - 1};
+    }
+    if (request.selected < 0 || request.selected >= count) {
+        return {0, -1};
+    }
+    return {request.selected, request.selected};
+}
+
+QString trimFolders(const QString& path, const QString& recordFolder) {
+    QString folder = GetParentFolderName(path);
+    // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
+    // record folder the test always holds, so one folder level always stays.
+    if (folder.right(recordFolder.size()).toUpper() == recordFolder.toUpper()) {
+        folder = GetParentFolderName(folder);
+    }
+    // The folder and the separator after it go; that separator may be "\" or "/", whichever
+    // the path was written with.
+    qsizetype cut = folder.size();
+    if (folder.isEmpty() || !isPathSeparator(folder.back())) {
+        if (cut >= path.size() || !isPathSeparator(path[cut])) {
+            return path;
+        }
+        ++cut;
+    }
+    return path.startsWith(folder) ? path.mid(cut) : path;
+}
+
+UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
+                        const SweepEvents& events) {
+    return UsedMediaLoad(request, fs, events).run();
+}
+
+Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events) {
+    Sweep sweep;
+    sweep.used = readUsedMedia(request, fs, events);
+    const SessionKindId kind = request.kind->id;
+    const bool nothingSelected = !request.wholeFolder && request.selected < 0;
+    // A session file whose extension is longer than its kind's ("a.xmlx") was not read: with
+    // nothing read, every file would look unused.
+    const bool longExtension =
+        !request.wholeFolder && sweep.used.lastExtension.size() > extensionLength(kind);
+    // REAPER projects list their other files through the sub-folder row.
+    if (sweep.used.stopped || nothingSelected || kind == SessionKindId::Rpp ||
+        (kind != SessionKindId::Ses && longExtension)) {
+        return sweep;
+    }
+    QStringList texts;
+    texts.reserve(sweep.used.lines.size());
+    for (const UsedLine& line : sweep.used.lines) {
+        texts.append(line.text);
+    }
+    sweep.others = listOtherFiles(request, UsedIndex(texts), sweep.used.recordFolder, fs, events);
+    return sweep;
+}
+
+QStringList sessionFiles(const QString& folder, const QString& pattern) {
+    if (folder.isEmpty()) {
+        return {};
+    }
+    return QDir(folder).entryList({pattern}, QDir::Files | QDir::Hidden | QDir::System,
+                                  QDir::Name | QDir::IgnoreCase);
+}
+
+}  // namespace tidewick

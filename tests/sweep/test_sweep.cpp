@@ -1,0 +1,375 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
+
+#include "platform/path_text.h"
+#include "support/session_files.h"
+#include "sweep/sweep.h"
+
+namespace tidewick {
+namespace {
+
+using enum SessionKindId;
+
+QString ext(SessionKindId id) {
+    return sessionKind(id).sessionPattern.mid(1);
+}
+
+// A session folder on disk and the request the window would make for it.
+class SweepTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(dir.isValid()); }
+
+    QString folder() const { return dir.path() + hostSeparator(); }
+
+    // A (sparse) file of `size` bytes, relative to the session folder or absolute.
+    void touch(const QString& path, qint64 size = 0) const {
+        QFile file(QDir(dir.path()).filePath(path));
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(size)) << path.toStdString();
+    }
+    void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) const {
+        ASSERT_TRUE(test::writeFile(dir.filePath(name), test::sessionBytes(kind, paths)));
+    }
+
+    // The request for `session` (or the whole folder) as the tab switch leaves the options.
+    SweepRequest request(SessionKindId id, const QString& session, bool whole = false) const {
+        SweepRequest r;
+        r.kind = &sessionKind(id);
+        r.folder = dir.path();
+        r.sessions = sessionFiles(dir.path(), r.kind->sessionPattern);
+        r.selected = int(r.sessions.indexOf(session));
+        r.wholeFolder = whole;
+        r.recordFolder = id == Rpp || id == Veg ? dir.path() : "_Recorded";
+        return r;
+    }
+
+    // The used lines as "[x] text" and "[ ] text", and what the user was told.
+    QStringList used(const SweepRequest& r) {
+        SweepEvents events;
+        events.tell = [this](const MessageBoxRequest& m) { told.append(m.title + ": " + m.text); };
+        media = readUsedMedia(r, fs, events);
+        QStringList lines;
+        for (const UsedLine& line : media.lines) {
+            lines.append((line.exists ? "[x] " : "[ ] ") + line.text);
+        }
+        return lines;
+    }
+    QStringList others(const SweepRequest& r, const QStringList& usedLines) const {
+        QStringList lines;
+        for (const OtherFile& file : listOtherFiles(r, UsedIndex(usedLines), r.recordFolder, fs)) {
+            lines.append(file.text);
+        }
+        return lines;
+    }
+
+    QTemporaryDir dir;
+    FileSystem fs;
+    UsedMedia media;
+    QStringList told;
+};
+
+// A saved path and the line it gives. {S} is the session folder, {X} a folder elsewhere and {C}
+// the current folder, each with its separator.
+struct PathCase {
+    const char* name;
+    SessionKindId kind;
+    bool trim;
+    const char *saved, *line;
+    QStringList files = {};  // on disk before the load
+};
+
+class Resolution : public SweepTest, public ::testing::WithParamInterface<PathCase> {
+protected:
+    void SetUp() override {
+        SweepTest::SetUp();
+        ASSERT_TRUE(QDir::setCurrent(current.path()));
+    }
+    void TearDown() override { QDir::setCurrent(previousCurrent); }
+
+    QString expand(QString text) const {
+        return text.replace("{S}", folder())
+            .replace("{X}", elsewhere.path() + hostSeparator())
+            .replace("{C}", current.path() + hostSeparator());
+    }
+
+    QTemporaryDir elsewhere;
+    QTemporaryDir current;
+    const QString previousCurrent = QDir::currentPath();
+};
+
+TEST_P(Resolution, ListsTheResolvedPathCheckedWhenTheFileExists) {
+    const PathCase& c = GetParam();
+    for (const QString& file : c.files) {
+        ASSERT_TRUE(test::writeFile(expand(file), "RIFF"));
+    }
+    writeSession("s" + ext(c.kind), c.kind, {expand(c.saved)});
+    SweepRequest r = request(c.kind, "s" + ext(c.kind));
+    r.trimFolders = c.trim;
+    EXPECT_EQ(used(r), QStringList{expand(c.line)});
+    EXPECT_TRUE(told.isEmpty());
+}
+
+// A drive letter or a leading "\" names a root this machine lacks: never looked for.
+const PathCase kPaths[] = {
+    {"BareName", Xml, false, "a.wav", "[x] a.wav", {"{S}a.wav"}},
+    {"BareNameMissing", Rpp, false, "gone.wav", "[ ] gone.wav"},
+    {"Relative", Sesx, false, "Audio\\a.wav", "[x] {S}Audio/a.wav", {"{S}Audio/a.wav"}},
+    {"Absolute", Veg, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
+    {"Drive", Rpp, false, "C:\\M\\a.wav", "[ ] C:/M/a.wav", {"{C}C:/M/a.wav", "{S}C:/M/a.wav"}},
+    {"Rooted", Xml, false, "\\Audio\\a.wav", "[ ] /Audio/a.wav"},
+    {"SesAbsolute", Ses, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
+    {"SesBareName", Ses, false, "a.wav", "[ ] a.wav", {"{S}a.wav", "{C}a.wav"}},
+    {"TrimKeeps", Ses, true, "E:\\o\\X_Recorded\\t", "[x] X_Recorded/t", {"{S}X_Recorded/t"}},
+    {"TrimDrive", Xml, true, "C:\\M\\a.wav", "[x] a.wav", {"{S}a.wav"}},
+    {"TrimAbsolute", Sesx, true, "{X}R/t.wav", "[ ] t.wav", {"{X}R/t.wav"}},
+};
+INSTANTIATE_TEST_SUITE_P(Table, Resolution, ::testing::ValuesIn(kPaths),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(TrimFolders, KeepsTheFileNameAndAFolderEndingInTheRecordFolder) {
+    struct Case {
+        const char *record, *path, *trimmed;
+    };
+    for (const Case& c : {
+             Case{"_Recorded", "D:\\Audio\\Song_Recorded\\Take 1.wav", "Song_Recorded\\Take 1.wav"},
+             Case{"_Recorded", "D:\\Audio\\Take 1.wav", "Take 1.wav"},
+             Case{"_Recorded", "Take 1.wav", "Take 1.wav"},
+             Case{"_Recorded", "C:\\Take 1.wav", "Take 1.wav"},
+             Case{"_Recorded", "/home/u/song_RECORDED/t.wav", "song_RECORDED/t.wav"},
+             Case{"", "/home/u/Audio/t.wav", "Audio/t.wav"},
+         }) {
+        EXPECT_EQ(trimFolders(c.path, c.record), c.trimmed) << c.path << " with " << c.record;
+    }
+}
+
+TEST_F(SweepTest, EachExactTextIsListedOnceInFirstSeenOrder) {
+    writeSession("s.ses", Ses,
+                 {"C:\\Media\\a.wav", "C:\\Media\\b.wav", "C:\\Media\\a.wav", "c:\\media\\A.WAV"});
+    EXPECT_EQ(used(request(Ses, "s.ses")),
+              QStringList({"[ ] C:/Media/a.wav", "[ ] C:/Media/b.wav", "[ ] c:/media/A.WAV"}));
+    writeSession("s.xml", Xml, {"Audio\\a.wav", "Audio/a.wav", "a.wav", folder() + "a.wav"});
+    EXPECT_EQ(used(request(Xml, "s.xml")), QStringList({"[ ] " + folder() + "Audio/a.wav",
+                                                        "[ ] a.wav", "[ ] " + folder() + "a.wav"}));
+}
+
+// An empty session adds no no-media line, and a binary file without the signature is skipped.
+TEST_F(SweepTest, WholeFolderModeMergesEverySessionSilently) {
+    for (const SessionKind& kind : sessionKinds()) {
+        SCOPED_TRACE(kind.tabCaption.toStdString());
+        const QString e = ext(kind.id);
+        writeSession("a" + e, kind.id, {});
+        writeSession("b" + e, kind.id, {"C:\\m\\1.wav", "C:\\m\\2.wav"});
+        writeSession("c" + e, kind.id, {"C:\\m\\2.wav", "C:\\m\\3.wav"});
+        ASSERT_TRUE(kind.id != Ses || test::writeFile(dir.filePath("d.ses"), "NOT A SESSION"));
+        EXPECT_EQ(used(request(kind.id, "c" + e, true)),
+                  QStringList({"[ ] C:/m/1.wav", "[ ] C:/m/2.wav", "[ ] C:/m/3.wav"}));
+        EXPECT_EQ(media.version, QString());
+    }
+    EXPECT_TRUE(told.isEmpty());
+}
+
+// A text session with a longer extension than its kind's is not read, and no other files show.
+TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
+    struct Case {
+        SessionKindId kind;
+        const char* file;
+        QByteArray bytes;
+        QStringList lines;
+        const char* version;
+        QStringList told;
+    };
+    const QString noMedia = "[ ] <no media files found>";
+    for (const Case& c : {
+             Case{Ses,
+                  "s.ses",
+                  "RIFF....WAVE",
+                  {},
+                  "",
+                  {"SES File Error: \"s.ses\" does not appear to be a valid session file."}},
+             Case{Ses, "s.ses", test::sessionBytes(Ses, {}), {noMedia}, "Audition 3.0", {}},
+             Case{Xml, "s.xml", test::sessionBytes(Xml, {}), {noMedia}, "", {}},
+             Case{Xml, "s.xmlx", test::sessionBytes(Xml, {"a.wav"}), {}, "", {}},
+             Case{Sesx, "s.sesxx", test::sessionBytes(Sesx, {"a.wav"}), {}, "", {}},
+         }) {
+        SCOPED_TRACE(c.file);
+        ASSERT_TRUE(test::writeFile(dir.filePath(c.file), c.bytes));
+        told.clear();
+        SweepRequest r = request(c.kind, c.file);
+        r.sessions = {c.file};
+        r.selected = 0;
+        EXPECT_EQ(used(r), c.lines);
+        EXPECT_EQ(media.version, c.version);
+        EXPECT_EQ(media.noMedia, !c.lines.isEmpty());
+        EXPECT_EQ(told, c.told);
+        if (c.kind != Ses) {
+            EXPECT_EQ(sweepFolder(r, fs).others.isEmpty(), c.lines.isEmpty());
+        }
+    }
+}
+
+// A session that cannot be read ends the load, keeping what was listed and listing no other
+// files: they could be the media it uses.
+TEST_F(SweepTest, AnUnreadableSessionIsReported) {
+    for (const SessionKind& kind : sessionKinds()) {
+        SCOPED_TRACE(kind.tabCaption.toStdString());
+        told.clear();
+        const QString e = ext(kind.id);
+        writeSession("a" + e, kind.id, {"C:\\1.wav"});
+        ASSERT_TRUE(QDir(dir.path()).mkdir("b" + e));  // a folder cannot be read
+        writeSession("c" + e, kind.id, {"C:\\2.wav"});
+        SweepRequest r = request(kind.id, "a" + e, true);
+        r.sessions = {"a" + e, "b" + e, "c" + e};
+        EXPECT_EQ(used(r), QStringList({"[ ] C:/1.wav"}));
+        ASSERT_EQ(told.size(), 1);
+        EXPECT_TRUE(told[0].startsWith("File Error: An error occurred accessing the selected " +
+                                       kind.tabCaption + " file.  "));
+        EXPECT_TRUE(media.stopped);
+        EXPECT_TRUE(sweepFolder(r, fs).others.isEmpty());
+    }
+}
+
+TEST_F(SweepTest, APeakFileIsHeldBackOnlyByUsedMediaItBelongsTo) {
+    // Audition kinds take one extension off and only a wav owns the peak file; REAPER and Vegas
+    // take two, and any media extension but MIDI owns it.
+    const std::tuple<SessionKindId, const char*, const char*, const char*, bool> rows[] = {
+        {Ses, "mix.ses", "a.wav", "a.pk", true},
+        {Ses, "mix.ses", "a.mp3", "a.pk", false},
+        {Ses, "mix.ses", "A.WAV", "a.PK", true},
+        {Xml, "mix.xml", "a.wav", "a.wav.pk", false},
+        {Sesx, "mix.sesx", "Rec/a.wav", "a.pkf", true},
+        {Rpp, "song.rpp", "Audio/vox.flac", "vox.flac.reapeaks", true},
+        {Rpp, "song.rpp", "Audio/vox.flac", "vox.wav.reapeaks", true},
+        {Rpp, "song.rpp", "vox.mid", "vox.wav.reapeaks", false},
+        {Veg, "cut.veg", "a.mp3", "a.mp3.sfk", true},
+    };
+    for (const auto& [kind, session, usedFile, peak, heldBack] : rows) {
+        touch(session);
+        touch(peak);
+        SweepRequest r = request(kind, session);
+        const QString usedLine = folder() + QString(usedFile).replace(u'/', hostSeparator());
+        r.keepPeaks = true;
+        EXPECT_EQ(others(r, {usedLine}).contains(peak), !heldBack) << usedFile << " / " << peak;
+        r.keepPeaks = false;
+        EXPECT_TRUE(others(r, {usedLine}).contains(peak)) << usedFile << " / " << peak;
+        QFile::remove(dir.filePath(peak));
+    }
+}
+
+TEST_F(SweepTest, TheMediaTypeChoosesTheFilesAndOnlyAllFilesLetsPeakFilesIn) {
+    for (const char* name : {"mix.ses", "a.wav", "a.pk", "b.BWF", "c.mp3", "README", ".hidden"}) {
+        touch(name);
+    }
+    struct Case {
+        const char* pattern;
+        bool peaksListed;
+        QStringList lines;
+    };
+    for (const Case& c : {
+             Case{"*.*", true, {"a.wav", "b.BWF", "c.mp3", "README", "a.pk"}},  // hidden never
+             Case{"*.wav", false, {"a.wav"}},
+             Case{"*.bwf; *.WAV", false, {"a.wav", "b.BWF"}},
+         }) {
+        SweepRequest r = request(Ses, "mix.ses");
+        r.typePattern = c.pattern;
+        r.peaksListed = c.peaksListed;
+        EXPECT_EQ(others(r, {}), c.lines) << c.pattern;
+    }
+}
+
+TEST_F(SweepTest, LeavesOutTheSelectedSessionOrAllScannedOnesInAnyCase) {
+    for (const char* name : {"mix.ses", "OLD.SES", "other.Ses", "take.wav", "mix.ses.bak"}) {
+        touch(name);
+    }
+    EXPECT_EQ(others(request(Ses, "mix.ses"), {}),
+              QStringList({"mix.ses.bak", "OLD.SES", "other.Ses", "take.wav"}));
+    EXPECT_EQ(others(request(Ses, "mix.ses", true), {}), QStringList({"mix.ses.bak", "take.wav"}));
+}
+
+TEST_F(SweepTest, GathersEachScannedSessionsRecordingsFolder) {
+    for (const char* name :
+         {"mix.ses", "old.ses", "mix_Recorded/take1.wav", "mix_Recorded/take2.wav",
+          "old_Recorded/take3.wav", "Other/take4.wav"}) {
+        touch(name);
+    }
+    const QString mix = QString("mix_Recorded") + hostSeparator();
+    const QString old = QString("old_Recorded") + hostSeparator();
+    const QStringList usedLines = {folder() + mix + "take1.wav"};
+    EXPECT_EQ(others(request(Ses, "mix.ses"), usedLines),
+              QStringList({"old.ses", mix + "take2.wav"}));
+    EXPECT_EQ(others(request(Ses, "mix.ses", true), usedLines),
+              QStringList({mix + "take2.wav", old + "take3.wav"}));
+}
+
+TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
+    // A null used line stands for the file's whole path upper-cased.
+    const std::tuple<SessionKindId, const char*, const char*> rows[] = {
+        {Ses, "mix.ses", nullptr},    {Xml, "mix.xml", nullptr},     {Veg, "cut.veg", nullptr},
+        {Rpp, "song.rpp", nullptr},   {Ses, "mix.ses", "Take.wav"},  {Xml, "mix.xml", "take.WAV"},
+        {Veg, "cut.veg", "TAKE.wav"}, {Rpp, "song.rpp", "take.WAV"},
+    };
+    for (const char* name : {"Take.wav", "spare.wav", "mix_Recorded/Take.wav"}) {
+        touch(name);
+    }
+    for (const auto& [kind, session, usedLine] : rows) {
+        touch(session);
+        SweepRequest r = request(kind, session);
+        r.recordFolder = "_Recorded";
+        const QStringList lines =
+            others(r, {usedLine ? QString(usedLine) : (folder() + "Take.wav").toUpper()});
+        EXPECT_TRUE(lines.contains("spare.wav") && !lines.contains("Take.wav"))
+            << session << " / " << (usedLine ? usedLine : "whole path");
+        // A bare name holds back only the session folder's file.
+        EXPECT_EQ(lines.contains(QString("mix_Recorded") + hostSeparator() + "Take.wav"),
+                  kind == Ses || kind == Xml)
+            << session;
+        QFile::remove(dir.filePath(session));
+    }
+}
+
+TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
+    QTemporaryDir records;
+    touch("song.rpp");
+    touch("mixdown.wav");
+    touch(records.path() + "/take.wav");
+    touch(records.path() + "/other.wav");
+    SweepRequest r = request(Rpp, "song.rpp");
+    r.recordFolder = "\" " + records.path() + " \"";
+    r.subFolderOn = true;
+    r.subFolder = records.path();
+    EXPECT_EQ(others(r, {records.path() + "/TAKE.wav"}),
+              QStringList({"mixdown.wav", withSeparator(records.path()) + "other.wav"}));
+}
+
+// A REAPER project lists its other files through the sub-folder row, and a load stopped by a
+// failed read lists none: its session was read only in part.
+TEST_F(SweepTest, OnlyACompleteLoadOfAnAuditionOrVegasSessionListsOtherFiles) {
+    touch("spare.wav", 3000);
+    for (const SessionKindId kind : {Ses, Xml, Sesx, Veg, Rpp}) {
+        writeSession("s" + ext(kind), kind, {"a.wav"});
+        const Sweep sweep = sweepFolder(request(kind, "s" + ext(kind)), fs);
+        EXPECT_EQ(sweep.others.contains(OtherFile{"spare.wav", 3000}), kind != Rpp);
+        QFile::remove(dir.filePath("s" + ext(kind)));
+    }
+}
+
+TEST(SweepCaptions, CountTheLinesAndTheBytes) {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    const QString caption = "Media File(s) Used  (NB: Files with a check mark exist on Disk)";
+    EXPECT_EQ(usedFrameText(0, false, false, "mix.ses"), caption);
+    EXPECT_EQ(usedFrameText(1, true, false, "mix.ses"), "0 " + caption);
+    EXPECT_EQ(usedFrameText(3, false, false, "mix.ses"), "mix.ses: 3 " + caption);
+    EXPECT_EQ(usedFrameText(3, false, true, "mix.xml"), " Multiple SES files: 3 " + caption);
+    EXPECT_EQ(unusedFrameText(0, 0), "Files to be Moved");
+    EXPECT_EQ(unusedFrameText(2, 5), "Files to be Moved - [2/5]");
+    EXPECT_EQ(sizesText(3221225472, 1024),
+              "Listed Other Files: 3,221,225,472 bytes (3,072.00Mb) - Selected Other Files: "
+              "1,024 bytes (0.00Mb)");
+    QLocale::setDefault(QLocale::c());
+}
+
+}  // namespace
+}  // namespace tidewick
