@@ -93,8 +93,14 @@ QList<FolderEntry> readFolder(const QString& folder) {
 }  // namespace
 
 bool FileSystem::FileExists(const QString& path) const {
+#ifdef Q_OS_UNIX
+    struct stat info {};
+    return !path.isEmpty() && ::stat(QFile::encodeName(path).constData(), &info) == 0 &&
+           !S_ISDIR(info.st_mode);
+#else
     const QFileInfo info(path);
     return info.exists() && !info.isDir();
+#endif
 }
 
 bool FileSystem::FolderExists(const QString& path) const {

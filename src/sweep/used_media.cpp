@@ -2,6 +2,7 @@
 
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
+#include "sweep/listed_disk.h"
 #include "sweep/sweep.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
@@ -215,10 +216,16 @@ UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
 }
 
 Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events) {
-    Sweep sweep;
-    sweep.used = readUsedMedia(request, fs, events);
     const SessionKindId kind = request.kind->id;
     const bool nothingSelected = !request.wholeFolder && request.selected < 0;
+    // The session folder is listed for the other files anyway; listed first, it also tells
+    // which of the used files there exist, without a question to the disk for each.
+    const ListedDisk disk(fs);
+    if (kind != SessionKindId::Rpp && !nothingSelected) {
+        disk.listFiles(request.folder);
+    }
+    Sweep sweep;
+    sweep.used = readUsedMedia(request, disk, events);
     // A session file whose extension is longer than its kind's ("a.xmlx") was not read: with
     // nothing read, every file would look unused.
     const bool longExtension =
@@ -233,7 +240,7 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     for (const UsedLine& line : sweep.used.lines) {
         texts.append(line.text);
     }
-    sweep.others = listOtherFiles(request, UsedIndex(texts), sweep.used.recordFolder, fs, events);
+    sweep.others = listOtherFiles(request, UsedIndex(texts), sweep.used.recordFolder, disk, events);
     return sweep;
 }
 

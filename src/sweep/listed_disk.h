@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QHash>
+#include <QSet>
+
+#include "platform/file_system.h"
+
+// The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
+// known to exist without asking the disk again. A name the listing lacks (a hidden file, a file
+// of another folder) is asked of the disk itself.
+namespace tidewick {
+
+class ListedDisk : public FileSystem {
+public:
+    explicit ListedDisk(const FileSystem& disk) : disk_(disk) {}
+
+    bool FileExists(const QString& path) const override;
+    bool FolderExists(const QString& path) const override { return disk_.FolderExists(path); }
+    qint64 fileSize(const QString& path) const override { return disk_.fileSize(path); }
+    QList<FolderEntry> listFiles(const QString& folder) const override;
+    QString currentDirectory() const override { return disk_.currentDirectory(); }
+
+private:
+    struct Listing {
+        QList<FolderEntry> entries;
+        QSet<QString> names;
+    };
+    const Listing& listing(const QString& folder) const;
+
+    const FileSystem& disk_;
+    mutable QHash<QString, Listing> listings_;  // by folder, with its separator
+};
+
+}  // namespace tidewick
