@@ -164,6 +164,78 @@ void MainWindow::createControls() {
     }
 }
 
+QTreeView* MainWindow::createFolderTree(QWidget* container) {
+    auto* tree = new QTreeView(container);
+    folders_ = new QFileSystemModel(this);
+    folderIcons_ = std::make_unique<NoFolderIcons>();
+    folders_->setIconProvider(folderIcons_.get());
+    folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
+    folders_->setRootPath(QDir::rootPath());
+    tree->setModel(folders_);
+    tree->setHeaderHidden(true);
+    for (int column = 1; column < folders_->columnCount(); ++column) {
+        tree->hideColumn(column);
+    }
+    connect(tree, &QTreeView::clicked, this,
+            [this](const QModelIndex& index) { form_.SESDir_Click(folders_->filePath(index)); });
+    // Folders load in the background and are sorted after they arrive; the current one
+    // comes into view once it is there, and again once its siblings are in order.
+    const auto bringIntoView = [this, tree] {
+        const QModelIndex folder = folders_->index(form_.SESDir.text());
+        if (folder.isValid() && tree->currentIndex() != folder) {
+            tree->setCurrentIndex(folder);
+        }
+        tree->scrollTo(folder, QAbstractItemView::PositionAtCenter);
+    };
+    connect(folders_, &QFileSystemModel::directoryLoaded, tree, bringIntoView);
+    connect(folders_, &QAbstractItemModel::layoutChanged, tree, bringIntoView);
+    return tree;
+}
+
+QTabBar* MainWindow::createTabStrip(Control& control, QWidget* container) {
+    auto* page = new QFrame(container);
+    page->setObjectName(QLatin1String(kTabPage));
+    page->setFrameShape(QFrame::StyledPanel);
+    objects_.insert(QLatin1String(kTabPage), page);
+    auto* tabs = new QTabBar(container);
+    tabs->setExpanding(false);
+    tabs->setDrawBase(false);
+    for (const SessionKind& kind : sessionKinds()) {
+        const int index = tabs->addTab(kind.tabCaption);
+        tabs->setTabData(index, kind.tabKey);
+        tabs->setTabToolTip(index, kind.tabTooltip);
+    }
+    connect(tabs, &QTabBar::currentChanged, &control, &Control::setListIndex);
+    return tabs;
+}
+
+QComboBox* MainWindow::createChoiceList(Control& control, QWidget* container) {
+    QComboBox* combo = control.kind() == ControlKind::ComboBox ? new FileTypesComboBox(container)
+                                                               : new QComboBox(container);
+    connect(combo, &QComboBox::activated, &control, [&control](int index) {
+        if (control.kind() == ControlKind::DriveList) {
+            control.setText(control.items().value(index));
+        } else if (index == control.listIndex()) {
+            control.click();  // choosing the chosen entry again still counts as a click
+        } else {
+            control.setListIndex(index);
+        }
+    });
+    return combo;
+}
+
+QListView* MainWindow::createFileList(Control& control, QWidget* container) {
+    auto* view = new QListView(container);
+    view->setModel(new QStringListModel(view));
+    view->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view->setUniformItemSizes(true);
+    connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, &control,
+            [&control](const QModelIndex& current) {
+                control.setListIndex(current.isValid() ? current.row() : -1);
+            });
+    return view;
+}
+
 QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
     switch (control.kind()) {
         case ControlKind::Frame: {
@@ -197,81 +269,19 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
             return edit;
         }
         case ControlKind::ComboBox:
-        case ControlKind::DriveList: {
-            QComboBox* combo = control.kind() == ControlKind::ComboBox
-                                   ? new FileTypesComboBox(container)
-                                   : new QComboBox(container);
-            connect(combo, &QComboBox::activated, &control, [&control](int index) {
-                if (control.kind() == ControlKind::DriveList) {
-                    control.setText(control.items().value(index));
-                } else if (index == control.listIndex()) {
-                    control.click();  // choosing the chosen entry again still counts as a click
-                } else {
-                    control.setListIndex(index);
-                }
-            });
-            return combo;
-        }
+        case ControlKind::DriveList:
+            return createChoiceList(control, container);
         case ControlKind::CheckList: {
             auto* view = new QListView(container);
             bindList(control, view);
             return view;
         }
-        case ControlKind::FolderTree: {
-            auto* tree = new QTreeView(container);
-            folders_ = new QFileSystemModel(this);
-            folderIcons_ = std::make_unique<NoFolderIcons>();
-            folders_->setIconProvider(folderIcons_.get());
-            folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-            folders_->setRootPath(QDir::rootPath());
-            tree->setModel(folders_);
-            tree->setHeaderHidden(true);
-            for (int column = 1; column < folders_->columnCount(); ++column) {
-                tree->hideColumn(column);
-            }
-            connect(tree, &QTreeView::clicked, this, [this](const QModelIndex& index) {
-                form_.SESDir_Click(folders_->filePath(index));
-            });
-            // Folders load in the background and are sorted after they arrive; the current one
-            // comes into view once it is there, and again once its siblings are in order.
-            const auto bringIntoView = [this, tree] {
-                const QModelIndex folder = folders_->index(form_.SESDir.text());
-                if (folder.isValid() && tree->currentIndex() != folder) {
-                    tree->setCurrentIndex(folder);
-                }
-                tree->scrollTo(folder, QAbstractItemView::PositionAtCenter);
-            };
-            connect(folders_, &QFileSystemModel::directoryLoaded, tree, bringIntoView);
-            connect(folders_, &QAbstractItemModel::layoutChanged, tree, bringIntoView);
-            return tree;
-        }
-        case ControlKind::FileList: {
-            auto* view = new QListView(container);
-            view->setModel(new QStringListModel(view));
-            view->setEditTriggers(QAbstractItemView::NoEditTriggers);
-            view->setUniformItemSizes(true);
-            connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, &control,
-                    [&control](const QModelIndex& current) {
-                        control.setListIndex(current.isValid() ? current.row() : -1);
-                    });
-            return view;
-        }
-        case ControlKind::TabStrip: {
-            auto* page = new QFrame(container);
-            page->setObjectName(QLatin1String(kTabPage));
-            page->setFrameShape(QFrame::StyledPanel);
-            objects_.insert(QLatin1String(kTabPage), page);
-            auto* tabs = new QTabBar(container);
-            tabs->setExpanding(false);
-            tabs->setDrawBase(false);
-            for (const SessionKind& kind : sessionKinds()) {
-                const int index = tabs->addTab(kind.tabCaption);
-                tabs->setTabData(index, kind.tabKey);
-                tabs->setTabToolTip(index, kind.tabTooltip);
-            }
-            connect(tabs, &QTabBar::currentChanged, &control, &Control::setListIndex);
-            return tabs;
-        }
+        case ControlKind::FolderTree:
+            return createFolderTree(container);
+        case ControlKind::FileList:
+            return createFileList(control, container);
+        case ControlKind::TabStrip:
+            return createTabStrip(control, container);
         case ControlKind::Window:
         case ControlKind::Menu:
         case ControlKind::MenuItem:
@@ -320,6 +330,31 @@ void MainWindow::sync(Control& control) {
         widget->setVisible(control.visible());
     }
 
+    syncContent(control, widget);
+}
+
+void MainWindow::syncFileList(Control& control, QWidget* widget) {
+    auto* view = static_cast<QListView*>(widget);
+    auto* files = static_cast<QStringListModel*>(view->model());
+    if (files->stringList() != control.items()) {
+        files->setStringList(control.items());
+    }
+    const QSignalBlocker selection(view->selectionModel());
+    view->setCurrentIndex(files->index(control.listIndex()));
+}
+
+void MainWindow::syncTabStrip(Control& control, QWidget* widget) {
+    static_cast<QTabBar*>(widget)->setCurrentIndex(control.listIndex());
+    // The page lies below the tabs, within the strip's rectangle.
+    if (auto* page = qobject_cast<QWidget*>(objects_.value(QLatin1String(kTabPage)))) {
+        const QRect strip = widget->geometry();
+        const int tabHeight = widget->sizeHint().height();
+        page->setGeometry(strip.adjusted(0, tabHeight - 1, 0, 0));
+        page->setVisible(control.visible());
+    }
+}
+
+void MainWindow::syncContent(Control& control, QWidget* widget) {
     switch (control.kind()) {
         case ControlKind::Frame:
             static_cast<QGroupBox*>(widget)->setTitle(control.text());
@@ -365,27 +400,12 @@ void MainWindow::sync(Control& control) {
                 tree->scrollTo(folder);
             }
             break;
-        case ControlKind::FileList: {
-            auto* view = static_cast<QListView*>(widget);
-            auto* files = static_cast<QStringListModel*>(view->model());
-            if (files->stringList() != control.items()) {
-                files->setStringList(control.items());
-            }
-            const QSignalBlocker selection(view->selectionModel());
-            view->setCurrentIndex(files->index(control.listIndex()));
+        case ControlKind::FileList:
+            syncFileList(control, widget);
             break;
-        }
-        case ControlKind::TabStrip: {
-            static_cast<QTabBar*>(widget)->setCurrentIndex(control.listIndex());
-            // The page lies below the tabs, within the strip's rectangle.
-            if (auto* page = qobject_cast<QWidget*>(objects_.value(QLatin1String(kTabPage)))) {
-                const QRect strip = widget->geometry();
-                const int tabHeight = widget->sizeHint().height();
-                page->setGeometry(strip.adjusted(0, tabHeight - 1, 0, 0));
-                page->setVisible(control.visible());
-            }
+        case ControlKind::TabStrip:
+            syncTabStrip(control, widget);
             break;
-        }
         case ControlKind::PictureButton:
         case ControlKind::CheckList:
         case ControlKind::Window:

@@ -9,6 +9,10 @@
 
 class QAbstractFileIconProvider;
 class QFileSystemModel;
+class QComboBox;
+class QListView;
+class QTabBar;
+class QTreeView;
 
 // The main window: one widget per control of the MainForm, placed at the control's twips,
 // showing its data and forwarding the user's actions to its handlers.
@@ -43,7 +47,15 @@ private:
     void createControls();
     QWidget* createWidget(Control& control, QWidget* container);
     void bindList(Control& control, QWidget* view);
+    QTreeView* createFolderTree(QWidget* container);
+    QTabBar* createTabStrip(Control& control, QWidget* container);
+    QComboBox* createChoiceList(Control& control, QWidget* container);
+    QListView* createFileList(Control& control, QWidget* container);
     void sync(Control& control);
+    /// Shows what is particular to the control's kind: caption, state, lines.
+    void syncContent(Control& control, QWidget* widget);
+    void syncFileList(Control& control, QWidget* widget);
+    void syncTabStrip(Control& control, QWidget* widget);
     void syncWindow();
     void showAbout();
 };

@@ -8,70 +8,92 @@
 
 namespace tidewick::cli {
 
-int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+namespace {
+
+struct MediaOptions {
     QString fileName;
-    QString kindName;
+    const SessionKind* kind = nullptr;
     bool verbose = false;
+};
+
+// Reads the arguments into `options`; on a mistake says what is wrong and returns false.
+bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QTextStream& err) {
+    QString kindName;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
         if (argument == QLatin1String("--verbose")) {
-            verbose = true;
+            options.verbose = true;
         } else if (argument == QLatin1String("--kind") && i + 1 < arguments.size()) {
             kindName = arguments[++i];
-        } else if (argument.startsWith(QLatin1String("--")) || !fileName.isEmpty()) {
+        } else if (argument.startsWith(QLatin1String("--")) || !options.fileName.isEmpty()) {
             err << "tidewick-cli media: unexpected argument '" << argument << "'\n";
-            return UsageError;
+            return false;
         } else {
-            fileName = argument;
+            options.fileName = argument;
         }
     }
-    if (fileName.isEmpty()) {
+    if (options.fileName.isEmpty()) {
         err << "usage: tidewick-cli media FILE [--kind ses|sesx|xml|rpp|veg] [--verbose]\n";
-        return UsageError;
+        return false;
     }
-    const SessionKind* kind =
-        kindName.isEmpty() ? sessionKindForFile(fileName) : sessionKindByCaption(kindName);
-    if (kind == nullptr) {
+    options.kind =
+        kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByCaption(kindName);
+    if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
-            err << "tidewick-cli media: cannot tell the kind of '" << fileName
+            err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
                 << "' from its extension; give --kind ses|sesx|xml|rpp|veg\n";
         } else {
             err << "tidewick-cli media: unknown kind '" << kindName
                 << "'; use ses, sesx, xml, rpp or veg\n";
         }
-        return UsageError;
+        return false;
     }
-    const QFileInfo info(fileName);
-    if (!info.isFile()) {
-        err << "tidewick-cli media: no such file: " << fileName << '\n';
-        return UsageError;
-    }
+    return true;
+}
 
+// The version of a binary session, and the record folder that a single-project load starting
+// from none arrives at.
+void printDetails(const SessionKind& kind, const SessionRead& read, const QFileInfo& info,
+                  QTextStream& err) {
+    if (kind.id == SessionKindId::Ses) {
+        err << "version: " << read.version << '\n';
+    }
+    if (kind.id == SessionKindId::Rpp) {
+        const QString projectFolder = withSeparator(info.absolutePath());
+        QString recordFolder;
+        for (const RecordPathLine& line : read.recordPaths) {
+            recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+        }
+        err << "record folder: " << recordFolder << '\n';
+    }
+}
+
+}  // namespace
+
+int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    MediaOptions options;
+    if (!parseMediaArguments(arguments, options, err)) {
+        return UsageError;
+    }
+    const QFileInfo info(options.fileName);
+    if (!info.isFile()) {
+        err << "tidewick-cli media: no such file: " << options.fileName << '\n';
+        return UsageError;
+    }
+    const SessionKind& kind = *options.kind;
     FileSystem fs;
     const SessionRead read =
-        readSessionFile(*kind, info.absoluteFilePath(), SessionPlace{info.absolutePath(), &fs});
+        readSessionFile(kind, info.absoluteFilePath(), SessionPlace{info.absolutePath(), &fs});
     if (read.message) {
         ConsoleInteraction ui(err);
         showOk(ui, read.message->text, read.message->title, read.message->icon);
     }
-    if (read.outcome == ReaderOutcome::Rejected && kind->id == SessionKindId::Ses &&
+    if (read.outcome == ReaderOutcome::Rejected && kind.id == SessionKindId::Ses &&
         read.version.isEmpty()) {
         err << '"' << info.fileName() << "\" does not appear to be a valid session file.\n";
     }
-    if (verbose) {
-        if (kind->id == SessionKindId::Ses) {
-            err << "version: " << read.version << '\n';
-        }
-        if (kind->id == SessionKindId::Rpp) {
-            // The record folder a single-project load that starts from none arrives at.
-            QString projectFolder = info.absolutePath();
-            AddBackslash(projectFolder);
-            QString recordFolder;
-            for (const RecordPathLine& line : read.recordPaths) {
-                recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
-            }
-            err << "record folder: " << recordFolder << '\n';
-        }
+    if (options.verbose) {
+        printDetails(kind, read, info, err);
     }
     if (read.outcome != ReaderOutcome::Read) {
         return ReaderError;
