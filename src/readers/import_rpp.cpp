@@ -169,10 +169,11 @@ private:
                 return;  // a MIDI source with its notes in the project itself
             }
         }
-        QByteArrayView inside;
-        if (!textBetweenFirstQuotes(fileLine, inside)) {
+        const std::optional<QByteArrayView> quoted = textBetweenFirstQuotes(fileLine);
+        if (!quoted) {
             return;  // fewer than two quotes: there is no path to cut out
         }
+        const QByteArrayView inside = *quoted;
         // The same bytes always give the same path, so a file that many items share is
         // decoded once.
         const QByteArray key = QByteArray::fromRawData(inside.data(), inside.size());

@@ -56,7 +56,12 @@ public:
     }
 
     bool readI32(qint32 pos, qint32& value) {
-        return readI32LE(bytes_, pos, value) || fail("Input past end of file");
+        const std::optional<qint32> read = readI32LE(bytes_, pos);
+        if (!read) {
+            return fail("Input past end of file");
+        }
+        value = *read;
+        return true;
     }
 
     bool add(qint32 a, qint64 b, qint32& sum) {

@@ -65,11 +65,11 @@ public:
                 return;
             }
             if (static_cast<unsigned char>(data_[o_]) == 0xFF) {
-                qint32 value = 0;
-                if (!readI32LE(bytes_, o_, value)) {
+                const std::optional<qint32> value = readI32LE(bytes_, o_);
+                if (!value) {
                     return;
                 }
-                if (value == -1) {
+                if (*value == -1) {
                     runs_ = std::min(runs_ + 1, kRunsBeforeRecords);
                     o_ += 4;
                     armed_ = true;
@@ -91,13 +91,13 @@ public:
             if (runs_ >= kRunsBeforeRecords && armed_) {
                 armed_ = false;
                 o_ += kTypeOffset;
-                qint32 type = 0;
-                if (!readI32LE(bytes_, o_, type)) {
+                const std::optional<qint32> type = readI32LE(bytes_, o_);
+                if (!type) {
                     return;
                 }
                 // Any other type value leaves the position at its first byte, where the scan
                 // goes on.
-                if (type == 1 || type == 2) {
+                if (*type == 1 || *type == 2) {
                     o_ += kPathAfterType;
                     if (!readPath()) {
                         return;

@@ -1,30 +1,35 @@
 #include "readers/session_bytes.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cstring>
 #include <limits>
 
 namespace tidewick {
 
-bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error) {
+FileBytes readSessionBytes(const QString& fileName) {
+    // A pipe would block the read until something writes to it, and a device such as /dev/zero
+    // never ends: only an ordinary file (or a link to one) is opened at all.
+    const QFileInfo info(fileName);
+    if (!info.isFile()) {
+        return {{},
+                info.exists() ? QStringLiteral("It is not an ordinary file.")
+                              : QStringLiteral("The file does not exist.")};
+    }
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        error = file.errorString();
-        return false;
+        return {{}, file.errorString()};
     }
-    const qint64 size = file.size();
-    if (size > qint64(std::numeric_limits<qint32>::max()) - 1024) {
+    if (file.size() > qint64(std::numeric_limits<qint32>::max()) - 1024) {
         // Session positions are 32-bit; no real session comes near this.
-        error = QStringLiteral("The file is larger than 2 GB.");
-        return false;
+        return {{}, QStringLiteral("The file is larger than 2 GB.")};
     }
-    bytes = file.readAll();
+    QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) {
-        error = file.errorString();
-        return false;
+        return {{}, file.errorString()};
     }
-    return true;
+    return {std::move(bytes), {}};
 }
 
 ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason) {
@@ -94,17 +99,16 @@ QByteArray cleanedLine(QByteArrayView line) {
     return out;
 }
 
-bool textBetweenFirstQuotes(QByteArrayView line, QByteArrayView& inside) {
+std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line) {
     const qsizetype first = line.indexOf('"');
     if (first < 0) {
-        return false;
+        return std::nullopt;
     }
     const qsizetype second = line.indexOf('"', first + 1);
     if (second < 0) {
-        return false;
+        return std::nullopt;
     }
-    inside = line.sliced(first + 1, second - first - 1);
-    return true;
+    return line.sliced(first + 1, second - first - 1);
 }
 
 }  // namespace tidewick

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
+#include <optional>
 
 #include "readers/reader_contract.h"
 
@@ -10,18 +11,21 @@
 // and the lines of a text session.
 namespace tidewick {
 
-/// Reads the whole file in one go. On failure returns false with a description in `error`.
-bool readSessionBytes(const QString& fileName, QByteArray& bytes, QString& error);
+/// The whole of a file, read in one go, or why it could not be read.
+struct FileBytes {
+    QByteArray bytes;
+    QString error;  ///< empty when the file was read
+};
+FileBytes readSessionBytes(const QString& fileName);
 
-/// Reads the 32-bit signed little-endian number at `pos`; false when it lies outside `bytes`.
-inline bool readI32LE(QByteArrayView bytes, qint64 pos, qint32& value) {
+/// The 32-bit signed little-endian number at `pos`; none when it lies outside `bytes`.
+inline std::optional<qint32> readI32LE(QByteArrayView bytes, qint64 pos) {
     if (pos < 0 || pos > bytes.size() - 4) {
-        return false;
+        return std::nullopt;
     }
     const auto* p = reinterpret_cast<const unsigned char*>(bytes.data() + pos);
-    value = static_cast<qint32>(quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 |
-                                quint32(p[3]) << 24);
-    return true;
+    return static_cast<qint32>(quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 |
+                               quint32(p[3]) << 24);
 }
 
 /// Hands out the lines of a text session. A line ends at a carriage return, at a carriage
@@ -62,7 +66,7 @@ QByteArrayView trimmedOfBlanksAndTabs(QByteArrayView line);
 /// Returned as bytes with the tabs inside replaced.
 QByteArray cleanedLine(QByteArrayView line);
 
-/// The text between the first and the second double quote; false when there are fewer than two.
-bool textBetweenFirstQuotes(QByteArrayView line, QByteArrayView& inside);
+/// The text between the first and the second double quote; none when there are fewer than two.
+std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line);
 
 }  // namespace tidewick

@@ -86,12 +86,11 @@ SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
     // A fault while reading, such as a file too large for the memory left, ends this read with
     // the "File Error" message, never the program.
     try {
-        QByteArray bytes;
-        QString error;
-        if (!readSessionBytes(fileName, bytes, error)) {
-            return failed(error);
+        const FileBytes file = readSessionBytes(fileName);
+        if (!file.error.isEmpty()) {
+            return failed(file.error);
         }
-        return kind.reader(bytes, place);
+        return kind.reader(file.bytes, place);
     } catch (const std::exception& error) {
         return failed(QString::fromLocal8Bit(error.what()));
     } catch (...) {
