@@ -201,8 +201,6 @@ public:
     std::shared_ptr<SizeCache> sizeCache_;
 
 Q_SIGNALS:
-    /// ExcludedCheck was checked: the exclusion-list editor is to be shown, modal.
-    void exclusionEditorRequested();
     /// The control called `controlName` is to get the keyboard focus.
     void focusRequested(const QString& controlName);
 

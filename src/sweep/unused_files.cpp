@@ -27,9 +27,6 @@ void MainForm::KeepPKCheck_Click() {
 void MainForm::ExcludedCheck_Click() {
     // The exclusion list is applied by the move, not here: the list keeps showing such files.
     Q_EMIT focusRequested(QStringLiteral("UnusedFiles"));
-    if (ExcludedCheck.checked()) {
-        Q_EMIT exclusionEditorRequested();
-    }
 }
 
 }  // namespace tidewick

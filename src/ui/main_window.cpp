@@ -103,6 +103,11 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
         }
     });
     connect(&form_, &MainForm::closeRequested, this, &QWidget::close);
+    connect(&form_, &MainForm::focusRequested, this, [this](const QString& controlName) {
+        if (auto* widget = qobject_cast<QWidget*>(objects_.value(controlName))) {
+            widget->setFocus();
+        }
+    });
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
     connect(&form_, &MainForm::webPageRequested, this,
             [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
