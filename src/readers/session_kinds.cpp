@@ -88,7 +88,8 @@ SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
     try {
         const FileBytes file = readSessionBytes(fileName);
         if (!file.error.isEmpty()) {
-            return failed(file.error);
+            // Named, so that a failure in a whole-folder scan says which file it was.
+            return failed(u'"' + GetFileName(fileName) + QStringLiteral("\": ") + file.error);
         }
         return kind.reader(file.bytes, place);
     } catch (const std::exception& error) {

@@ -152,7 +152,7 @@ QString unusedFrameText(qsizetype checked, qsizetype listed);
 QString sizesText(qint64 listed, qint64 checked);
 
 /// The session files of `folder` that the session-file list shows for `pattern` ("*.ses"),
-/// sorted by name ignoring case.
+/// sorted by name ignoring case: ordinary files and links to them, hidden ones included.
 QStringList sessionFiles(const QString& folder, const QString& pattern);
 
 }  // namespace tidewick

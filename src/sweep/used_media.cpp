@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QFileInfo>
 
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
@@ -248,8 +249,13 @@ QStringList sessionFiles(const QString& folder, const QString& pattern) {
     if (folder.isEmpty()) {
         return {};
     }
-    return QDir(folder).entryList({pattern}, QDir::Files | QDir::Hidden | QDir::System,
-                                  QDir::Name | QDir::IgnoreCase);
+    // Hidden sessions are listed too, but only ordinary files: a pipe or device named like a
+    // session is no session, and reading one would block or never end.
+    const QDir dir(folder);
+    QStringList names =
+        dir.entryList({pattern}, QDir::Files | QDir::Hidden, QDir::Name | QDir::IgnoreCase);
+    names.removeIf([&dir](const QString& name) { return !QFileInfo(dir, name).isFile(); });
+    return names;
 }
 
 }  // namespace tidewick

@@ -79,8 +79,3 @@ inline void PrintTo(const MessageBoxRequest& box, std::ostream* out) {
     *out << "{" << box.title.toStdString() << ": " << box.text.toStdString() << "}";
 }
 }  // namespace tidewick
-
-// Failures show texts as text rather than as code units.
-inline void PrintTo(const QString& text, std::ostream* out) {
-    *out << '"' << text.toStdString() << '"';
-}

@@ -11,34 +11,22 @@ namespace {
 using test::SessionFolderTest;
 using test::writeFile;
 
+// The sub-folder row shows on the REAPER and Vegas tabs, whose record folder is the session's.
 TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
-    struct Case {
-        const char *key, *pattern, *scanAll, *keepPeaks;
-        bool subFolderRow;  // shown on the REAPER and Vegas tabs, whose record folder is S
-    };
-    for (const Case& c : {
-             Case{"SESFiles", "*.ses", "Check All &SES files", "&Keep Used PK Files", false},
-             Case{"SESXFiles", "*.sesx", "Check All &SESX files", "&Keep Used PKF Files", false},
-             Case{"XMLFiles", "*.xml", "Check All &XML files", "&Keep Used PK Files", false},
-             Case{"RPPFiles", "*.rpp", "Check All &RPP files", "&Keep Used Reapeaks Files", true},
-             Case{"VEGFiles", "*.veg", "Check All &VEG files", "&Keep Used sfk Files", true},
-         }) {
-        SCOPED_TRACE(c.key);
-        form.selectTabByKey(c.key == QLatin1String("VEGFiles") ? "SESFiles" : "VEGFiles");
+    for (const SessionKind& kind : sessionKinds()) {
+        SCOPED_TRACE(kind.tabKey.toStdString());
+        const bool subFolderRow = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
+        form.selectTabByKey(kind.id == SessionKindId::Veg ? "SESFiles" : "VEGFiles");
         form.UsedFiles.addItem("old.wav", true);
         form.SESVersionLabel.setText("Audition 3.0");
-        form.selectTabByKey(c.key);
-        EXPECT_EQ(form.sessionFilePattern(), c.pattern);
-        EXPECT_EQ(form.ScanAll.text(), c.scanAll);
-        EXPECT_EQ(form.KeepPKCheck.text(), c.keepPeaks);
-        const QString record = c.subFolderRow ? dir.path() : "_Recorded";
+        form.selectTabByKey(kind.tabKey);
+        EXPECT_EQ(form.sessionFilePattern(), kind.sessionPattern);
+        EXPECT_EQ(form.ScanAll.text(), kind.scanAllCaption);
+        const QString record = subFolderRow ? dir.path() : "_Recorded";
         EXPECT_EQ(form.RecordFolder, record);
         EXPECT_EQ(form.SubFolderName.text(), record);
-        EXPECT_EQ(form.SubFolderName.visible(), c.subFolderRow);
-        EXPECT_EQ(form.SubFolderCheck.enabled(), c.subFolderRow);
-        const QRect list = form.UnusedFilesBox.geometry();
-        EXPECT_EQ(std::pair(list.top(), list.bottom()),
-                  std::pair(c.subFolderRow ? 720 : 270, 3254));
+        EXPECT_EQ(form.SubFolderName.visible(), subFolderRow);
+        EXPECT_EQ(form.UnusedFilesBox.geometry().top(), subFolderRow ? 720 : 270);
         EXPECT_EQ(form.UsedFiles.count(), 0);
         EXPECT_EQ(form.SESVersionLabel.text(), QString());
     }

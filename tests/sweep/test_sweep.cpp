@@ -5,6 +5,10 @@
 #include <QLocale>
 #include <QTemporaryDir>
 
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
 #include "platform/path_text.h"
 #include "support/session_files.h"
 #include "sweep/sweep.h"
@@ -355,6 +359,25 @@ TEST_F(SweepTest, OnlyACompleteLoadOfAnAuditionOrVegasSessionListsOtherFiles) {
         QFile::remove(dir.filePath("s" + ext(kind)));
     }
 }
+
+#ifdef Q_OS_UNIX
+// A pipe would block a read and /dev/zero would never end one: neither is listed as a session,
+// and one named outright is refused, by name, before it is opened.
+TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
+    writeSession("a.xml", Xml, {"a.wav"});
+    ASSERT_EQ(::mkfifo(QFile::encodeName(dir.filePath("pipe.xml")).constData(), 0600), 0);
+    ASSERT_TRUE(QFile::link("/dev/zero", dir.filePath("zero.xml")));
+    ASSERT_TRUE(QFile::link(dir.filePath("gone"), dir.filePath("broken.xml")));
+    EXPECT_EQ(sessionFiles(dir.path(), "*.xml"), QStringList{"a.xml"});
+    for (const char* name : {"pipe.xml", "zero.xml", "broken.xml"}) {
+        const SessionRead read = readSessionFile(sessionKind(Xml), dir.filePath(name), {});
+        EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << name;
+        EXPECT_TRUE(read.message && read.message->text.contains(QString("\"%1\": ").arg(name)))
+            << name;
+    }
+    EXPECT_TRUE(others(request(Xml, "a.xml"), {}).isEmpty());
+}
+#endif
 
 TEST(SweepCaptions, CountTheLinesAndTheBytes) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
