@@ -7,6 +7,7 @@
 
 #include "settings/settings.h"
 #include "settings/settings_store.h"
+#include "support/reader_fixture.h"  // prints texts in failures
 #include "support/recording_interaction.h"
 #include "sweep/main_form.h"
 
@@ -27,37 +28,30 @@ protected:
     };
 
     std::unique_ptr<Run> start() { return std::make_unique<Run>(storeFile); }
-    void write(const QString& key, const QString& text) {
-        QSettings(storeFile, QSettings::IniFormat).setValue(key, text);
-    }
-    QString stored(const QString& key) const {
-        return QSettings(storeFile, QSettings::IniFormat).value(key).toString();
-    }
-
-    // What an empty store gives; a hand-edited value that cannot be read gives the same.
-    void expectDefaults(const MainForm& form) {
-        EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(0, 0));
-        EXPECT_FALSE(form.TrimFoldersFlag);
-        EXPECT_FALSE(form.CheckAllFiles);
-        EXPECT_FALSE(form.KeepPKCheck.checked());
-        EXPECT_FALSE(form.StoreInSubFolderCheck.checked());
-        EXPECT_EQ(form.selectedTabKey(), "SESFiles");
-        EXPECT_EQ(form.ActiveFileTab, 1);
-    }
+    QSettings ini() const { return QSettings(storeFile, QSettings::IniFormat); }
 
     QTemporaryDir dir;
     QString storeFile = dir.filePath("Tidewick.conf");
 };
 
-TEST_F(SettingsTest, EmptyStoreGivesTheDefaults) {
-    auto run = start();
-    expectDefaults(run->form);
-    for (const QString& folder : {run->form.LastFolder, run->form.MoveFolder, run->form.CopyFolder,
-                                  run->form.TargetFolderName.text()}) {
-        EXPECT_EQ(folder, QDir::currentPath());
+// What the window shows of its settings on one line: position, the trim, check-all, keep-peaks
+// and sub-folder boxes ("x" checked), the tab key and number, the last, move and copy folders
+// (the current directory as "cwd") and the exclusions.
+QString shown(const MainForm& form) {
+    const auto folder = [](const QString& path) {
+        return path == QDir::currentPath() ? QStringLiteral("cwd") : path;
+    };
+    QString boxes;
+    for (const Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
+                               &form.StoreInSubFolderCheck}) {
+        boxes += box->checked() ? 'x' : '-';
     }
-    EXPECT_TRUE(run->form.ExcludedFiles.isEmpty());
-    EXPECT_TRUE(run->ui.messages.isEmpty());
+    const QPoint at = form.Main.geometry().topLeft();
+    return QStringLiteral("%1,%2 %3 %4/%5 %6 %7 %8 [%9]")
+        .arg(QString::number(at.x()), QString::number(at.y()), boxes, form.selectedTabKey(),
+             QString::number(form.ActiveFileTab), folder(form.SESFile.text()),
+             folder(form.TargetFolderName.text()), folder(form.CopyFolder),
+             form.ExcludedFiles.join('|'));
 }
 
 TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
@@ -66,98 +60,70 @@ TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
         auto run = start();
         MainForm& form = run->form;
         form.Main.setGeometry(QRect(QPoint(1500, 3000), form.Main.geometry().size()));
-        form.TrimFoldersFlag = true;
-        form.CheckAllFiles = true;
-        form.KeepPKCheck.setChecked(true);
-        form.StoreInSubFolderCheck.setChecked(true);
+        for (Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
+                             &form.StoreInSubFolderCheck}) {
+            box->setChecked(true);
+        }
         form.SESFile.setText(last.path());
         form.MoveFolder = move.path();
         form.CopyFolder = copy.path();
         form.ExcludedFiles = {"lyrics.doc", "*.txt"};
-        form.selectTabByKey("RPPFiles");
+        form.selectTabByKey("SESXFiles");  // third by number, second in the strip
         form.Form_Unload();
         EXPECT_TRUE(run->ui.messages.isEmpty());
     }
     const char* const forms[][2] = {{"WINDOW/Top", "3000"},
                                     {"SETTINGS/TrimFolders", "1"},
                                     {"SETTINGS/KeepPKFiles", "1"},
-                                    {"SETTINGS/ActiveFileTab", "4"},
+                                    {"SETTINGS/ActiveFileTab", "3"},
                                     {"EXCLUDED/File00002", "*.txt"}};
     for (const auto& [key, text] : forms) {
-        EXPECT_EQ(stored(key), text) << key;
+        EXPECT_EQ(ini().value(key).toString(), text) << key;
     }
-
-    auto run = start();
-    MainForm& form = run->form;
-    EXPECT_EQ(form.Main.geometry().topLeft(), QPoint(1500, 3000));
-    EXPECT_TRUE(form.IgnoreFoldersCheck.checked());
-    EXPECT_TRUE(form.ScanAll.checked());
-    EXPECT_TRUE(form.KeepPKCheck.checked());
-    EXPECT_TRUE(form.StoreInSubFolderCheck.checked());
-    EXPECT_EQ(form.SESFile.text(), last.path());
-    EXPECT_EQ(form.TargetFolderName.text(), move.path());
-    EXPECT_EQ(form.CopyFolder, copy.path());
-    EXPECT_EQ(form.ExcludedFiles, QStringList({"lyrics.doc", "*.txt"}));
-    EXPECT_EQ(form.sessionFilePattern(), "*.rpp");
+    EXPECT_EQ(shown(start()->form), "1500,3000 xxxx SESXFiles/3 " + last.path() + ' ' +
+                                        move.path() + ' ' + copy.path() + " [lyrics.doc|*.txt]");
 }
 
-TEST_F(SettingsTest, ExclusionsStopAtTheFirstGapAndTheSaveDropsTheRest) {
-    write("EXCLUDED/File00001", "a.doc");
-    write("EXCLUDED/File00002", "*.bak");
-    write("EXCLUDED/File00004", "lost.txt");
-    auto run = start();
-    EXPECT_EQ(run->form.ExcludedFiles, QStringList({"a.doc", "*.bak"}));
-    run->form.Form_Unload();
-    QSettings ini(storeFile, QSettings::IniFormat);
-    ini.beginGroup("EXCLUDED");
-    EXPECT_EQ(ini.childKeys(), QStringList({"File00001", "File00002"}));
-}
-
-TEST_F(SettingsTest, AFolderThatNoLongerExistsBecomesTheCurrentDirectory) {
-    QTemporaryDir copy;
-    write("PATHS/MoveFolder", dir.filePath("deleted"));
-    write("PATHS/CopyFolder", copy.path());
-    auto run = start();
-    EXPECT_EQ(run->form.MoveFolder, QDir::currentPath());
-    EXPECT_EQ(run->form.CopyFolder, copy.path());
-    run->form.Form_Unload();
-    EXPECT_EQ(stored("PATHS/MoveFolder"), QDir::currentPath());
-}
-
-TEST_F(SettingsTest, TheActiveTabIsStoredByItsNumberAndRestoredByItsKey) {
-    const char* const tabs[][2] = {{"SESFiles", "1"},
-                                   {"XMLFiles", "2"},
-                                   {"SESXFiles", "3"},
-                                   {"RPPFiles", "4"},
-                                   {"VEGFiles", "5"}};
-    for (const auto& [key, number] : tabs) {
-        auto run = start();
-        ASSERT_TRUE(run->form.selectTabByKey(key));
-        run->form.Form_Unload();
-        run.reset();
-        EXPECT_EQ(stored("SETTINGS/ActiveFileTab"), number) << key;
-        EXPECT_EQ(start()->form.selectedTabKey(), key);
-    }
-}
-
-TEST_F(SettingsTest, AnUnreadableNumberFallsBackToTheDefault) {
-    const char* const values[][2] = {
-        {"WINDOW/Top", "high"},           {"WINDOW/Left", "1,5"},
-        {"SETTINGS/TrimFolders", "yes"},  {"SETTINGS/CheckAllFiles", ""},
-        {"SETTINGS/KeepPKFiles", "on"},   {"SETTINGS/KeepPKFiles", "2"},
-        {"SETTINGS/ActiveFileTab", "0"},  {"SETTINGS/ActiveFileTab", "6"},
-        {"SETTINGS/ActiveFileTab", "XML"}};
-    for (const auto& [key, text] : values) {
-        SCOPED_TRACE(key + std::string("=") + text);
+// A hand-edited store: what it gives the window, and a save that leaves only what it wrote.
+TEST_F(SettingsTest, AHandEditedStoreReadsAsFarAsItCanAndTheSaveTidiesIt) {
+    const QString defaults = "0,0 ---- SESFiles/1 cwd cwd cwd []";
+    // Each row: the entries written ("section/key=text", ";" between) and what the window shows.
+    const QString rows[][2] = {
+        {"", defaults},
+        {"WINDOW/Top=high", defaults},
+        {"WINDOW/Left=1,5", defaults},
+        {"SETTINGS/TrimFolders=yes", defaults},
+        {"SETTINGS/CheckAllFiles=", defaults},
+        {"SETTINGS/KeepPKFiles=on", defaults},
+        {"SETTINGS/KeepPKFiles=2", defaults},  // a check box is 1 or nothing
+        {"SETTINGS/ActiveFileTab=0", defaults},
+        {"SETTINGS/ActiveFileTab=6", defaults},
+        {"SETTINGS/ActiveFileTab=XML", defaults},
+        {"WINDOW/Left=1500.4", "1500,0 ---- SESFiles/1 cwd cwd cwd []"},
+        // Any other number switches a flag on.
+        {"SETTINGS/TrimFolders=-1;SETTINGS/CheckAllFiles=2.5",
+         "0,0 xx-- SESFiles/1 cwd cwd cwd []"},
+        {"SETTINGS/ActiveFileTab=5", "0,0 ---- VEGFiles/5 cwd cwd cwd []"},
+        // The exclusions stop at the first gap.
+        {"EXCLUDED/File00001=a.doc;EXCLUDED/File00002=*.bak;EXCLUDED/File00004=lost.txt",
+         "0,0 ---- SESFiles/1 cwd cwd cwd [a.doc|*.bak]"},
+        // A folder that no longer exists becomes the current directory.
+        {"PATHS/MoveFolder=" + dir.filePath("gone") + ";PATHS/CopyFolder=" + dir.path(),
+         "0,0 ---- SESFiles/1 cwd cwd " + dir.path() + " []"},
+    };
+    for (const auto& [written, expected] : rows) {
+        SCOPED_TRACE(written.toStdString());
         QFile::remove(storeFile);
-        write(key, text);
-        expectDefaults(start()->form);
+        for (const QString& entry : written.split(';', Qt::SkipEmptyParts)) {
+            ini().setValue(entry.section('=', 0, 0), entry.section('=', 1));
+        }
+        auto run = start();
+        EXPECT_EQ(shown(run->form), expected);
+        run->form.Form_Unload();
+        EXPECT_TRUE(run->ui.messages.isEmpty());
+        // Ten settings and the exclusions; the stale exclusion after the gap is gone.
+        EXPECT_EQ(ini().allKeys().size(), 10 + run->form.ExcludedFiles.size());
     }
-    write("SETTINGS/TrimFolders", "-1");  // any other number switches a flag on
-    write("SETTINGS/CheckAllFiles", "2.5");
-    auto run = start();
-    EXPECT_TRUE(run->form.TrimFoldersFlag);
-    EXPECT_TRUE(run->form.CheckAllFiles);
 }
 
 TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessage) {

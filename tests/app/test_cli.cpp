@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include "app/cli/cli.h"
+#include "platform/path_text.h"
+#include "support/reader_fixture.h"
+#include "support/ses_writer.h"
+#include "support/session_files.h"
+
+namespace tidewick {
+namespace {
+
+using test::SesWriter;
+
+// Both commands against files on disk: what each call prints on either stream and its exit
+// code. An empty "out" or "err" cell means that stream stays empty; otherwise the output
+// starts with "out" and the error stream holds "err".
+TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
+    test::ReaderFixture f;
+    const QByteArray session =
+        SesWriter()
+            .version("Audition 3.0")
+            .list({{"  C:\\Takes\\Caf\xc3\xa9 take.wav  "}, {"D:\\loop.wav"}, {"D:\\loop.wav"}},
+                  "Audition 3.0")
+            .bytes();
+    // Each record trimmed, in the reader's order, duplicates kept.
+    const QString media = "C:\\Takes\\Caf\u00e9 take.wav\nD:\\loop.wav\nD:\\loop.wav\n";
+    const QString song = f.write("song.ses", session);
+    const QString odd = f.write("song.bak", session);
+    const QString notSession = f.write("wave.ses", "RIFF....WAVEfmt ");
+    const QByteArray cool = SesWriter().version("Cool Edit 96").bytes();
+    const QByteArray empty = SesWriter().version("Audition 2.0").bytes();
+    ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media"));
+    const QString project =
+        f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n");
+    const QString recordFolder = QFileInfo(project).absolutePath() + hostSeparator() + "Media";
+
+    // A folder to scan: mix.ses uses a.wav, old.ses uses b.wav, and wave.ses is no session.
+    const QString here = f.dir.filePath("scan");
+    for (const char* name : {"a.wav", "b.wav", "b.pk"}) {
+        ASSERT_TRUE(test::writeFile(here + '/' + name, "RIFF"));
+    }
+    const QString used = QString(here + "/a.wav").replace(u'/', hostSeparator());
+    ASSERT_TRUE(test::writeFile(here + "/mix.ses", test::sessionBytes(SessionKindId::Ses, {used})));
+    ASSERT_TRUE(
+        test::writeFile(here + "/old.ses", test::sessionBytes(SessionKindId::Ses, {"b.wav"})));
+    ASSERT_TRUE(test::writeFile(here + "/wave.ses", "RIFF....WAVEfmt "));
+
+    const struct {
+        QStringList arguments;
+        int code;
+        QString out, err;
+    } rows[] = {
+        {{}, 1, "", "usage: tidewick-cli media"},
+        {{"--help"}, 0, "usage: tidewick-cli media", ""},
+        {{"frobnicate"}, 1, "", "unknown command 'frobnicate'"},
+        {{"media"}, 1, "", "usage: tidewick-cli media"},
+        {{"media", song}, 0, media, ""},
+        {{"media", f.write("SONG.SES", session)}, 0, media, ""},  // the extension in any case
+        {{"media", odd}, 1, "", "cannot tell the kind"},
+        {{"media", odd, "--kind", "ses"}, 0, media, ""},
+        {{"media", song, "--fast"}, 1, "", "unexpected argument '--fast'"},
+        {{"media", "--verbose", song}, 0, media, "version: Audition 3.0\n"},
+        {{"media", "--verbose", project}, 0, "", "record folder: " + recordFolder + "\n"},
+        {{"media", f.dir.filePath("missing.ses")}, 1, "", "no such file"},
+        {{"media", notSession, "--kind", "wav"}, 1, "", "unknown kind 'wav'"},
+        {{"media", notSession}, 2, "", "does not appear to be a valid session file"},
+        {{"media", f.write("old.ses", cool)}, 2, "", "Cool Edit 96 is not currently supported"},
+        {{"media", f.write("broken.ses", session.left(40))}, 2, "", "File Error: An error"},
+        {{"media", f.write("empty.ses", empty)}, 0, "", ""},
+
+        {{"scan", here, "--kind", "ses", "--session", "mix.ses"},
+         0,
+         "used: mix.ses: 1 Media File(s) Used  (NB: Files with a check mark exist on Disk)\n[x] " +
+             used + '\n',
+         ""},
+        {{"scan", "--kind", "ses", "--all"}, 1, "", "usage: tidewick-cli scan"},
+        {{"scan", here, "--kind", "ses"}, 1, "", "usage: tidewick-cli scan"},
+        {{"scan", here, "--kind", "wav", "--all"}, 1, "", "unknown kind 'wav'"},
+        {{"scan", here, "--kind", "ses", "--all", "--type", "24"}, 1, "", "from 0 to 23"},
+        {{"scan", here, "--kind", "sesx", "--all", "--sub-folder", "A"}, 1, "", "needs --kind rpp"},
+        {{"scan", here, "--kind", "ses", "--all", "--fast"}, 1, "", "unexpected argument '--fast'"},
+        {{"scan", "/no/such/folder", "--kind", "ses", "--all"}, 1, "", "no such folder: /no/"},
+        {{"scan", here, "--kind", "rpp", "--all"}, 1, "", "no *.rpp files"},
+        {{"scan", here, "--kind", "ses", "--session", "song.ses"}, 1, "", "no session file"},
+        // The lists still print after the reader's complaint.
+        {{"scan", here, "--kind", "ses", "--session", "wave.ses"},
+         2,
+         "used: ",
+         "not appear to be a valid session"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.arguments.join(' ').toStdString());
+        QString out, err;
+        QTextStream outStream(&out), errStream(&err);
+        EXPECT_EQ(cli::run(row.arguments, outStream, errStream), row.code);
+        outStream.flush();
+        errStream.flush();
+        EXPECT_TRUE(row.out.isEmpty() ? out.isEmpty() : out.startsWith(row.out))
+            << out.toStdString();
+        EXPECT_TRUE(row.err.isEmpty() ? err.isEmpty() : err.contains(row.err)) << err.toStdString();
+    }
+}
+
+}  // namespace
+}  // namespace tidewick
