@@ -19,140 +19,92 @@ void PrintTo(const RecordPathLine& line, std::ostream* out) {
 
 namespace {
 
-using test::kByName;
 using test::texts;
-
-using test::ReaderFixture;
 
 // A path with each "/" turned into the host's separator.
 QString host(QString path) {
     return path.replace(u'/', hostSeparator());
 }
 
-// Paths split at "|", each in the host's form.
-QStringList hostPaths(const char* list) {
-    QStringList out = texts(list);
-    for (QString& path : out) {
-        path.replace(u'/', hostSeparator());
-    }
-    return out;
-}
-
 // The header, the line after it (which the reader passes over), then `body`, "|" ending a line.
-QByteArray rpp(const QByteArray& body, const char* lineEnd = "\r\n") {
-    QByteArray bytes = "<REAPER_PROJECT 0.1|  RIPPLE 0 0|" + body + "|";
-    return bytes.replace("|", lineEnd);
+QByteArray rpp(QByteArray body) {
+    return "<REAPER_PROJECT 0.1\r\n  RIPPLE 0 0\r\n" + body.replace("|", "\r\n") + "\r\n";
 }
 
 SessionRead read(QByteArrayView bytes) {
     return readRppSession(bytes, {});
 }
 
-struct RejectCase {
-    const char* name;
-    QByteArray bytes;
-    QString quotedLine;
-};
-
-class RppRejection : public ::testing::TestWithParam<RejectCase> {};
-
-TEST_P(RppRejection, NamesTheFirstNonBlankLineAndReadsNothing) {
-    const SessionRead r = read(GetParam().bytes);
-    EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-    EXPECT_EQ(r.message, (ReaderMessage{"This is not a properly formated Reaper Project file\n" +
-                                            GetParam().quotedLine,
-                                        "Processing RPP File", MessageIcon::Critical}));
-    EXPECT_TRUE(r.paths.isEmpty());
-    EXPECT_TRUE(r.recordPaths.isEmpty());
+TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
+    const std::pair<QByteArray, QString> cases[] = {
+        {"", ""},
+        {"<reaper_project 0.1\r\n", "<reaper_project 0.1"},
+        {"\r\n  junk\t\r\n<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"", "junk"},
+        {"\t<REAPER\tPROJECT\t\n", "<REAPER PROJECT"},
+        {QByteArray(5000, 'x'), QString(1024, u'x')}};
+    for (const auto& [bytes, quotedLine] : cases) {
+        const SessionRead r = read(bytes);
+        EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
+        EXPECT_EQ(
+            r.message,
+            (ReaderMessage{"This is not a properly formated Reaper Project file\n" + quotedLine,
+                           "Processing RPP File", MessageIcon::Critical}));
+        EXPECT_TRUE(r.paths.isEmpty());
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, RppRejection,
-    ::testing::Values(
-        RejectCase{"EmptyFile", "", QString()},
-        RejectCase{"HeaderInOtherCase", "<reaper_project 0.1\r\n", "<reaper_project 0.1"},
-        RejectCase{"HeaderAfterOtherLine",
-                   "\r\n  junk\t\r\n<REAPER_PROJECT\r\nRECORD_PATH \"\" \"\"\r\n<SOURCE "
-                   "WAVE\r\nFILE \"a\"",
-                   "junk"},
-        RejectCase{"TabsInsideBecomeBlanks", "\t<REAPER\tPROJECT\t\n", "<REAPER PROJECT"},
-        RejectCase{"LongLineIsCut", QByteArray(5000, 'x'), QString(1024, u'x')}),
-    kByName);
-
-struct SourceCase {
-    const char* name;
-    QByteArray bytes;
-    const char* expected;
-};
-
-class RppSources : public ::testing::TestWithParam<SourceCase> {};
-
-TEST_P(RppSources, YieldTheQuotedFile) {
-    const SessionRead r = read(GetParam().bytes);
-    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
-    EXPECT_EQ(r.paths, hostPaths(GetParam().expected));
-    EXPECT_FALSE(r.message);
-}
-
-const char* const kTwo = "<SOURCE WAVE|FILE \"Audio\\take 1.wav\"|<SOURCE MIDI|FILE \"b.mid\" 0";
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, RppSources,
-    ::testing::Values(
-        SourceCase{"CrLf", rpp(kTwo, "\r\n"), "Audio/take 1.wav|b.mid"},
-        SourceCase{"Lf", rpp(kTwo, "\n"), "Audio/take 1.wav|b.mid"},
-        SourceCase{"Cr", rpp(kTwo, "\r"), "Audio/take 1.wav|b.mid"},
-        // "\n\r" is two line ends, so the source's file line is the empty one between them.
-        SourceCase{"LfCr", "<REAPER_PROJECT\n\r\n\r<SOURCE WAVE\n\rFILE \"a.wav\"\n\r", ""},
-        SourceCase{"HeaderAfterBlanksLineAfterItUnread",
-                   "\r\n \t \n\t<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"\r\n<SOURCE "
-                   "WAVE\r\nFILE \"b\"",
-                   "b"},
-        SourceCase{
-            "EveryMediaKind",
-            rpp("<SOURCE WAVE|FILE \"1\"|<SOURCE VIDEO|FILE \"2\"|<SOURCE WAVPACK|FILE \"3\"|"
-                "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"
-                "<SOURCE VORBIS|FILE \"7\""),
-            "1|2|3|4|5|6|7"},
-        SourceCase{"OtherKindsAndOtherCase",
-                   rpp("<SOURCE CLICK|FILE \"c\"|<source wave|FILE \"l\"|FILE \"x\""), ""},
-        SourceCase{"AnyLineAfterASourceIsItsFileLine", rpp("<SOURCE WAVE|NOTFILE \"odd\""), "odd"},
-        SourceCase{"FileLineIsNotExaminedAgain", rpp("<SOURCE WAVE|<SOURCE FLAC|FILE \"x\""), ""},
+TEST(RppReader, SourcesYieldTheQuotedFile) {
+    const std::tuple<const char*, QByteArray, const char*> cases[] = {
+        {"header after blank lines; the line after it unread",
+         "\r\n \t \n\t<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"\r\n<SOURCE WAVE\r\nFILE \"b\"",
+         "b"},
+        {"every media kind",
+         rpp("<SOURCE WAVE|FILE \"1\"|<SOURCE VIDEO|FILE \"2\"|<SOURCE WAVPACK|FILE \"3\"|"
+             "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"
+             "<SOURCE VORBIS|FILE \"7\""),
+         "1|2|3|4|5|6|7"},
+        {"other kinds, other case",
+         rpp("<SOURCE CLICK|FILE \"c\"|<source wave|FILE \"l\"|FILE \"x\""), ""},
+        {"any line after a source is its file line", rpp("<SOURCE WAVE|NOTFILE \"odd\""), "odd"},
+        {"a file line is not examined again", rpp("<SOURCE WAVE|<SOURCE FLAC|FILE \"x\""), ""},
         // A MIDI source without FILE still takes the next line; MIDIPOOL/FILENAME match by prefix.
-        SourceCase{"Midi",
-                   rpp("<SOURCE MIDI|HASDATA 1|<SOURCE MIDI|<SOURCE WAVE|FILE \"after.wav\"|"
-                       "<SOURCE MIDIPOOL|FILENAME \"b.mid\""),
-                   "b.mid"},
-        SourceCase{"BankProgramFileOnItsOwnLine", rpp("BANKPROGRAMFILE \"C:\\gm\"|FILE \"n\""),
-                   "C:/gm"},
-        SourceCase{
-            "DuplicatesOnceLetterCaseCounts",
-            rpp("<SOURCE WAVE|FILE \"a\"|<SOURCE FLAC|FILE \"a\"|<SOURCE WAVE|FILE \"A\"|"
-                "BANKPROGRAMFILE \"a\"|<SOURCE WAVE|FILE \"d/b\"|<SOURCE WAVE|FILE \"d\\b\""),
-            "a|A|d/b"},
-        SourceCase{"UrlPrefix",
-                   rpp("<SOURCE WAVE|FILE \"url:file:\\\\localhost\\C:\\a\"|<SOURCE WAVE|"
-                       "FILE \"URL:file://localhost/D:/b\"|<SOURCE WAVE|"
-                       "FILE \"Url:file:\\\\localhost\\c\"|<SOURCE WAVE|"
-                       "FILE \"xurl:file:\\\\localhost\\e\""),
-                   "C:/a|D:/b|Url:file://localhost/c|/e"},
-        SourceCase{
-            "FirstTwoQuotesOnly",
-            rpp("<SOURCE WAVE|FILE \"cut|<SOURCE WAVE|FILE \"\"|<SOURCE WAVE|FILE \"ok\" \"no\""),
-            "ok"},
-        SourceCase{"WindowsPathsBecomeHostPaths",
-                   rpp("<SOURCE WAVE|FILE \"C:\\R\\t\"|<SOURCE WAVE|FILE \"M/x\\t\"|<SOURCE "
-                       "WAVE|FILE \"\\\\s\\t\""),
-                   "C:/R/t|M/x/t|//s/t"},
-        SourceCase{"Utf8AndWindows1252",
-                   rpp("<SOURCE MP3|FILE \"/\xD0\x92 \xD0\xBD.mp3\"|<SOURCE WAVE|FILE \"Caf\xE9\""),
-                   "/\xD0\x92 \xD0\xBD.mp3|Caf\xC3\xA9"}),
-    kByName);
+        {"MIDI",
+         rpp("<SOURCE MIDI|HASDATA 1|<SOURCE MIDI|<SOURCE WAVE|FILE \"after.wav\"|"
+             "<SOURCE MIDIPOOL|FILENAME \"b.mid\""),
+         "b.mid"},
+        {"BANKPROGRAMFILE on its own line", rpp("BANKPROGRAMFILE \"C:\\gm\"|FILE \"n\""), "C:/gm"},
+        {"one path for both separators",
+         rpp("BANKPROGRAMFILE \"a\"|<SOURCE WAVE|FILE \"a\"|<SOURCE WAVE|FILE \"d/b\"|<SOURCE "
+             "WAVE|FILE \"d\\b\""),
+         "a|d/b"},
+        {"URL prefix",
+         rpp("<SOURCE WAVE|FILE \"url:file:\\\\localhost\\C:\\a\"|<SOURCE WAVE|"
+             "FILE \"URL:file://localhost/D:/b\"|<SOURCE WAVE|"
+             "FILE \"Url:file:\\\\localhost\\c\"|<SOURCE WAVE|"
+             "FILE \"xurl:file:\\\\localhost\\e\""),
+         "C:/a|D:/b|Url:file://localhost/c|/e"},
+        {"first two quotes only",
+         rpp("<SOURCE WAVE|FILE \"cut|<SOURCE WAVE|FILE \"\"|<SOURCE WAVE|FILE \"ok\" \"no\""),
+         "ok"},
+        {"Windows paths in host form",
+         rpp("<SOURCE WAVE|FILE \"C:\\R\\t\"|<SOURCE WAVE|FILE \"M/x\\t\"|<SOURCE WAVE|FILE "
+             "\"\\\\s\\t\""),
+         "C:/R/t|M/x/t|//s/t"}};
+    for (const auto& [name, bytes, paths] : cases) {
+        const SessionRead r = read(bytes);
+        EXPECT_EQ(r.outcome, ReaderOutcome::Read) << name;
+        QStringList expected = texts(paths);
+        for (QString& path : expected) {
+            path = host(path);
+        }
+        EXPECT_EQ(r.paths, expected) << name;
+    }
+}
 
 // The project folder holds "Media" and "Audio/Takes", the current folder "rec", and `abs` is
 // an existing folder outside both.
-TEST(RppRecordPaths, OnePerLineWithWhatTheDiskHoldsForItsFirstValue) {
-    ReaderFixture f;
+TEST(RppReader, RecordPathLinesTellWhatTheDiskHoldsForTheirFirstValue) {
+    test::ReaderFixture f;
     QTemporaryDir outside;
     ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media") && QDir(f.dir.path()).mkpath("Audio/Takes") &&
                 QDir(outside.path()).mkpath("rec"));
@@ -180,7 +132,6 @@ TEST(RppRecordPaths, OnePerLineWithWhatTheDiskHoldsForItsFirstValue) {
     QDir::setCurrent(before);
     EXPECT_EQ(r.recordPaths, expected);
     EXPECT_EQ(r.paths, QStringList{"a"});
-
     // Without a disk no folder exists.
     for (RecordPathLine& entry : expected) {
         entry.existsAsIs = entry.existsInProject = false;
@@ -189,7 +140,7 @@ TEST(RppRecordPaths, OnePerLineWithWhatTheDiskHoldsForItsFirstValue) {
 }
 
 // One line folded into the record folder of a project whose folder is "P/".
-TEST(RppFoldRecordPath, GivesTheNewRecordFolder) {
+TEST(RppReader, FoldRecordPathGivesTheNewRecordFolder) {
     const RecordPathLine none, gone{true, "Gone"}, media{true, "Media", false, false, true},
         abs{true, "/abs", true, true}, rec{true, "rec", true}, both{true, "M", true, false, true};
     const std::tuple<const char*, bool, const char*, RecordPathLine, const char*> cases[] = {
@@ -210,14 +161,14 @@ TEST(RppFoldRecordPath, GivesTheNewRecordFolder) {
         {"all: missing folder fills an empty folder", true, "", gone, "P/"},
         {"all: missing folder keeps a folder", true, "/abs", gone, "/abs"}};
     for (const auto& [name, wholeFolder, initial, line, expected] : cases) {
-        SCOPED_TRACE(name);
         RecordPathLine hostLine = line;
         hostLine.value = host(line.value);
-        EXPECT_EQ(foldRecordPath(host(initial), hostLine, host("P/"), wholeFolder), host(expected));
+        EXPECT_EQ(foldRecordPath(host(initial), hostLine, host("P/"), wholeFolder), host(expected))
+            << name;
     }
 }
 
-TEST(RppTruncated, EveryPrefixReadsSafely) {
+TEST(RppReader, EveryPrefixReadsSafely) {
     const QByteArray whole =
         rpp("RECORD_PATH \"\" \"\"|<SOURCE WAVE|FILE \"a\"|<SOURCE MIDI|"
             "FILE \"b\"|BANKPROGRAMFILE \"c\"");

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include "support/ses_writer.h"
 
@@ -14,91 +15,87 @@ QByteArray lines(const QByteArrayList& list) {
     return list.join("\r\n") + "\r\n";
 }
 
-// An Audition 3 XML export: the path sits on the 18th line after each entry's opening line.
-QByteArray xmlSession(const QStringList& paths) {
-    QByteArrayList out{R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)",
-                       "<AuditionSession>", "  <Session>", "    <EntityInfo_Wave>"};
-    int number = 0;
-    for (const QString& path : paths) {
-        const QByteArray n = QByteArray::number(++number);
-        out.append("      <EntityInfo_Wave_" + n + ">");
+}  // namespace
+
+QByteArrayList xmlWaveBlock(const QByteArrayList& pathLines) {
+    QByteArrayList out{"    <EntityInfo_Wave>"};
+    for (const QByteArray& pathLine : pathLines) {
+        out.append("      <EntityInfo_Wave_1>");
         for (int i = 1; i < 18; ++i) {
-            out.append("        <Field" + QByteArray::number(i) + ">0</Field>");
+            out.append("        <Field>0</Field>");
         }
-        out.append(path.toUtf8());
-        out += QByteArrayList{"        <Flags>0</Flags>", "        <Peak>0</Peak>",
-                              "      </EntityInfo_Wave_" + n + ">"};
+        out +=
+            {pathLine, "        <Flags>0</Flags>", "        <Peak/>", "      </EntityInfo_Wave_1>"};
     }
-    out += QByteArrayList{"    </EntityInfo_Wave>", "  </Session>", "</AuditionSession>"};
-    return lines(out);
-}
-
-QByteArray sesxSession(const QStringList& paths) {
-    QByteArrayList out{R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)",
-                       "<!DOCTYPE sesx>", R"(<sesx version="1.7">)", "  <files>"};
-    for (const QString& path : paths) {
-        out.append(R"(    <file absolutePath=")" + path.toUtf8() +
-                   R"(" id="0" mediaHandler="AmioWav"/>)");
-    }
-    out += QByteArrayList{"  </files>", "</sesx>"};
-    return lines(out);
-}
-
-QByteArray rppProject(const QStringList& paths) {
-    QByteArrayList out{"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK", "    <ITEM"};
-    for (const QString& path : paths) {
-        out += QByteArrayList{"      <SOURCE WAVE", "        FILE \"" + path.toUtf8() + "\"",
-                              "      >"};
-    }
-    out += QByteArrayList{"    >", "  >", ">"};
-    return lines(out);
-}
-
-// Vegas keeps each media path, in UTF-16LE, behind the fourth run of four 0xFF bytes and a
-// record of type 1.
-QByteArray vegProject(const QStringList& paths) {
-    const QByteArray run("\xFF\xFF\xFF\xFF", 4);
-    QByteArray out = run + "." + run + "." + run + ".";
-    for (const QString& path : paths) {
-        QByteArray utf16;
-        for (const QChar c : path) {
-            utf16 += char(c.unicode() & 0xFF);
-            utf16 += char(c.unicode() >> 8);
-        }
-        out += run + "iiii" + SesWriter::i32(1) + QByteArray(36, 'x') + utf16 + QByteArray(2, '\0');
-    }
+    out.append("    </EntityInfo_Wave>");
     return out;
 }
 
-QByteArray sesSession(const QStringList& paths) {
-    SesWriter writer;
-    writer.version("Audition 3.0");
-    if (!paths.isEmpty()) {
-        QList<SesEntry> entries;
-        for (const QString& path : paths) {
-            entries.append({path.toUtf8()});
-        }
-        writer.list(entries, "Audition 3.0");
-    }
-    return writer.bytes();
+QByteArray sesxFileElement(const QByteArray& path, const QByteArray& indent) {
+    return indent + R"(<file absolutePath=")" + path + R"(" id="0" mediaHandler="AmioWav"/>)";
 }
 
-}  // namespace
+QByteArray vegRecord(qint32 type, const QByteArray& path) {
+    return "iiii" + SesWriter::i32(type) + QByteArray(36, 'x') + path;
+}
 
-QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {
+QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths) {
+    QByteArrayList out;
     switch (kind) {
-        case SessionKindId::Ses:
-            return sesSession(paths);
+        case SessionKindId::Ses: {
+            SesWriter writer;
+            writer.version("Audition 3.0");
+            QList<SesEntry> entries;
+            for (const QByteArray& path : paths) {
+                entries.append({path});
+            }
+            if (!entries.isEmpty()) {
+                writer.list(entries, "Audition 3.0");
+            }
+            return writer.bytes();
+        }
         case SessionKindId::Sesx:
-            return sesxSession(paths);
+            out = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)", "<!DOCTYPE sesx>",
+                   R"(<sesx version="1.7">)", "  <files>"};
+            for (const QByteArray& path : paths) {
+                out.append(sesxFileElement(path));
+            }
+            return lines(out + QByteArrayList{"  </files>", "</sesx>"});
         case SessionKindId::Xml:
-            return xmlSession(paths);
+            out = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)", "<AuditionSession>",
+                   "  <Session>"};
+            return lines(out + xmlWaveBlock(paths) +
+                         QByteArrayList{"  </Session>", "</AuditionSession>"});
         case SessionKindId::Rpp:
-            return rppProject(paths);
-        case SessionKindId::Veg:
-            return vegProject(paths);
+            out = {"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK", "    <ITEM"};
+            for (const QByteArray& path : paths) {
+                out += {"      <SOURCE WAVE", "        FILE \"" + path + "\"", "      >"};
+            }
+            return lines(out + QByteArrayList{"    >", "  >", ">"});
+        case SessionKindId::Veg: {
+            // Each path lies behind the fourth run of four 0xFF bytes, in a record of type 1.
+            const QByteArray run("\xFF\xFF\xFF\xFF", 4);
+            QByteArray bytes = run + "." + run + "." + run + ".";
+            for (const QByteArray& path : paths) {
+                bytes += run + vegRecord(1, path + QByteArray(2, '\0'));
+            }
+            return bytes;
+        }
     }
     return {};
+}
+
+QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {
+    QByteArrayList bytes;
+    for (const QString& path : paths) {
+        if (kind == SessionKindId::Veg) {
+            bytes.append(QByteArray(path.size() * 2, '\0'));
+            qToLittleEndian<char16_t>(path.utf16(), path.size(), bytes.last().data());
+        } else {
+            bytes.append(path.toUtf8());
+        }
+    }
+    return sessionBytesOf(kind, bytes);
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes) {
