@@ -95,7 +95,6 @@ TEST(SesReader, WalkFindsTheEntries) {
         {"version loses its zero bytes",
          SesWriter().chunk("vers", QByteArray("A\0udition 3.0\0", 14)).bytes(), ""},
         {"Audition 3.0 trailer", afterTrailer(kA3, 4), "first.wav|second.wav"},
-        {"Cool Edit Pro 1.0 trailer", afterTrailer("Cool Edit Pro 1.0", 4), "first.wav|second.wav"},
         {"Audition 1.0 trailer", afterTrailer("Audition 1.0", 16), "first.wav|second.wav"},
         {"Cool Edit Pro 2.00 trailer", afterTrailer("Cool Edit Pro 2.00", 28),
          "first.wav|second.wav"},
@@ -108,15 +107,13 @@ TEST(SesReader, WalkFindsTheEntries) {
         {"LISTFILE ends the entries", withList(100, entry + "LISTFILE" + QByteArray(80, 'z')),
          "C:\\a"},
         {"empty list moves on 28 bytes", emptyList(0), "x"},
-        {"negative list moves on 28 bytes", emptyList(-5), "x"},
         {"header at L - 1 is not read", beyond.bytes(end + 1), ""},
         {"header before L - 1 is read", beyond.bytes(end + 2), "beyond"},
     };
     for (const auto& [name, bytes, paths] : cases) {
         const SessionRead r = read(bytes);
-        EXPECT_EQ(r.outcome, ReaderOutcome::Read) << name;
-        EXPECT_FALSE(r.message) << name;
-        EXPECT_EQ(r.paths, texts(paths)) << name;
+        EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.message) << name;
+        EXPECT_EQ(r.paths.join(u'|'), paths) << name;
     }
 }
 
@@ -139,8 +136,6 @@ TEST(SesReader, HostileFileFailsWithTheReason) {
         {"list size backwards", withList(-200, entry), true, "C:\\a"},
         {"entry length of 16", withList(50, "FILE" + SesWriter::i32(16) + QByteArray(60, 'a')),
          true, ""},
-        {"name buffer past the end",
-         withList(50, "FILE" + SesWriter::i32(900) + QByteArray(60, 'a')), true, ""},
     };
     const QString opening = "An error occurred accessing the selected SES file.  ";
     for (const auto& [name, bytes, versionFound, paths] : cases) {
@@ -148,7 +143,7 @@ TEST(SesReader, HostileFileFailsWithTheReason) {
         const SessionRead r = read(bytes);
         EXPECT_EQ(r.outcome, ReaderOutcome::Failed);
         EXPECT_EQ(r.versionFound, versionFound);
-        EXPECT_EQ(r.paths, texts(paths));
+        EXPECT_EQ(r.paths.join(u'|'), paths);
         ASSERT_TRUE(r.message);
         EXPECT_TRUE(r.message->text.startsWith(opening) && r.message->text.size() > opening.size());
         EXPECT_EQ(r.message->title, "File Error");

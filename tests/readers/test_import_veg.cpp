@@ -8,7 +8,6 @@
 namespace tidewick {
 namespace {
 
-using test::texts;
 using test::vegRecord;
 
 const QByteArray kRun("\xFF\xFF\xFF\xFF", 4);
@@ -24,13 +23,6 @@ QByteArray utf16(const char* text) {
 
 QByteArray media(const char* path) {
     return kRun + vegRecord(1, utf16(path));
-}
-
-QStringList scan(QByteArrayView bytes) {
-    const SessionRead r = readVegSession(bytes, {});
-    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
-    EXPECT_FALSE(r.message);
-    return r.paths;
 }
 
 TEST(VegReader, ScanFindsTheRecordedPaths) {
@@ -67,19 +59,7 @@ TEST(VegReader, ScanFindsTheRecordedPaths) {
         {"tag test resets the last zero",
          kThreeRuns + media("a") + "lisx" + kRun + vegRecord(1, noA), "a|b"}};
     for (const auto& [name, bytes, paths] : cases) {
-        EXPECT_EQ(scan(bytes), texts(paths)) << name;
-    }
-}
-
-TEST(VegReader, EveryTruncationEndsCleanly) {
-    const QByteArray full = kThreeRuns + media("C:\\a.wav") + media("C:\\b.wav");
-    const qsizetype firstEnd = full.indexOf(utf16("C:\\a.wav")) + utf16("C:\\a.wav").size() - 1;
-    const qsizetype secondEnd = full.size() - 1;  // the stopping zero; the last byte stays unread
-    for (qsizetype length = 0; length <= full.size(); ++length) {
-        const char* expected = length >= secondEnd  ? "C:\\a.wav|C:\\b.wav"
-                               : length >= firstEnd ? "C:\\a.wav"
-                                                    : "";
-        EXPECT_EQ(scan(full.first(length)), texts(expected)) << "length " << length;
+        EXPECT_EQ(test::pathsRead(SessionKindId::Veg, bytes), paths) << name;
     }
 }
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <tuple>
 
 #include "readers/import_xml.h"
@@ -9,18 +8,7 @@
 namespace tidewick {
 namespace {
 
-using test::texts;
 using test::xmlWaveBlock;
-
-QByteArray session(const QByteArrayList& body) {
-    return (QByteArrayList{"<?xml version=\"1.0\"?>", "<AuditionSession>"} + body +
-            QByteArrayList{"</AuditionSession>"})
-        .join("\r\n");
-}
-
-SessionRead read(QByteArrayView bytes) {
-    return readXmlSession(bytes, {});
-}
 
 // The line after the first non-blank one must begin with the session tag. An empty file is read
 // and names nothing; a file of blank lines is rejected.
@@ -34,9 +22,9 @@ TEST(XmlReader, SecondLineMustBeginWithTheSessionTag) {
         {"lower case", "<?xml?>\r\n<auditionsession>", "<auditionsession>"},
         {"tabs, Windows-1252", "<?xml?>\r\n\t<Sitzung\tf\xfcr>\t x", "<Sitzung für>  x"}};
     for (const auto& [name, bytes, shownLine] : cases) {
-        const SessionRead r = read(bytes);
+        const SessionRead r = readXmlSession(bytes, {});
         EXPECT_EQ(r.outcome, shownLine ? ReaderOutcome::Rejected : ReaderOutcome::Read) << name;
-        EXPECT_EQ(r.paths, texts(shownLine || bytes.isEmpty() ? "" : "a.wav")) << name;
+        EXPECT_EQ(r.paths.join(u'|'), shownLine || bytes.isEmpty() ? "" : "a.wav") << name;
         if (shownLine) {
             EXPECT_EQ(r.message,
                       (ReaderMessage{"This is not a properly formated Adobe Audition XML file.\n" +
@@ -46,15 +34,10 @@ TEST(XmlReader, SecondLineMustBeginWithTheSessionTag) {
     }
 }
 
-QByteArrayList reindented(QByteArrayList lines, const QByteArray& from, const QByteArray& to) {
-    std::replace_if(
-        lines.begin(), lines.end(), [&](const QByteArray& l) { return l.trimmed() == from; }, to);
-    return lines;
-}
-
 TEST(XmlReader, YieldsThePathLinesOfWaveEntries) {
     const QByteArrayList other{"    <Other/>"};
-    // A quadratic decoding would hang on this line.
+    const QByteArrayList entry = xmlWaveBlock({"a"}).mid(1, 22);  // an entry without its block
+    // Decoded by searching from the start after each replacement, this line would never end.
     const QByteArray nested = "x&" + QByteArray("amp;").repeated(100000) + "y";
     const std::tuple<const char*, QByteArrayList, const char*> cases[] = {
         {"tabs stay", xmlWaveBlock({"\t\tC:\\a.wav\t"}), "\t\tC:\\a.wav\t"},
@@ -63,13 +46,12 @@ TEST(XmlReader, YieldsThePathLinesOfWaveEntries) {
         {"apostrophes", xmlWaveBlock({"Bob&apos;s &apos;t&apos;"}), "Bob's 't'"},
         {"apostrophe beside an ampersand", xmlWaveBlock({"a&amp;b&apos;c"}), "a&b&apos;c"},
         {"only blanks", xmlWaveBlock({"     "}), ""},
-        {"block line indented by a tab",
-         reindented(xmlWaveBlock({"a"}), "<EntityInfo_Wave>", "\t<EntityInfo_Wave>"), ""},
+        {"blanks trimmed before the repeat test", xmlWaveBlock({"a", "  a "}), "a"},
+        {"block line indented by a tab", QByteArrayList{"\t<EntityInfo_Wave>"} + entry, ""},
+        {"block line with trailing blanks", QByteArrayList{"<EntityInfo_Wave>  "} + entry, "a"},
         {"entry line indented by a tab",
-         reindented(xmlWaveBlock({"a"}), "<EntityInfo_Wave_1>", "\t<EntityInfo_Wave_1>"), ""},
-        {"block line with trailing blanks",
-         reindented(xmlWaveBlock({"a"}), "<EntityInfo_Wave>", "<EntityInfo_Wave>  "), "a"},
-        {"entries outside a block", other + xmlWaveBlock({"a"}).mid(1, 22), ""},
+         QByteArrayList{"<EntityInfo_Wave>", "\t<EntityInfo_Wave_1>"} + entry.mid(1), ""},
+        {"entries outside a block", other + entry, ""},
         // Only the block right after a block is read; a third one in a row is passed over.
         {"third block in a row",
          xmlWaveBlock({"a"}) + xmlWaveBlock({"b"}) + xmlWaveBlock({"c"}) + other +
@@ -77,25 +59,10 @@ TEST(XmlReader, YieldsThePathLinesOfWaveEntries) {
          "a|b|d"},
         {"inner lines of an entry",
          xmlWaveBlock({"</EntityInfo_Wave>", "<EntityInfo_Wave_9>", "a"}),
-         "</EntityInfo_Wave>|<EntityInfo_Wave_9>|a"},
-        {"blanks trimmed before the repeat test", xmlWaveBlock({"a", "  a "}), "a"}};
+         "</EntityInfo_Wave>|<EntityInfo_Wave_9>|a"}};
     for (const auto& [name, body, paths] : cases) {
-        EXPECT_EQ(read(session(body)).paths, texts(paths)) << name;
-    }
-}
-
-TEST(XmlReader, EveryPrefixReadsSafely) {
-    const QByteArray whole =
-        session(xmlWaveBlock({"C:\\a.wav", "C:\\b&amp;c.wav"}) + xmlWaveBlock({"C:\\d.wav"}));
-    const QStringList full = texts("C:\\a.wav|C:\\b&c.wav|C:\\d.wav");
-    ASSERT_EQ(read(whole).paths, full);
-    for (qsizetype size = 0; size <= whole.size(); ++size) {
-        const SessionRead r = read(QByteArrayView(whole).first(size));
-        ASSERT_NE(r.outcome, ReaderOutcome::Failed) << size;
-        // A prefix can only lose paths, or cut the last one short.
-        const qsizetype kept = std::max<qsizetype>(r.paths.size() - 1, 0);
-        ASSERT_LE(r.paths.size(), full.size()) << size;
-        EXPECT_EQ(r.paths.first(kept), full.first(kept)) << size;
+        const QByteArray bytes = "<?xml?>\r\n<AuditionSession>\r\n" + body.join("\r\n");
+        EXPECT_EQ(test::pathsRead(SessionKindId::Xml, bytes), paths) << name;
     }
 }
 

@@ -101,6 +101,28 @@ TEST(SessionText, LineEnds) {
     }
 }
 
+// A session cut anywhere reads safely and names a first part of its paths; only an Audition XML
+// path line, read as it stands, can be cut short.
+TEST(SessionFile, EveryPrefixReadsSafely) {
+    const QStringList full = texts("C:\\a.wav|R&amp;B|D:\\c.wav");
+    for (const SessionKind& kind : sessionKinds()) {
+        const bool binary = kind.id == Kind::Ses || kind.id == Kind::Veg;
+        for (const char* end : {"\r\n", "\n"}) {
+            QByteArray whole = test::sessionBytes(kind.id, full);
+            const QStringList all =
+                readAs(kind.id, binary ? whole : whole.replace("\r\n", end)).paths;
+            ASSERT_EQ(all.size(), 3) << kind.tabCaption.toStdString();
+            for (qsizetype size = 0; size < whole.size(); ++size) {
+                const QStringList got = readAs(kind.id, QByteArrayView(whole).first(size)).paths;
+                ASSERT_LE(got.size(), 3) << size;
+                const qsizetype kept = got.size() - (kind.id == Kind::Xml && !got.isEmpty());
+                ASSERT_EQ(got.first(kept), all.first(kept))
+                    << kind.tabCaption.toStdString() << size;
+            }
+        }
+    }
+}
+
 // Real sessions: how many media paths each names, and one of them. REAPER paths are written
 // with "/" here and read in the host's form.
 TEST(SessionFile, CorpusYieldsTheSessionsMedia) {

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
-#include <string>
 
 #include "platform/file_system.h"
 #include "readers/reader_contract.h"
@@ -43,8 +42,10 @@ inline QStringList texts(const char* list) {
     return QString::fromUtf8(list).split(u'|', Qt::SkipEmptyParts);
 }
 
-/// Names each case of a parameterised test by its `name` field.
-inline constexpr auto kByName = [](const auto& info) { return std::string(info.param.name); };
+/// The paths the reader of `kind` finds in `bytes`, joined with "|".
+inline QString pathsRead(SessionKindId kind, QByteArrayView bytes) {
+    return sessionKind(kind).reader(bytes, {}).paths.join(u'|');
+}
 
 /// A file of the real session files kept beside the project (shared/corpus); a clone without
 /// that folder skips the tests that read it.
