@@ -37,20 +37,6 @@ TEST(AddBackslash, AppendsTheHostSeparatorToTheArgumentItself) {
     }
 }
 
-TEST(ReplaceAll, RestartsFromTheFirstCharacterAfterEachReplacement) {
-    // find, text, replacement, result
-    const char* const cases[][4] = {
-        {"&amp;", "a&amp;amp;b", "&", "a&b"},  // a replacement that forms a new match
-        {"", "unchanged", "y", "unchanged"},
-        {"a", "banana", "aa", "baanaanaa"},  // a replacement holding the text: one pass
-    };
-    for (const auto& [find, text, replacement, result] : cases) {
-        QString changed = text;
-        EXPECT_EQ(ReplaceAll(find, changed, replacement), result) << text;
-        EXPECT_EQ(changed, result);
-    }
-}
-
 TEST(Wildcard, MatchesTheWholeText) {
     const std::tuple<const char*, const char*, bool> cases[] = {
         {"TAKE.WAV", "*.WAV", true},

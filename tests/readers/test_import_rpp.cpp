@@ -68,11 +68,7 @@ TEST(RppReader, SourcesYieldTheQuotedFile) {
          "C:/a|D:/b|Url:file://localhost/c|/e"},
         {"first two quotes only",
          rpp("<SOURCE WAVE|FILE \"cut|<SOURCE WAVE|FILE \"\"|<SOURCE WAVE|FILE \"ok\" \"no\""),
-         "ok"},
-        {"Windows paths in host form",
-         rpp("BANKPROGRAMFILE \"C:\\R\\t\"|BANKPROGRAMFILE \"M/x\\t\"|BANKPROGRAMFILE "
-             "\"\\\\s\\t\""),
-         "C:/R/t|M/x/t|//s/t"}};
+         "ok"}};
     for (const auto& [name, bytes, paths] : cases) {
         EXPECT_EQ(test::pathsRead(SessionKindId::Rpp, bytes), host(paths)) << name;
     }

@@ -28,8 +28,8 @@ TEST(SesxReader, ReadingModeDecidesWhatIsAFileElement) {
         {"LF, tabs stay", kDeclaration + "\n" + indented.join("\n"), "a"},
         {"CR LF, tabs inside become blanks", kDeclaration + "\r\n<file\tabsolutePath=\"a\tb\"/>",
          "a b"},
-        {"LF, tab inside the tag", kDeclaration + "\n<file\tabsolutePath=\"a\"/>\n", ""},
-        {"LF, tab inside the path", kDeclaration + "\n<file absolutePath=\"a\tb\"/>\n", "a\tb"},
+        {"LF, tab inside the tag or path",
+         kDeclaration + "\n<file\tabsolutePath=\"a\"/>\n<file absolutePath=\"a\tb\"/>\n", "a\tb"},
         // The cut that drops "<file " drops blanks of an indented piece instead.
         {"LF, indented piece", kDeclaration + "\n" + sesxFileElement("a", "      ") + "\n", "a"}};
     for (const auto& [name, bytes, paths] : cases) {

@@ -41,7 +41,6 @@ TEST(XmlReader, YieldsThePathLinesOfWaveEntries) {
     const QByteArray nested = "x&" + QByteArray("amp;").repeated(100000) + "y";
     const std::tuple<const char*, QByteArrayList, const char*> cases[] = {
         {"tabs stay", xmlWaveBlock({"\t\tC:\\a.wav\t"}), "\t\tC:\\a.wav\t"},
-        {"ampersands", xmlWaveBlock({"C:\\R&amp;B\\a&amp;b.wav"}), "C:\\R&B\\a&b.wav"},
         {"entities of entities", xmlWaveBlock({nested}), "x&y"},
         {"apostrophes", xmlWaveBlock({"Bob&apos;s &apos;t&apos;"}), "Bob's 't'"},
         {"apostrophe beside an ampersand", xmlWaveBlock({"a&amp;b&apos;c"}), "a&b&apos;c"},

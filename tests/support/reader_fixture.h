@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QByteArray>
 #include <QFileInfo>
-#include <QString>
-#include <QStringList>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -11,7 +8,6 @@
 #include <ostream>
 
 #include "platform/file_system.h"
-#include "readers/reader_contract.h"
 #include "support/session_files.h"
 
 // Failures show texts as text rather than as code units.

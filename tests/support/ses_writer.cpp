@@ -25,6 +25,9 @@ SesWriter& SesWriter::chunk(const QByteArray& id, const QByteArray& data,
 }
 
 SesWriter& SesWriter::list(const QList<SesEntry>& entries, const QByteArray& version) {
+    if (entries.isEmpty()) {
+        return *this;
+    }
     QByteArray data;
     for (const SesEntry& entry : entries) {
         data += entryBytes(entry, version.startsWith("Cool Edit Pro 1."));

@@ -27,6 +27,7 @@ public:
     /// Appends a LIST chunk whose entries are laid out for `version` (the shorter layout of Cool
     /// Edit Pro 1.x, the longer one otherwise). Its trailer is the 4 bytes of Cool Edit Pro 1.x
     /// and Audition 1.5 to 3.0; a version with a longer trailer needs its list built by hand.
+    /// No entries write no list: the reader would look for one past the list's size.
     SesWriter& list(const QList<SesEntry>& entries, const QByteArray& version);
 
     /// The finished file: "COOLNESS", the stored length (the file's size unless given) and

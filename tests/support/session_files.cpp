@@ -9,14 +9,6 @@
 
 namespace tidewick::test {
 
-namespace {
-
-QByteArray lines(const QByteArrayList& list) {
-    return list.join("\r\n") + "\r\n";
-}
-
-}  // namespace
-
 QByteArrayList xmlWaveBlock(const QByteArrayList& pathLines) {
     QByteArrayList out{"    <EntityInfo_Wave>"};
     for (const QByteArray& pathLine : pathLines) {
@@ -27,8 +19,7 @@ QByteArrayList xmlWaveBlock(const QByteArrayList& pathLines) {
         out +=
             {pathLine, "        <Flags>0</Flags>", "        <Peak/>", "      </EntityInfo_Wave_1>"};
     }
-    out.append("    </EntityInfo_Wave>");
-    return out;
+    return out << "    </EntityInfo_Wave>";
 }
 
 QByteArray sesxFileElement(const QByteArray& path, const QByteArray& indent) {
@@ -40,59 +31,52 @@ QByteArray vegRecord(qint32 type, const QByteArray& path) {
 }
 
 QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths) {
-    QByteArrayList out;
+    const QByteArray run("\xFF\xFF\xFF\xFF", 4);
+    QByteArray bytes = run + "." + run + "." + run + ".";  // three runs; a record follows a 4th
+    QList<SesEntry> entries;
+    QByteArrayList lines;
     switch (kind) {
-        case SessionKindId::Ses: {
-            SesWriter writer;
-            writer.version("Audition 3.0");
-            QList<SesEntry> entries;
+        case SessionKindId::Ses:
             for (const QByteArray& path : paths) {
                 entries.append({path});
             }
-            if (!entries.isEmpty()) {
-                writer.list(entries, "Audition 3.0");
-            }
-            return writer.bytes();
-        }
-        case SessionKindId::Sesx:
-            out = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)", "<!DOCTYPE sesx>",
-                   R"(<sesx version="1.7">)", "  <files>"};
-            for (const QByteArray& path : paths) {
-                out.append(sesxFileElement(path));
-            }
-            return lines(out + QByteArrayList{"  </files>", "</sesx>"});
-        case SessionKindId::Xml:
-            out = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)", "<AuditionSession>",
-                   "  <Session>"};
-            return lines(out + xmlWaveBlock(paths) +
-                         QByteArrayList{"  </Session>", "</AuditionSession>"});
-        case SessionKindId::Rpp:
-            out = {"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK", "    <ITEM"};
-            for (const QByteArray& path : paths) {
-                out += {"      <SOURCE WAVE", "        FILE \"" + path + "\"", "      >"};
-            }
-            return lines(out + QByteArrayList{"    >", "  >", ">"});
-        case SessionKindId::Veg: {
-            // Each path lies behind the fourth run of four 0xFF bytes, in a record of type 1.
-            const QByteArray run("\xFF\xFF\xFF\xFF", 4);
-            QByteArray bytes = run + "." + run + "." + run + ".";
+            return SesWriter().version("Audition 3.0").list(entries, "Audition 3.0").bytes();
+        case SessionKindId::Veg:
             for (const QByteArray& path : paths) {
                 bytes += run + vegRecord(1, path + QByteArray(2, '\0'));
             }
             return bytes;
-        }
+        case SessionKindId::Sesx:
+            lines = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)",
+                     R"(<sesx version="1.7">)", "  <files>"};
+            for (const QByteArray& path : paths) {
+                lines.append(sesxFileElement(path));
+            }
+            lines += {"  </files>", "</sesx>"};
+            break;
+        case SessionKindId::Xml:
+            lines = QByteArrayList{R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)",
+                                   "<AuditionSession>", "  <Session>"} +
+                    xmlWaveBlock(paths) + QByteArrayList{"  </Session>", "</AuditionSession>"};
+            break;
+        case SessionKindId::Rpp:
+            lines = {"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK"};
+            for (const QByteArray& path : paths) {
+                lines += {"    <SOURCE WAVE", "      FILE \"" + path + "\"", "    >"};
+            }
+            lines += {"  >", ">"};
+            break;
     }
-    return {};
+    return lines.join("\r\n") + "\r\n";
 }
 
 QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {
     QByteArrayList bytes;
     for (const QString& path : paths) {
+        bytes.append(kind == SessionKindId::Veg ? QByteArray(path.size() * 2, '\0')
+                                                : path.toUtf8());
         if (kind == SessionKindId::Veg) {
-            bytes.append(QByteArray(path.size() * 2, '\0'));
             qToLittleEndian<char16_t>(path.utf16(), path.size(), bytes.last().data());
-        } else {
-            bytes.append(path.toUtf8());
         }
     }
     return sessionBytesOf(kind, bytes);
