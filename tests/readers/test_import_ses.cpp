@@ -122,31 +122,31 @@ TEST(SesReader, WalkFindsTheEntries) {
 TEST(SesReader, HostileFileFailsWithTheReason) {
     const QByteArray good = SesWriter().version(kA3).list({{"C:\\a"}, {"C:\\b"}}, kA3).bytes();
     const QByteArray entry = SesWriter::entryBytes({"C:\\a"}, false);
-    const std::tuple<const char*, QByteArray, bool, const char*> cases[] = {
-        {"stored length past the end", "COOLNESS", false, ""},
-        {"cut inside the version", good.left(20), false, ""},
-        {"version over 32767 bytes", SesWriter().chunk("vers", QByteArray(40000, 'A')).bytes(),
-         false, ""},
-        {"list before the version", SesWriter().list({{"a"}}, kA3).version(kA3).bytes(), false, ""},
-        {"cut inside the second entry", good.left(good.size() - 10), true, "C:\\a"},
-        {"negative chunk length", SesWriter().version(kA3).chunk("hdr ", "", -8).bytes(), true, ""},
-        {"chunk length overflow", SesWriter().version(kA3).chunk("W", "", kMaxI32).bytes(kMaxI32),
-         true, ""},
-        {"list size past the end", withList(kMaxI32 - 2, entry), true, "C:\\a"},
-        {"list size backwards", withList(-200, entry), true, "C:\\a"},
-        {"entry length of 16", withList(50, "FILE" + SesWriter::i32(16) + QByteArray(60, 'a')),
-         true, ""},
-    };
-    const QString opening = "An error occurred accessing the selected SES file.  ";
-    for (const auto& [name, bytes, versionFound, paths] : cases) {
-        SCOPED_TRACE(name);
+    const char* const pastEnd = "Input past end of file";
+    // what the file holds, whether the version was read, the paths kept, the reason given
+    const std::tuple<QByteArray, bool, const char*, const char*> cases[] = {
+        {"COOLNESS", false, "", pastEnd},
+        {good.left(20), false, "", pastEnd},
+        {SesWriter().chunk("vers", QByteArray(40000, 'A')).bytes(), false, "", "longer than 32767"},
+        {SesWriter().list({{"a"}}, kA3).version(kA3).bytes(), false, "",
+         "before naming its version"},
+        {good.left(good.size() - 10), true, "C:\\a", pastEnd},
+        {SesWriter().version(kA3).chunk("hdr ", "", -4).bytes(), true, "", "negative length"},
+        {SesWriter().version(kA3).chunk("W", "", kMaxI32).bytes(kMaxI32), true, "", "Overflow"},
+        {withList(kMaxI32 - 2, entry), true, "C:\\a", pastEnd},
+        {withList(-200, entry), true, "C:\\a", "points backwards"},
+        {withList(50, "FILE" + SesWriter::i32(16) + QByteArray(60, 'a')), true, "", "too short"}};
+    for (const auto& [bytes, versionFound, paths, reason] : cases) {
         const SessionRead r = read(bytes);
-        EXPECT_EQ(r.outcome, ReaderOutcome::Failed);
-        EXPECT_EQ(r.versionFound, versionFound);
-        EXPECT_EQ(r.paths.join(u'|'), paths);
-        ASSERT_TRUE(r.message);
-        EXPECT_TRUE(r.message->text.startsWith(opening) && r.message->text.size() > opening.size());
+        EXPECT_EQ(r.outcome, ReaderOutcome::Failed) << reason;
+        EXPECT_EQ(r.versionFound, versionFound) << reason;
+        EXPECT_EQ(r.paths.join(u'|'), paths) << reason;
+        ASSERT_TRUE(r.message) << reason;
         EXPECT_EQ(r.message->title, "File Error");
+        EXPECT_TRUE(
+            r.message->text.startsWith("An error occurred accessing the selected SES file.") &&
+            r.message->text.contains(reason))
+            << r.message->text.toStdString();
     }
 }
 
