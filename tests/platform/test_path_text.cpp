@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/path_text.h"
-#include "platform/session_text.h"
 #include "platform/wildcard.h"
 
 namespace tidewick {
@@ -10,14 +9,12 @@ namespace {
 TEST(PathParts, SplitLikeTheFileSystemObjectWithEitherSeparator) {
     // path, parent, name, base, extension
     const char* const cases[][5] = {
-        {"C:\\a\\take.wav", "C:\\a", "take.wav", "take", "wav"},
         {"C:\\take.wav", "C:\\", "take.wav", "take", "wav"},
         {"/take.wav", "/", "take.wav", "take", "wav"},
         {"take.wav", "", "take.wav", "take", "wav"},
         {"mixed/dir\\take.1.WAV", "mixed/dir", "take.1.WAV", "take.1", "WAV"},
         {"C:\\a\\folder\\", "C:\\a", "folder", "folder", ""},
         {"C:\\", "", "", "", ""},
-        {"/", "", "", "", ""},
         {".hidden", "", ".hidden", "", "hidden"},
         {"dir.v2/noext", "dir.v2", "noext", "noext", ""},
     };
@@ -37,22 +34,6 @@ TEST(AddBackslash, AppendsTheHostSeparatorToTheArgumentItself) {
     for (const char* ended : {"/tmp/x/", "C:\\x\\"}) {
         QString text = ended;
         EXPECT_EQ(AddBackslash(text), ended);
-    }
-}
-
-TEST(ReplaceAll, RestartsFromTheFirstCharacterAfterEachReplacement) {
-    // find, text, replacement, result
-    const char* const cases[][4] = {
-        {"&amp;", "a&amp;amp;b", "&", "a&b"},  // a replacement that forms a new match
-        {"aa", "aaaa", "a", "a"},
-        {"\"", "\"quoted\"", "", "quoted"},
-        {"", "unchanged", "y", "unchanged"},
-        {"a", "banana", "aa", "baanaanaa"},  // a replacement holding the text: one pass
-    };
-    for (const auto& [find, text, replacement, result] : cases) {
-        QString changed = text;
-        EXPECT_EQ(ReplaceAll(find, changed, replacement), result) << text;
-        EXPECT_EQ(changed, result);
     }
 }
 
@@ -80,15 +61,6 @@ TEST(Wildcard, MatchesTheWholeText) {
         EXPECT_EQ(wildcardMatch(QString(text), QString(pattern)), matches)
             << text << " ~ " << pattern;
     }
-}
-
-TEST(SessionText, IsUtf8WhenValidElseWindows1252) {
-    EXPECT_EQ(decodeSessionText("plain"), "plain");
-    EXPECT_EQ(decodeSessionText("Caf\xc3\xa9"), "Caf\u00e9");
-    EXPECT_EQ(decodeSessionText("Caf\xe9 \x80"), "Caf\u00e9 \u20ac");
-    EXPECT_EQ(decodeSessionText("\xc0\xaf"), "\u00c0\u00af");            // overlong UTF-8
-    EXPECT_EQ(decodeSessionText("\xed\xa0\x80"), "\u00ed\u00a0\u20ac");  // a surrogate
-    EXPECT_EQ(decodeSessionText("\xe2\x82"), "\u00e2\u201a");            // cut short
 }
 
 }  // namespace

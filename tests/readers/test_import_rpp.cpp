@@ -10,222 +10,117 @@
 #include "support/reader_fixture.h"
 
 namespace tidewick {
-
-void PrintTo(const RecordPathLine& line, std::ostream* out) {
-    *out << (line.hasValue ? '"' + line.value.toStdString() + '"' : "(no value)")
-         << (line.existsAsIs ? " exists" : "") << (line.absolute ? " absolute" : "")
-         << (line.existsInProject ? " in-project" : "");
-}
-
 namespace {
-
-using test::kByName;
-using test::texts;
-
-using test::ReaderFixture;
 
 // A path with each "/" turned into the host's separator.
 QString host(QString path) {
     return path.replace(u'/', hostSeparator());
 }
 
-// Paths split at "|", each in the host's form.
-QStringList hostPaths(const char* list) {
-    QStringList out = texts(list);
-    for (QString& path : out) {
-        path.replace(u'/', hostSeparator());
-    }
-    return out;
-}
-
 // The header, the line after it (which the reader passes over), then `body`, "|" ending a line.
-QByteArray rpp(const QByteArray& body, const char* lineEnd = "\r\n") {
-    QByteArray bytes = "<REAPER_PROJECT 0.1|  RIPPLE 0 0|" + body + "|";
-    return bytes.replace("|", lineEnd);
+QByteArray rpp(QByteArray body) {
+    return "<REAPER_PROJECT 0.1\r\n  RIPPLE 0 0\r\n" + body.replace("|", "\r\n") + "\r\n";
 }
 
-SessionRead read(QByteArrayView bytes) {
-    return readRppSession(bytes, {});
+TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
+    const std::pair<QByteArray, QString> cases[] = {
+        {"", ""},
+        {"<reaper_project 0.1\r\n", "<reaper_project 0.1"},
+        {"\r\n  junk\t\r\n<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"", "junk"},
+        {"\t<REAPER\tPROJECT\t\n", "<REAPER PROJECT"},
+        {QByteArray(5000, 'x'), QString(1024, u'x')}};
+    for (const auto& [bytes, quotedLine] : cases) {
+        const SessionRead r = readRppSession(bytes, {});
+        EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
+        EXPECT_EQ(
+            r.message,
+            (ReaderMessage{"This is not a properly formated Reaper Project file\n" + quotedLine,
+                           "Processing RPP File", MessageIcon::Critical}));
+        EXPECT_TRUE(r.paths.isEmpty());
+    }
 }
 
-struct RejectCase {
-    const char* name;
-    QByteArray bytes;
-    QString quotedLine;
-};
-
-class RppRejection : public ::testing::TestWithParam<RejectCase> {};
-
-TEST_P(RppRejection, NamesTheFirstNonBlankLineAndReadsNothing) {
-    const SessionRead r = read(GetParam().bytes);
-    EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-    EXPECT_EQ(r.message, (ReaderMessage{"This is not a properly formated Reaper Project file\n" +
-                                            GetParam().quotedLine,
-                                        "Processing RPP File", MessageIcon::Critical}));
-    EXPECT_TRUE(r.paths.isEmpty());
-    EXPECT_TRUE(r.recordPaths.isEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, RppRejection,
-    ::testing::Values(
-        RejectCase{"EmptyFile", "", QString()},
-        RejectCase{"HeaderInOtherCase", "<reaper_project 0.1\r\n", "<reaper_project 0.1"},
-        RejectCase{"HeaderAfterOtherLine",
-                   "\r\n  junk\t\r\n<REAPER_PROJECT\r\nRECORD_PATH \"\" \"\"\r\n<SOURCE "
-                   "WAVE\r\nFILE \"a\"",
-                   "junk"},
-        RejectCase{"TabsInsideBecomeBlanks", "\t<REAPER\tPROJECT\t\n", "<REAPER PROJECT"},
-        RejectCase{"LongLineIsCut", QByteArray(5000, 'x'), QString(1024, u'x')}),
-    kByName);
-
-struct SourceCase {
-    const char* name;
-    QByteArray bytes;
-    const char* expected;
-};
-
-class RppSources : public ::testing::TestWithParam<SourceCase> {};
-
-TEST_P(RppSources, YieldTheQuotedFile) {
-    const SessionRead r = read(GetParam().bytes);
-    EXPECT_EQ(r.outcome, ReaderOutcome::Read);
-    EXPECT_EQ(r.paths, hostPaths(GetParam().expected));
-    EXPECT_FALSE(r.message);
-}
-
-const char* const kTwo = "<SOURCE WAVE|FILE \"Audio\\take 1.wav\"|<SOURCE MIDI|FILE \"b.mid\" 0";
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, RppSources,
-    ::testing::Values(
-        SourceCase{"CrLf", rpp(kTwo, "\r\n"), "Audio/take 1.wav|b.mid"},
-        SourceCase{"Lf", rpp(kTwo, "\n"), "Audio/take 1.wav|b.mid"},
-        SourceCase{"Cr", rpp(kTwo, "\r"), "Audio/take 1.wav|b.mid"},
-        // "\n\r" is two line ends, so the source's file line is the empty one between them.
-        SourceCase{"LfCr", "<REAPER_PROJECT\n\r\n\r<SOURCE WAVE\n\rFILE \"a.wav\"\n\r", ""},
-        SourceCase{"HeaderAfterBlanksLineAfterItUnread",
-                   "\r\n \t \n\t<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"\r\n<SOURCE "
-                   "WAVE\r\nFILE \"b\"",
-                   "b"},
-        SourceCase{
-            "EveryMediaKind",
-            rpp("<SOURCE WAVE|FILE \"1\"|<SOURCE VIDEO|FILE \"2\"|<SOURCE WAVPACK|FILE \"3\"|"
-                "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"
-                "<SOURCE VORBIS|FILE \"7\""),
-            "1|2|3|4|5|6|7"},
-        SourceCase{"OtherKindsAndOtherCase",
-                   rpp("<SOURCE CLICK|FILE \"c\"|<source wave|FILE \"l\"|FILE \"x\""), ""},
-        SourceCase{"AnyLineAfterASourceIsItsFileLine", rpp("<SOURCE WAVE|NOTFILE \"odd\""), "odd"},
-        SourceCase{"FileLineIsNotExaminedAgain", rpp("<SOURCE WAVE|<SOURCE FLAC|FILE \"x\""), ""},
+TEST(RppReader, SourcesYieldTheQuotedFile) {
+    const std::tuple<const char*, QByteArray, const char*> cases[] = {
+        {"header after blank lines, the line after it unread",
+         "\r\n \t \n\t<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"\r\n<SOURCE WAVE\r\nFILE \"b\"",
+         "b"},
+        {"every media kind",
+         rpp("<SOURCE WAVE|FILE \"1\"|<SOURCE VIDEO|FILE \"2\"|<SOURCE WAVPACK|FILE \"3\"|"
+             "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"
+             "<SOURCE VORBIS|FILE \"7\""),
+         "1|2|3|4|5|6|7"},
+        {"other kinds, other case", rpp("<SOURCE CLICK|FILE \"c\"|<source wave|FILE \"l\""), ""},
+        {"any line after a source is its file line", rpp("<SOURCE WAVE|NOTFILE \"odd\""), "odd"},
+        {"a file line is not examined again", rpp("<SOURCE WAVE|<SOURCE FLAC|FILE \"x\""), ""},
         // A MIDI source without FILE still takes the next line; MIDIPOOL/FILENAME match by prefix.
-        SourceCase{"Midi",
-                   rpp("<SOURCE MIDI|HASDATA 1|<SOURCE MIDI|<SOURCE WAVE|FILE \"after.wav\"|"
-                       "<SOURCE MIDIPOOL|FILENAME \"b.mid\""),
-                   "b.mid"},
-        SourceCase{"BankProgramFileOnItsOwnLine", rpp("BANKPROGRAMFILE \"C:\\gm\"|FILE \"n\""),
-                   "C:/gm"},
-        SourceCase{
-            "DuplicatesOnceLetterCaseCounts",
-            rpp("<SOURCE WAVE|FILE \"a\"|<SOURCE FLAC|FILE \"a\"|<SOURCE WAVE|FILE \"A\"|"
-                "BANKPROGRAMFILE \"a\"|<SOURCE WAVE|FILE \"d/b\"|<SOURCE WAVE|FILE \"d\\b\""),
-            "a|A|d/b"},
-        SourceCase{"UrlPrefix",
-                   rpp("<SOURCE WAVE|FILE \"url:file:\\\\localhost\\C:\\a\"|<SOURCE WAVE|"
-                       "FILE \"URL:file://localhost/D:/b\"|<SOURCE WAVE|"
-                       "FILE \"Url:file:\\\\localhost\\c\"|<SOURCE WAVE|"
-                       "FILE \"xurl:file:\\\\localhost\\e\""),
-                   "C:/a|D:/b|Url:file://localhost/c|/e"},
-        SourceCase{
-            "FirstTwoQuotesOnly",
-            rpp("<SOURCE WAVE|FILE \"cut|<SOURCE WAVE|FILE \"\"|<SOURCE WAVE|FILE \"ok\" \"no\""),
-            "ok"},
-        SourceCase{"WindowsPathsBecomeHostPaths",
-                   rpp("<SOURCE WAVE|FILE \"C:\\R\\t\"|<SOURCE WAVE|FILE \"M/x\\t\"|<SOURCE "
-                       "WAVE|FILE \"\\\\s\\t\""),
-                   "C:/R/t|M/x/t|//s/t"},
-        SourceCase{"Utf8AndWindows1252",
-                   rpp("<SOURCE MP3|FILE \"/\xD0\x92 \xD0\xBD.mp3\"|<SOURCE WAVE|FILE \"Caf\xE9\""),
-                   "/\xD0\x92 \xD0\xBD.mp3|Caf\xC3\xA9"}),
-    kByName);
+        {"MIDI",
+         rpp("<SOURCE MIDI|HASDATA 1|<SOURCE MIDI|<SOURCE WAVE|FILE \"after.wav\"|"
+             "<SOURCE MIDIPOOL|FILENAME \"b.mid\""),
+         "b.mid"},
+        {"BANKPROGRAMFILE on its own line", rpp("BANKPROGRAMFILE \"C:\\gm\"|FILE \"n\""), "C:/gm"},
+        {"one path for both separators",
+         rpp("<SOURCE WAVE|FILE \"d/b\"|BANKPROGRAMFILE \"d\\b\"|BANKPROGRAMFILE \"d/b\""), "d/b"},
+        {"URL prefix",
+         rpp("<SOURCE WAVE|FILE \"url:file:\\\\localhost\\C:\\a\"|BANKPROGRAMFILE "
+             "\"URL:file://localhost/D:/b\"|BANKPROGRAMFILE \"Url:file:\\\\localhost\\c\"|"
+             "BANKPROGRAMFILE \"xurl:file:\\\\localhost\\e\""),
+         "C:/a|D:/b|Url:file://localhost/c|/e"},
+        {"first two quotes only",
+         rpp("<SOURCE WAVE|FILE \"cut|<SOURCE WAVE|FILE \"\"|<SOURCE WAVE|FILE \"ok\" \"no\""),
+         "ok"}};
+    for (const auto& [name, bytes, paths] : cases) {
+        EXPECT_EQ(test::pathsRead(SessionKindId::Rpp, bytes), host(paths)) << name;
+    }
+}
 
-// The project folder holds "Media" and "Audio/Takes", the current folder "rec", and `abs` is
-// an existing folder outside both.
-TEST(RppRecordPaths, OnePerLineWithWhatTheDiskHoldsForItsFirstValue) {
-    ReaderFixture f;
+// One RECORD_PATH line of a project in % is read against the disk and folded into the record
+// folder. % holds "Media" and "Audio/Takes", the current folder @ holds "Media" and "rec".
+TEST(RppReader, RecordPathLineSetsTheRecordFolder) {
+    test::ReaderFixture f;
     QTemporaryDir outside;
     ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media") && QDir(f.dir.path()).mkpath("Audio/Takes") &&
-                QDir(outside.path()).mkpath("rec"));
-    const QString abs = host(outside.path() + "/rec");
-    const std::pair<QByteArray, RecordPathLine> lines[] = {
-        {" \"\"", {}},           // 14 characters hold no value
-        {" \"x\"", {true, ""}},  // 15 hold an empty one
-        {" \"Media\" \"\"", {true, "Media", false, false, true}},
-        {" \"Gone\" \"\"", {true, "Gone"}},
-        {" \"" + abs.toUtf8() + "\" \"\"", {true, abs, true, true}},
-        {"\t\" Media \"\t\"\"\t", {true, "Media", false, false, true}},
-        {" \"\" \"Media\"", {true, ""}},         // the second value is not read
-        {" \"Media\"", {true, "Medi"}},          // a lone value loses its last character
-        {" \"rec\" \"\"", {true, "rec", true}},  // exists in the current folder only
-        {" \"Audio\\Takes\" \"\"", {true, host("Audio/Takes"), false, false, true}}};
-    QByteArray body;
-    QList<RecordPathLine> expected;
-    for (const auto& [line, entry] : lines) {
-        body += "RECORD_PATH" + line + "|<SOURCE WAVE|FILE \"a\"|";
-        expected.append(entry);
-    }
+                QDir(outside.path()).mkpath("rec") && QDir(outside.path()).mkpath("Media"));
+    const auto place = [&](const char* text) {
+        return host(
+            QString::fromUtf8(text).replace("@", outside.path()).replace("%", f.dir.path()));
+    };
+    // line after "RECORD_PATH", whole-folder scan, record folder before, record folder after
+    const std::tuple<const char*, const char*, bool, const char*, const char*> cases[] = {
+        {"a 14-character line keeps a folder", " \"\"", false, "x", "x"},
+        {"a 14-character line fills an empty folder", " \"\"", false, "", "%/"},
+        {"an empty value sets the project folder", " \"x\"", false, "x", "%/"},
+        {"a sub-folder", " \"Media\" \"\"", false, "x", "%/Media"},
+        {"blanks and tabs around the value go", "\t\" Media \"\t\"\"\t", false, "x", "%/Media"},
+        {"a Windows sub-folder", " \"Audio\\Takes\" \"\"", false, "x", "%/Audio/Takes"},
+        {"a missing folder", " \"Gone\" \"\"", false, "x", "%/"},
+        {"the second value is not read", " \"\" \"Media\"", false, "x", "%/"},
+        {"a lone value loses its last character", " \"Media\"", false, "x", "%/"},
+        {"an absolute folder", " \"@/rec\" \"\"", false, "x", "@/rec"},
+        // A relative value "exists by itself" only in the current folder: it is not taken.
+        {"a folder of the current folder", " \"rec\" \"\"", false, "x", "%/"},
+        {"all: an absolute folder changes nothing", " \"@/rec\" \"\"", true, "", ""},
+        {"all: a folder as it stands changes nothing", " \"Media\" \"\"", true, "x", "x"},
+        {"all: the first sub-folder", " \"Audio\\Takes\" \"\"", true, "", "%/Audio/Takes"},
+        {"all: the bare project folder gives way", " \"Audio\\Takes\" \"\"", true, "%",
+         "%/Audio/Takes"},
+        {"all: an earlier folder stays, with a separator", " \"Audio\\Takes\" \"\"", true, "/e",
+         "/e/"},
+        {"all: a missing folder fills an empty folder", " \"Gone\" \"\"", true, "", "%/"},
+        {"all: a missing folder keeps a folder", " \"Gone\" \"\"", true, "/e", "/e"}};
     const QString before = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(outside.path()));
-    const SessionRead r = readRppSession(rpp(body), f.place());
+    for (const auto& [name, line, wholeFolder, folder, expected] : cases) {
+        const QByteArray bytes =
+            rpp("RECORD_PATH" + place(line).toUtf8() + "|<SOURCE WAVE|FILE \"a\"");
+        const SessionRead r = readRppSession(bytes, f.place());
+        ASSERT_EQ(r.recordPaths.size(), 1) << name;
+        EXPECT_EQ(r.paths, QStringList{"a"}) << name;
+        EXPECT_EQ(foldRecordPath(place(folder), r.recordPaths[0], place("%/"), wholeFolder),
+                  place(expected))
+            << name;
+    }
     QDir::setCurrent(before);
-    EXPECT_EQ(r.recordPaths, expected);
-    EXPECT_EQ(r.paths, QStringList{"a"});
-
-    // Without a disk no folder exists.
-    for (RecordPathLine& entry : expected) {
-        entry.existsAsIs = entry.existsInProject = false;
-    }
-    EXPECT_EQ(read(rpp(body)).recordPaths, expected);
-}
-
-// One line folded into the record folder of a project whose folder is "P/".
-TEST(RppFoldRecordPath, GivesTheNewRecordFolder) {
-    const RecordPathLine none, gone{true, "Gone"}, media{true, "Media", false, false, true},
-        abs{true, "/abs", true, true}, rec{true, "rec", true}, both{true, "M", true, false, true};
-    const std::tuple<const char*, bool, const char*, RecordPathLine, const char*> cases[] = {
-        {"short line keeps a folder", false, "x", none, "x"},
-        {"short line fills an empty folder", false, "", none, "P/"},
-        {"absolute folder", false, "x", abs, "/abs"},
-        // A relative value "exists by itself" only in the current folder: it is not taken.
-        {"relative folder as is", false, "x", rec, "P/"},
-        {"relative folder as is and in the project", false, "x", both, "P/M"},
-        {"sub-folder", false, "x", media, "P/Media"},
-        {"missing folder", false, "x", gone, "P/"},
-        {"all: short line fills an empty folder", true, "", none, "P/"},
-        {"all: absolute folder changes nothing", true, "", abs, ""},
-        {"all: relative folder as is changes nothing", true, "x", both, "x"},
-        {"all: first sub-folder", true, "", media, "P/Media"},
-        {"all: bare project folder gives way", true, "P", media, "P/Media"},
-        {"all: earlier folder stays, with a separator", true, "/abs", media, "/abs/"},
-        {"all: missing folder fills an empty folder", true, "", gone, "P/"},
-        {"all: missing folder keeps a folder", true, "/abs", gone, "/abs"}};
-    for (const auto& [name, wholeFolder, initial, line, expected] : cases) {
-        SCOPED_TRACE(name);
-        RecordPathLine hostLine = line;
-        hostLine.value = host(line.value);
-        EXPECT_EQ(foldRecordPath(host(initial), hostLine, host("P/"), wholeFolder), host(expected));
-    }
-}
-
-TEST(RppTruncated, EveryPrefixReadsSafely) {
-    const QByteArray whole =
-        rpp("RECORD_PATH \"\" \"\"|<SOURCE WAVE|FILE \"a\"|<SOURCE MIDI|"
-            "FILE \"b\"|BANKPROGRAMFILE \"c\"");
-    for (qsizetype size = 0; size <= whole.size(); ++size) {
-        const SessionRead r = read(whole.first(size));
-        EXPECT_EQ(r.outcome, size < 15 ? ReaderOutcome::Rejected : ReaderOutcome::Read) << size;
-        EXPECT_EQ(r.paths, QStringList({"a", "b", "c"}).first(r.paths.size())) << size;
-    }
 }
 
 }  // namespace

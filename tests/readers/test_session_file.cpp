@@ -2,52 +2,103 @@
 
 #include <tuple>
 
-#include <QFileInfo>
+#include <QFile>
 
 #include "platform/path_text.h"
+#include "platform/session_text.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"
-#include "support/session_files.h"
 
 namespace tidewick {
 namespace {
 
-using test::ReaderFixture;
+using test::texts;
+using Kind = SessionKindId;
 
-TEST(SessionFile, EveryKindReadsItsFileOrSaysWhyNot) {
-    ReaderFixture f;
+SessionRead readAs(Kind kind, QByteArrayView bytes) {
+    return sessionKind(kind).reader(bytes, {});
+}
+
+// A file that cannot or must not be read fails with its kind's "File Error" message and why.
+TEST(SessionFile, UnreadableFileFailsWithTheReason) {
+    test::ReaderFixture f;
+    QFile large(f.dir.filePath("large.ses"));  // sparse: the size is all that is looked at
+    ASSERT_TRUE(large.open(QIODevice::WriteOnly) && large.resize((qint64(1) << 31) - 1024));
+    large.close();
+    const std::pair<QString, const char*> cases[] = {
+        {f.dir.filePath("gone.ses"), "The file does not exist."},
+        {f.dir.path(), "It is not an ordinary file."},
+        {large.fileName(), "The file is larger than 2 GB."}};
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabCaption.toStdString());
-        const QString extension = kind.sessionPattern.mid(1);
-        const QString name =
-            f.write("s" + extension, test::sessionBytes(kind.id, {"a.wav", "b.wav", "a.wav"}));
-        const SessionRead read = readSessionFile(kind, name, f.place());
-        EXPECT_EQ(read.outcome, ReaderOutcome::Read);
-        const QStringList expected = kind.id == SessionKindId::Ses
-                                         ? QStringList{"a.wav", "b.wav", "a.wav"}
-                                         : QStringList{"a.wav", "b.wav"};
-        EXPECT_EQ(read.paths, expected);
-        EXPECT_FALSE(read.message);
-
-        const SessionRead gone = readSessionFile(kind, f.dir.filePath("gone" + extension), {});
-        EXPECT_EQ(gone.outcome, ReaderOutcome::Failed);
-        ASSERT_TRUE(gone.message);
-        const QString opening =
-            "An error occurred accessing the selected " + kind.tabCaption + " file.  ";
-        EXPECT_TRUE(gone.message->text.startsWith(opening)) << gone.message->text.toStdString();
-        EXPECT_GT(gone.message->text.size(), opening.size()) << "the reason follows";
-        EXPECT_EQ(gone.message->title, "File Error");
-        EXPECT_EQ(gone.message->icon, MessageIcon::Critical);
+        for (const auto& [file, reason] : cases) {
+            const SessionRead read = readSessionFile(kind, file, f.place());
+            EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << reason;
+            EXPECT_EQ(read.message, (ReaderMessage{"An error occurred accessing the selected " +
+                                                       kind.tabCaption + " file.  " + reason,
+                                                   "File Error", MessageIcon::Critical}));
+        }
     }
 }
 
-TEST(SessionFile, KindByCaptionIgnoresCase) {
-    for (const SessionKind& kind : sessionKinds()) {
-        EXPECT_EQ(sessionKindByCaption(kind.tabCaption.toLower()), &kind);
+// Path bytes are UTF-8 when they are valid UTF-8, else Windows-1252, in every kind of session
+// (a Vegas path that is no UTF-16 text loses its zero bytes first).
+TEST(SessionText, PathsAreUtf8WhenValidElseWindows1252) {
+    const std::pair<QByteArray, const char*> cases[] = {
+        {"Caf\xc3\xa9 \xd0\x92.wav", "Café В.wav"},
+        {"Caf\xe9 \x80.wav", "Café €.wav"},
+        {"\xc0\xaf.wav", "À¯.wav"},            // overlong UTF-8
+        {"\xed\xa0\x80.wav", "í\u00a0€.wav"},  // UTF-8 of a surrogate
+        {"\xe2\x82.wav", "â‚.wav"}};           // UTF-8 cut short
+    for (const auto& [bytes, text] : cases) {
+        EXPECT_EQ(decodeSessionText(bytes), QString::fromUtf8(text));
+        for (const SessionKind& kind : sessionKinds()) {
+            EXPECT_EQ(readAs(kind.id, test::sessionBytesOf(kind.id, {bytes})).paths, texts(text))
+                << kind.tabCaption.toStdString() << ": " << text;
+        }
     }
-    EXPECT_EQ(sessionKindByCaption("Rpp"), &sessionKind(SessionKindId::Rpp));
-    EXPECT_EQ(sessionKindByCaption("se"), nullptr);
-    EXPECT_EQ(sessionKindByCaption("*.ses"), nullptr);
+}
+
+// A line of a text session ends at CR LF, CR or LF, but for the reading modes of SESX.
+TEST(SessionText, LineEnds) {
+    const QByteArray sesx = R"(<?xml version="1.0"?>)";
+    const std::tuple<const char*, Kind, QByteArray, const char*> cases[] = {
+        // "\n\r" is two line ends, so the source's file line is the empty one between them.
+        {"LF CR", Kind::Rpp, "<REAPER_PROJECT\n\r\n\r<SOURCE WAVE\n\rFILE \"a.wav\"\n\r", ""},
+        // Lines that end in LF alone are read as pieces of the first line, which is examined
+        // too, up to the first CR.
+        {"LF first line", Kind::Sesx, test::sesxFileElement("1", "") + "\n" + sesx, "1"},
+        {"LF up to CR", Kind::Sesx,
+         sesx + "\n" + test::sesxFileElement("a") + "\r\n" + test::sesxFileElement("b"), "a"},
+        // Otherwise the first line is passed over, and a lone LF inside a line ends nothing.
+        {"CR LF first line", Kind::Sesx, test::sesxFileElement("1", "") + "\r\n", ""},
+        {"CR LF line holding LF", Kind::Sesx,
+         sesx + "\r\n" + test::sesxFileElement("a") + "\n" + test::sesxFileElement("b"), "a"}};
+    for (const auto& [name, kind, bytes, paths] : cases) {
+        EXPECT_EQ(readAs(kind, bytes).paths, texts(paths)) << name;
+    }
+}
+
+// Each kind reads the session the test writer lays out for it, whatever its line ends: the
+// binary kind gives one path per record, repeats included, every other kind names a path once,
+// and letter case makes another path. Cut anywhere, a session reads safely and names a first
+// part of those paths; only an Audition XML path line, read as it stands, can be cut short.
+TEST(SessionFile, EveryKindReadsItsSessionAndEveryPrefixOfIt) {
+    for (const SessionKind& kind : sessionKinds()) {
+        const QStringList full = texts(kind.id == Kind::Ses ? "a.wav|a.wav|A.wav" : "a.wav|A.wav");
+        for (const char* end : {"\r\n", "\r", "\n"}) {
+            QByteArray whole = test::sessionBytes(kind.id, texts("a.wav|a.wav|A.wav"));
+            if (kind.id != Kind::Ses && kind.id != Kind::Veg) {
+                whole.replace("\r\n", end);
+            }
+            ASSERT_EQ(readAs(kind.id, whole).paths, full) << kind.tabCaption.toStdString() << end;
+            for (qsizetype size = 0; size < whole.size(); ++size) {
+                const QStringList got = readAs(kind.id, QByteArrayView(whole).first(size)).paths;
+                const qsizetype kept = got.size() - (kind.id == Kind::Xml && !got.isEmpty());
+                ASSERT_TRUE(got.size() <= full.size() && got.first(kept) == full.first(kept))
+                    << kind.tabCaption.toStdString() << " cut at " << size;
+            }
+        }
+    }
 }
 
 // Real sessions: how many media paths each names, and one of them. REAPER paths are written
@@ -67,8 +118,7 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         {"rpp/noisefarm_201205_1424_test.RPP", 4, "01-201205_2139.wav"},
         {"rpp/tears_dont_fall_project.rpp", 50, "02-Guitar0-240929_1654.wav"},
         {"rpp/ultraschall_testproject_test.rpp", 1, "Recordings/trss-mr-death.mp3"},
-        {"rpp/vovas-music_son_Untitled.RPP", 1,
-         "/Users/vova/Downloads/\xD0\x92 \xD0\xBD\xD0\xBE\xD1\x87\xD1\x8C.mp3"},
+        {"rpp/vovas-music_son_Untitled.RPP", 1, "/Users/vova/Downloads/В ночь.mp3"},
         {"sesx/AudiuMax_Audium_4x4_Template.sesx", 0, ""},
         {"sesx/FiveTailedGames_FourthSealSoundtrack.sesx", 1,
          R"(D:\NEWM N430 Advanced Game Design\FiveTailedGames\FiveTailedGames\)"
@@ -95,7 +145,7 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         EXPECT_FALSE(read.message);
         EXPECT_EQ(read.paths.size(), count);
         QString expected = QString::fromUtf8(sample);
-        if (kind->id == SessionKindId::Rpp) {
+        if (kind->id == Kind::Rpp) {
             expected.replace(u'/', hostSeparator());
         }
         EXPECT_TRUE(expected.isEmpty() || read.paths.contains(expected)) << expected.toStdString();

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <gtest/gtest.h>
+
 #include <ostream>
-#include <string>
 
 #include "platform/file_system.h"
-#include "readers/reader_contract.h"
+#include "support/session_files.h"
 
 // Failures show texts as text rather than as code units.
 inline void PrintTo(const QString& text, std::ostream* out) {
@@ -27,7 +26,11 @@ struct ReaderFixture {
     SessionPlace place() const { return {dir.path(), &fs}; }
 
     /// Writes `bytes` to `name` inside the temporary folder and returns the full path.
-    QString write(const QString& name, const QByteArray& bytes) const;
+    QString write(const QString& name, const QByteArray& bytes) const {
+        const QString path = dir.filePath(name);
+        EXPECT_TRUE(writeFile(path, bytes)) << path.toStdString();
+        return path;
+    }
 };
 
 /// Texts written as one, split at "|" ("a|b" for {"a", "b"}, "" for none).
@@ -35,13 +38,18 @@ inline QStringList texts(const char* list) {
     return QString::fromUtf8(list).split(u'|', Qt::SkipEmptyParts);
 }
 
-/// Names each case of a parameterised test by its `name` field.
-inline constexpr auto kByName = [](const auto& info) { return std::string(info.param.name); };
+/// The paths the reader of `kind` finds in `bytes`, joined with "|".
+inline QString pathsRead(SessionKindId kind, QByteArrayView bytes) {
+    return sessionKind(kind).reader(bytes, {}).paths.join(u'|');
+}
 
-/// A file of the real session files kept beside the project (shared/corpus).
-QString corpusPath(const QString& relative);
-
-/// True when that folder is there; a clone without it skips the tests that read it.
-bool haveCorpus();
+/// A file of the real session files kept beside the project (shared/corpus); a clone without
+/// that folder skips the tests that read it.
+inline QString corpusPath(const QString& relative) {
+    return QStringLiteral(TIDEWICK_CORPUS "/") + relative;
+}
+inline bool haveCorpus() {
+    return QFileInfo(QStringLiteral(TIDEWICK_CORPUS)).isDir();
+}
 
 }  // namespace tidewick::test

@@ -2,9 +2,8 @@
 
 #include <QByteArray>
 #include <QList>
-#include <QString>
 
-#include <limits>
+#include <optional>
 
 namespace tidewick::test {
 
@@ -18,35 +17,26 @@ struct SesEntry {
 /// Builds binary sessions in memory, chunk by chunk, laid out the way the reader walks them.
 class SesWriter {
 public:
-    /// Stands for "the data's own size" where a length may be given.
-    static constexpr qint64 kOwnSize = std::numeric_limits<qint64>::min();
-
     /// Appends a chunk with the given identifier and data; `length` overrides the stored length.
-    SesWriter& chunk(const QByteArray& id, const QByteArray& data, qint64 length = kOwnSize);
+    SesWriter& chunk(const QByteArray& id, const QByteArray& data,
+                     std::optional<qint64> length = {});
 
     /// Appends a "vers" chunk holding `version` and a terminating zero.
-    SesWriter& version(const QByteArray& version);
+    SesWriter& version(const QByteArray& version) { return chunk("vers", version + '\0'); }
 
-    /// Appends a LIST chunk whose entries are laid out for `version`: the old, shorter layout
-    /// for Cool Edit Pro 1.0 and 1.2, the new one otherwise, followed by the trailer the
-    /// version's position rule skips.
+    /// Appends a LIST chunk whose entries are laid out for `version` (the shorter layout of Cool
+    /// Edit Pro 1.x, the longer one otherwise). Its trailer is the 4 bytes of Cool Edit Pro 1.x
+    /// and Audition 1.5 to 3.0; a version with a longer trailer needs its list built by hand.
+    /// No entries write no list: the reader would look for one past the list's size.
     SesWriter& list(const QList<SesEntry>& entries, const QByteArray& version);
-
-    /// Appends raw bytes.
-    SesWriter& raw(const QByteArray& bytes);
 
     /// The finished file: "COOLNESS", the stored length (the file's size unless given) and
     /// the chunks.
-    QByteArray bytes(qint64 storedLength = kOwnSize) const;
-
-    /// The number of bytes written so far after the 12-byte file header.
-    qsizetype size() const { return body_.size(); }
+    QByteArray bytes(std::optional<qint64> storedLength = {}) const;
 
     static QByteArray i32(qint64 value);
-    /// The bytes of one entry in the given layout.
+    /// The bytes of one entry in the old (Cool Edit Pro 1.x) or the new layout.
     static QByteArray entryBytes(const SesEntry& entry, bool oldLayout);
-    static bool isOldLayout(const QByteArray& version);
-    static qint32 trailerLength(const QByteArray& version);
 
 private:
     QByteArray body_;

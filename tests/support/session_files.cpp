@@ -3,102 +3,83 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include "support/ses_writer.h"
 
 namespace tidewick::test {
 
-namespace {
-
-QByteArray lines(const QByteArrayList& list) {
-    return list.join("\r\n") + "\r\n";
-}
-
-// An Audition 3 XML export: the path sits on the 18th line after each entry's opening line.
-QByteArray xmlSession(const QStringList& paths) {
-    QByteArrayList out{R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)",
-                       "<AuditionSession>", "  <Session>", "    <EntityInfo_Wave>"};
-    int number = 0;
-    for (const QString& path : paths) {
-        const QByteArray n = QByteArray::number(++number);
-        out.append("      <EntityInfo_Wave_" + n + ">");
+QByteArrayList xmlWaveBlock(const QByteArrayList& pathLines) {
+    QByteArrayList out{"    <EntityInfo_Wave>"};
+    for (const QByteArray& pathLine : pathLines) {
+        out.append("      <EntityInfo_Wave_1>");
         for (int i = 1; i < 18; ++i) {
-            out.append("        <Field" + QByteArray::number(i) + ">0</Field>");
+            out.append("        <Field>0</Field>");
         }
-        out.append(path.toUtf8());
-        out += QByteArrayList{"        <Flags>0</Flags>", "        <Peak>0</Peak>",
-                              "      </EntityInfo_Wave_" + n + ">"};
+        out +=
+            {pathLine, "        <Flags>0</Flags>", "        <Peak/>", "      </EntityInfo_Wave_1>"};
     }
-    out += QByteArrayList{"    </EntityInfo_Wave>", "  </Session>", "</AuditionSession>"};
-    return lines(out);
+    return out << "    </EntityInfo_Wave>";
 }
 
-QByteArray sesxSession(const QStringList& paths) {
-    QByteArrayList out{R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)",
-                       "<!DOCTYPE sesx>", R"(<sesx version="1.7">)", "  <files>"};
-    for (const QString& path : paths) {
-        out.append(R"(    <file absolutePath=")" + path.toUtf8() +
-                   R"(" id="0" mediaHandler="AmioWav"/>)");
-    }
-    out += QByteArrayList{"  </files>", "</sesx>"};
-    return lines(out);
+QByteArray sesxFileElement(const QByteArray& path, const QByteArray& indent) {
+    return indent + R"(<file absolutePath=")" + path + R"(" id="0" mediaHandler="AmioWav"/>)";
 }
 
-QByteArray rppProject(const QStringList& paths) {
-    QByteArrayList out{"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK", "    <ITEM"};
-    for (const QString& path : paths) {
-        out += QByteArrayList{"      <SOURCE WAVE", "        FILE \"" + path.toUtf8() + "\"",
-                              "      >"};
-    }
-    out += QByteArrayList{"    >", "  >", ">"};
-    return lines(out);
+QByteArray vegRecord(qint32 type, const QByteArray& path) {
+    return "iiii" + SesWriter::i32(type) + QByteArray(36, 'x') + path;
 }
 
-// Vegas keeps each media path, in UTF-16LE, behind the fourth run of four 0xFF bytes and a
-// record of type 1.
-QByteArray vegProject(const QStringList& paths) {
+QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths) {
     const QByteArray run("\xFF\xFF\xFF\xFF", 4);
-    QByteArray out = run + "." + run + "." + run + ".";
-    for (const QString& path : paths) {
-        QByteArray utf16;
-        for (const QChar c : path) {
-            utf16 += char(c.unicode() & 0xFF);
-            utf16 += char(c.unicode() >> 8);
-        }
-        out += run + "iiii" + SesWriter::i32(1) + QByteArray(36, 'x') + utf16 + QByteArray(2, '\0');
-    }
-    return out;
-}
-
-QByteArray sesSession(const QStringList& paths) {
-    SesWriter writer;
-    writer.version("Audition 3.0");
-    if (!paths.isEmpty()) {
-        QList<SesEntry> entries;
-        for (const QString& path : paths) {
-            entries.append({path.toUtf8()});
-        }
-        writer.list(entries, "Audition 3.0");
-    }
-    return writer.bytes();
-}
-
-}  // namespace
-
-QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {
+    QByteArray bytes = run + "." + run + "." + run + ".";  // three runs; a record follows a 4th
+    QList<SesEntry> entries;
+    QByteArrayList lines;
     switch (kind) {
         case SessionKindId::Ses:
-            return sesSession(paths);
-        case SessionKindId::Sesx:
-            return sesxSession(paths);
-        case SessionKindId::Xml:
-            return xmlSession(paths);
-        case SessionKindId::Rpp:
-            return rppProject(paths);
+            for (const QByteArray& path : paths) {
+                entries.append({path});
+            }
+            return SesWriter().version("Audition 3.0").list(entries, "Audition 3.0").bytes();
         case SessionKindId::Veg:
-            return vegProject(paths);
+            for (const QByteArray& path : paths) {
+                bytes += run + vegRecord(1, path + QByteArray(2, '\0'));
+            }
+            return bytes;
+        case SessionKindId::Sesx:
+            lines = {R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)",
+                     R"(<sesx version="1.7">)", "  <files>"};
+            for (const QByteArray& path : paths) {
+                lines.append(sesxFileElement(path));
+            }
+            lines += {"  </files>", "</sesx>"};
+            break;
+        case SessionKindId::Xml:
+            lines = QByteArrayList{R"(<?xml version="1.0" encoding="UTF-8" standalone="no"?>)",
+                                   "<AuditionSession>", "  <Session>"} +
+                    xmlWaveBlock(paths) + QByteArrayList{"  </Session>", "</AuditionSession>"};
+            break;
+        case SessionKindId::Rpp:
+            lines = {"<REAPER_PROJECT 0.1 \"6.0\"", "  <TRACK"};
+            for (const QByteArray& path : paths) {
+                lines += {"    <SOURCE WAVE", "      FILE \"" + path + "\"", "    >"};
+            }
+            lines += {"  >", ">"};
+            break;
     }
-    return {};
+    return lines.join("\r\n") + "\r\n";
+}
+
+QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {
+    QByteArrayList bytes;
+    for (const QString& path : paths) {
+        bytes.append(kind == SessionKindId::Veg ? QByteArray(path.size() * 2, '\0')
+                                                : path.toUtf8());
+        if (kind == SessionKindId::Veg) {
+            qToLittleEndian<char16_t>(path.utf16(), path.size(), bytes.last().data());
+        }
+    }
+    return sessionBytesOf(kind, bytes);
 }
 
 bool writeFile(const QString& path, const QByteArray& bytes) {
