@@ -43,18 +43,44 @@ void sortByName(QList<FolderEntry>& entries) {
 }
 
 #ifdef Q_OS_UNIX
+// The length of the valid UTF-8 sequence at the start of `bytes`, or 0 when there is none.
+qsizetype utf8SequenceLength(QByteArrayView bytes) {
+    const auto lead = static_cast<unsigned char>(bytes[0]);
+    const qsizetype length = lead < 0x80   ? 1
+                             : lead < 0xC2 ? 0
+                             : lead < 0xE0 ? 2
+                             : lead < 0xF0 ? 3
+                             : lead < 0xF5 ? 4
+                                           : 0;
+    if (length == 0 || length > bytes.size()) {
+        return 0;
+    }
+    for (qsizetype i = 1; i < length; ++i) {
+        if ((static_cast<unsigned char>(bytes[i]) & 0xC0) != 0x80) {
+            return 0;
+        }
+    }
+    // Overlong forms, surrogates and code points past U+10FFFF are no UTF-8.
+    const auto second = static_cast<unsigned char>(bytes.size() > 1 ? bytes[1] : 0);
+    if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second >= 0xA0) ||
+        (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second >= 0x90)) {
+        return 0;
+    }
+    return length;
+}
+
 // One readdir pass and one stat per file: the directory entry's type says whether a name is a
 // file or a link, and the stat gives the size (of the target, for a link) in the same call.
-QList<FolderEntry> readFolder(const QString& folder) {
+QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
     QList<FolderEntry> entries;
-    DIR* dir = ::opendir(QFile::encodeName(folder).constData());
+    DIR* dir = ::opendir(encodeFileName(folder).constData());
     if (dir == nullptr) {
         return entries;
     }
     const int fd = ::dirfd(dir);
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
-        if (name[0] == '.') {
+        if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
         }
         struct stat info {};
@@ -72,15 +98,15 @@ QList<FolderEntry> readFolder(const QString& folder) {
             !S_ISREG(info.st_mode)) {
             continue;  // a broken link, or one that leads to no ordinary file
         }
-        entries.append({QFile::decodeName(name), qint64(info.st_size), link});
+        entries.append({decodeFileName(name), qint64(info.st_size), link});
     }
     ::closedir(dir);
     return entries;
 }
 #else
-QList<FolderEntry> readFolder(const QString& folder) {
+QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
     QList<FolderEntry> entries;
-    QDirIterator it(folder, QDir::Files);
+    QDirIterator it(folder, withHidden ? QDir::Files | QDir::Hidden : QDir::Files);
     while (it.hasNext()) {
         it.next();
         const QFileInfo info = it.fileInfo();
@@ -92,15 +118,74 @@ QList<FolderEntry> readFolder(const QString& folder) {
 
 }  // namespace
 
-bool FileSystem::FileExists(const QString& path) const {
 #ifdef Q_OS_UNIX
+QString decodeFileName(QByteArrayView bytes) {
+    if (QUtf8StringView(bytes).isValidUtf8()) {
+        return QString::fromUtf8(bytes);
+    }
+    QString name;
+    name.reserve(bytes.size());
+    for (qsizetype at = 0; at < bytes.size();) {
+        const qsizetype length = utf8SequenceLength(bytes.sliced(at));
+        if (length == 0) {
+            name.append(QChar(char16_t(0xDC00 + static_cast<unsigned char>(bytes[at]))));
+            ++at;
+        } else {
+            name.append(QString::fromUtf8(bytes.sliced(at, length)));
+            at += length;
+        }
+    }
+    return name;
+}
+
+QByteArray encodeFileName(const QString& path) {
+    QByteArray bytes;
+    bytes.reserve(path.size());
+    qsizetype from = 0;
+    for (qsizetype at = 0; at < path.size(); ++at) {
+        const char16_t unit = path[at].unicode();
+        if (unit >= 0xDC80 && unit <= 0xDCFF && (at == 0 || !path[at - 1].isHighSurrogate())) {
+            bytes.append(path.sliced(from, at - from).toUtf8());
+            bytes.append(char(unit - 0xDC00));
+            from = at + 1;
+        }
+    }
+    bytes.append(path.sliced(from).toUtf8());
+    return bytes;
+}
+
+namespace {
+bool statPath(const QString& path, struct stat& info) {
+    return !path.isEmpty() && ::stat(encodeFileName(path).constData(), &info) == 0;
+}
+}  // namespace
+
+bool FileSystem::FileExists(const QString& path) const {
     struct stat info {};
-    return !path.isEmpty() && ::stat(QFile::encodeName(path).constData(), &info) == 0 &&
-           !S_ISDIR(info.st_mode);
+    return statPath(path, info) && !S_ISDIR(info.st_mode);
+}
+
+bool FileSystem::FolderExists(const QString& path) const {
+    struct stat info {};
+    return statPath(path, info) && S_ISDIR(info.st_mode);
+}
+
+qint64 FileSystem::fileSize(const QString& path) const {
+    struct stat info {};
+    return statPath(path, info) && !S_ISDIR(info.st_mode) ? qint64(info.st_size) : -1;
+}
 #else
+QString decodeFileName(QByteArrayView bytes) {
+    return QFile::decodeName(bytes.toByteArray());
+}
+
+QByteArray encodeFileName(const QString& path) {
+    return QFile::encodeName(path);
+}
+
+bool FileSystem::FileExists(const QString& path) const {
     const QFileInfo info(path);
     return info.exists() && !info.isDir();
-#endif
 }
 
 bool FileSystem::FolderExists(const QString& path) const {
@@ -111,9 +196,10 @@ qint64 FileSystem::fileSize(const QString& path) const {
     const QFileInfo info(path);
     return info.exists() && !info.isDir() ? info.size() : -1;
 }
+#endif
 
-QList<FolderEntry> FileSystem::listFiles(const QString& folder) const {
-    QList<FolderEntry> entries = readFolder(folder);
+QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden) const {
+    QList<FolderEntry> entries = readFolder(folder, withHidden);
     sortByName(entries);
     return entries;
 }

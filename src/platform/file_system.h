@@ -7,6 +7,14 @@
 // through it, so that tests can stand in a disk that fails where a real one seldom does.
 namespace tidewick {
 
+/// A file name as the file system holds it, as text. Names are bytes on Linux and macOS: valid
+/// UTF-8 reads as such, and every other byte becomes the lone character U+DC00 + byte, which
+/// no text of a session can hold and which encodeFileName turns back into that byte. So every
+/// file can be listed, and its path leads back to it.
+QString decodeFileName(QByteArrayView bytes);
+/// The bytes that name `path` to the file system.
+QByteArray encodeFileName(const QString& path);
+
 /// One file of a folder listing.
 struct FolderEntry {
     QString name;         ///< the file's name, without its folder
@@ -35,7 +43,8 @@ public:
     /// leading dot), folders, sockets, pipes, devices and broken links are left out: what the
     /// user does not see in the folder is never offered for moving. Empty when the folder
     /// cannot be read.
-    virtual QList<FolderEntry> listFiles(const QString& folder) const;
+    /// With `withHidden` the hidden files are listed too.
+    virtual QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false) const;
 
     /// The program's current directory.
     virtual QString currentDirectory() const;

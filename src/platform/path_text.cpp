@@ -2,6 +2,14 @@
 
 namespace tidewick {
 
+namespace {
+
+QString hex(int value, int digits) {
+    return QStringLiteral("%1").arg(value, digits, 16, QLatin1Char('0')).toUpper();
+}
+
+}  // namespace
+
 QChar hostSeparator() {
 #ifdef Q_OS_WIN
     return u'\\';
@@ -134,6 +142,36 @@ QString trimBlanks(const QString& text) {
         --end;
     }
     return text.mid(begin, end - begin);
+}
+
+QString visibleText(const QString& text) {
+    QString out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i].unicode();
+        const bool pair = QChar::isHighSurrogate(unit) && i + 1 < text.size() &&
+                          QChar::isLowSurrogate(text[i + 1].unicode());
+        if (pair) {
+            out += text[i];
+            out += text[++i];
+        } else if (unit == u'\n') {
+            out += QLatin1String("\\n");
+        } else if (unit == u'\t') {
+            out += QLatin1String("\\t");
+        } else if (unit == u'\r') {
+            out += QLatin1String("\\r");
+        } else if (unit < 0x20 || unit == 0x7F) {
+            out += QLatin1String("\\x") + hex(unit, 2);
+        } else if (unit >= 0xDC80 && unit <= 0xDCFF) {
+            // A byte that was no UTF-8, kept as the file system's name has it.
+            out += QLatin1String("\\x") + hex(unit - 0xDC00, 2);
+        } else if (QChar::isSurrogate(unit)) {
+            out += QLatin1String("\\u") + hex(unit, 4);
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
 }
 
 }  // namespace tidewick

@@ -38,6 +38,11 @@ QString GetBaseName(const QString& path);
 /// The text after the last dot of the last component, without the dot; empty when there is none.
 QString GetExtensionName(const QString& path);
 
+/// `text` as one line for the eye, in a list or a terminal: control characters are written as
+/// escapes ("\n", "\x1B"), and so is a byte of a file name that was no UTF-8 ("\xFF"), so
+/// that a name can neither break a line nor drive a terminal.
+QString visibleText(const QString& text);
+
 /// Removes leading and trailing blanks (code 32) only; tabs and other white space stay.
 QString trimBlanks(const QString& text);
 

@@ -18,6 +18,7 @@ constexpr QByteArrayView kRecordPath = "RECORD_PATH";
 constexpr QByteArrayView kBankProgramFile = "BANKPROGRAMFILE";
 constexpr QByteArrayView kMidiSource = "<SOURCE MIDI";
 constexpr QByteArrayView kFileKeyword = "FILE";
+constexpr QByteArrayView kAnySource = "<SOURCE ";
 constexpr std::array<QByteArrayView, 7> kMediaSources = {
     "<SOURCE WAVE", "<SOURCE VIDEO", "<SOURCE WAVPACK", "<SOURCE APE",
     "<SOURCE FLAC", "<SOURCE MP3",   "<SOURCE VORBIS"};
@@ -27,9 +28,6 @@ constexpr std::array<QByteArrayView, 7> kMediaSources = {
 constexpr qsizetype kRecordValueStart = 13;
 // Length of "url:file:\\localhost\", the prefix REAPER puts before a path given as a URL.
 constexpr qsizetype kUrlPrefixLength = 21;
-// A rejection message quotes the offending line; a binary file can have a "line" of megabytes,
-// which no message box can show, so the quote is cut there.
-constexpr qsizetype kMaxQuotedLine = 1024;
 
 const QString kNotAProjectText =
     QStringLiteral("This is not a properly formated Reaper Project file");
@@ -100,9 +98,8 @@ public:
         } while (first.isEmpty() && !lines_.atEnd());
         if (!beginsWith(first, kHeader)) {
             read.outcome = ReaderOutcome::Rejected;
-            read.message =
-                ReaderMessage{kNotAProjectText + u'\n' + textOf(first).left(kMaxQuotedLine),
-                              kRejectTitle, MessageIcon::Critical};
+            read.message = ReaderMessage{kNotAProjectText + u'\n' + quotedLine(first), kRejectTitle,
+                                         MessageIcon::Critical};
             return read;
         }
         // The line after the header is passed over unread, whatever it holds.
@@ -158,6 +155,9 @@ private:
         if (!bank && !midi &&
             std::none_of(kMediaSources.begin(), kMediaSources.end(),
                          [&](QByteArrayView prefix) { return beginsWith(line, prefix); })) {
+            if (beginsWith(line, kAnySource)) {
+                applyOtherSource();
+            }
             return;
         }
         QByteArrayView fileLine = line;
@@ -169,8 +169,25 @@ private:
                 return;  // a MIDI source with its notes in the project itself
             }
         }
+        addFile(fileLine);
+    }
+
+    // A source of any other type (a sub-project, OPUS, REX, ...) names the file it plays when
+    // its next line begins with FILE. That line is taken only then: a line of another kind,
+    // such as a nested source, meets the rules of its own.
+    void applyOtherSource() {
+        LineReader ahead = lines_;
+        const QByteArrayView next = trimmedOfBlanksAndTabs(ahead.next());
+        if (beginsWith(next, kFileKeyword)) {
+            lines_ = ahead;
+            addFile(next);
+        }
+    }
+
+    // Adds the path between the first two quotes of `fileLine`.
+    void addFile(QByteArrayView fileLine) {
         const std::optional<QByteArrayView> quoted = textBetweenFirstQuotes(fileLine);
-        if (!quoted) {
+        if (!quoted || quoted->size() > kMaxPathBytes) {
             return;  // fewer than two quotes: there is no path to cut out
         }
         const QByteArrayView inside = *quoted;

@@ -69,8 +69,11 @@ private:
         if (quote < 0) {
             return;
         }
-        QByteArray path = value.first(quote).toByteArray();
-        replaceFirst(path, "&amp;", '&');
+        if (quote > kMaxPathBytes) {
+            return;  // longer than any path can be
+        }
+        // Every XML escape is decoded; of the URL escapes only the colon is ever written.
+        QByteArray path = decodeXmlEscapes(value.first(quote));
         replaceFirst(path, "%3a", ':');
         // An empty value names no file; kept, it would list the session folder as a missing
         // media file.
@@ -131,9 +134,18 @@ void examineLines(QByteArrayView bytes, SesxSession& session) {
 
 SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
+    SessionRead read;
+    if (!bytes.contains("<sesx")) {
+        // Empty, cut short before its root or some other file: read as a session without
+        // media, it would offer the whole folder for moving.
+        read.outcome = ReaderOutcome::Rejected;
+        read.message =
+            ReaderMessage{QStringLiteral("This is not an Adobe Audition session (.sesx) file."),
+                          QStringLiteral("Processing SESX File"), MessageIcon::Critical};
+        return read;
+    }
     SesxSession session;
     examineLines(bytes, session);
-    SessionRead read;
     read.paths = session.paths.takePaths();
     return read;
 }

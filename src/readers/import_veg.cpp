@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "platform/session_text.h"
 #include "readers/session_bytes.h"
@@ -56,18 +57,19 @@ public:
     VegScan(QByteArrayView bytes, MediaPathList& paths)
         : data_(bytes.data()), size_(bytes.size()), bytes_(bytes), paths_(paths) {}
 
-    void run() {
+    /// Scans the whole file; true when it holds one of the marks at all.
+    bool run() {
         while (o_ < size_) {
             // Every byte that is no mark only moves the position on by one, so the scan may leap
             // to the next byte that could begin one.
             o_ = nextMark(o_);
             if (o_ >= size_) {
-                return;
+                return runs_ > 0;
             }
             if (static_cast<unsigned char>(data_[o_]) == 0xFF) {
                 const std::optional<qint32> value = readI32LE(bytes_, o_);
                 if (!value) {
-                    return;
+                    return runs_ > 0;
                 }
                 if (*value == -1) {
                     runs_ = std::min(runs_ + 1, kRunsBeforeRecords);
@@ -79,13 +81,13 @@ public:
             } else {
                 // An "l" once four runs have been seen: a four-byte tag test.
                 if (o_ > size_ - 4) {
-                    return;
+                    return runs_ > 0;
                 }
                 lastIsZero_ = false;  // the last text is now the four tag characters
                 const bool end = bytes_.sliced(o_, 4) == kEndTag;
                 o_ += 4;
                 if (end) {
-                    return;
+                    return runs_ > 0;
                 }
             }
             if (runs_ >= kRunsBeforeRecords && armed_) {
@@ -93,18 +95,19 @@ public:
                 o_ += kTypeOffset;
                 const std::optional<qint32> type = readI32LE(bytes_, o_);
                 if (!type) {
-                    return;
+                    return runs_ > 0;
                 }
                 // Any other type value leaves the position at its first byte, where the scan
                 // goes on.
                 if (*type == 1 || *type == 2) {
                     o_ += kPathAfterType;
                     if (!readPath()) {
-                        return;
+                        return runs_ > 0;
                     }
                 }
             }
         }
+        return runs_ > 0;
     }
 
 private:
@@ -165,6 +168,102 @@ private:
     qsizetype nextTag_ = -1;
 };
 
+// The chunk tree of a project: each chunk is a 16-byte GUID and a 64-bit little-endian size
+// that counts its 24-byte header. A "riff" or "list" chunk holds a 16-byte form GUID and then
+// child chunks; a media-file chunk's data begins with the 64-bit offset, from the start of the
+// data, of the file's path in UTF-16LE, ended by a zero character. The walk keeps its own stack,
+// so no nesting of a hostile file can exhaust the program's, and a chunk whose size runs past
+// its parent ends that level.
+class VegChunkWalk {
+public:
+    VegChunkWalk(QByteArrayView bytes, MediaPathList& paths) : bytes_(bytes), paths_(paths) {}
+
+    /// Reads every media-file chunk's path in file order; true when the file is a chunk tree.
+    bool run() {
+        if (!isContainer(0) || chunkSize(0) != quint64(bytes_.size())) {
+            return false;
+        }
+        struct Level {
+            qsizetype pos, end;
+        };
+        std::vector<Level> levels{{kHeader + kFormGuid, bytes_.size()}};
+        while (!levels.empty()) {
+            const Level level = levels.back();
+            const quint64 size = level.end - level.pos >= kHeader ? chunkSize(level.pos) : 0;
+            if (size < kHeader || size > quint64(level.end - level.pos)) {
+                levels.pop_back();
+                continue;
+            }
+            const qsizetype chunk = level.pos;
+            const qsizetype chunkEnd = chunk + qsizetype(size);
+            levels.back().pos = chunkEnd;
+            if (isContainer(chunk) && size >= kHeader + kFormGuid) {
+                levels.push_back({chunk + kHeader + kFormGuid, chunkEnd});
+            } else if (bytes_.sliced(chunk, kGuid) == kMediaFileGuid) {
+                readPath(chunk + kHeader, chunkEnd);
+            }
+        }
+        return true;
+    }
+
+private:
+    static constexpr qsizetype kGuid = 16;
+    static constexpr qsizetype kHeader = 24;
+    static constexpr qsizetype kFormGuid = 16;
+    static constexpr QByteArrayView kMediaFileGuid{
+        "\x5d\x2d\x8f\xb2\x0f\x23\xd2\x11\x86\xaf\x00\xc0\x4f\x8e\xdb\x8a", kGuid};
+    static constexpr QByteArrayView kContainerTail{"\xcf\x11\xa5\xd6\x28\xdb\x04\xc1\x00\x00", 10};
+
+    quint64 chunkSize(qsizetype pos) const { return readU64LE(pos + kGuid); }
+
+    quint64 readU64LE(qsizetype pos) const {
+        if (pos < 0 || pos > bytes_.size() - 8) {
+            return 0;
+        }
+        quint64 value = 0;
+        for (int i = 7; i >= 0; --i) {
+            value = value << 8 | static_cast<unsigned char>(bytes_[pos + i]);
+        }
+        return value;
+    }
+
+    bool isContainer(qsizetype pos) const {
+        if (pos > bytes_.size() - kHeader) {
+            return false;
+        }
+        const QByteArrayView guid = bytes_.sliced(pos, kGuid);
+        return (guid.startsWith("riff") || guid.startsWith("list")) &&
+               guid.sliced(kGuid - kContainerTail.size()) == kContainerTail;
+    }
+
+    // The path at the offset that the data's first 8 bytes give, up to its zero character or
+    // the chunk's end, whichever comes first.
+    void readPath(qsizetype data, qsizetype chunkEnd) {
+        if (chunkEnd - data < 8) {
+            return;
+        }
+        const quint64 offset = readU64LE(data);
+        if (offset >= quint64(chunkEnd - data)) {
+            return;
+        }
+        QString path;
+        for (qsizetype at = data + qsizetype(offset); at + 1 < chunkEnd; at += 2) {
+            const char16_t unit = char16_t(static_cast<unsigned char>(bytes_[at]) |
+                                           static_cast<unsigned char>(bytes_[at + 1]) << 8);
+            if (unit == 0) {
+                break;
+            }
+            path.append(QChar(unit));
+        }
+        if (!path.isEmpty()) {
+            paths_.appendUnique(path);
+        }
+    }
+
+    QByteArrayView bytes_;
+    MediaPathList& paths_;
+};
+
 }  // namespace
 
 QString vegPathText(QByteArrayView raw) {
@@ -195,8 +294,19 @@ QString vegPathText(QByteArrayView raw) {
 SessionRead readVegSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
     MediaPathList paths;
-    VegScan(bytes, paths).run();
+    const bool chunkTree = VegChunkWalk(bytes, paths).run();
+    // What the scan finds besides: nothing more for a well-formed project, everything for a
+    // file that is no chunk tree.
+    const bool scanFound = VegScan(bytes, paths).run();
     SessionRead read;
+    if (!chunkTree && !scanFound) {
+        // Neither a chunk tree nor the scan's marks: an empty, truncated or foreign file. Read
+        // as a project without media, it would offer the whole folder for moving.
+        read.outcome = ReaderOutcome::Rejected;
+        read.message = ReaderMessage{QStringLiteral("This is not a Vegas project file."),
+                                     QStringLiteral("Processing VEG File"), MessageIcon::Critical};
+        return read;
+    }
     read.paths = paths.takePaths();
     return read;
 }

@@ -26,29 +26,6 @@ bool isBlankLine(QByteArrayView line) {
     return true;
 }
 
-// Replaces the first occurrence of `find` by `replacement` again and again, each time searching
-// from the start, until none is left: so "&amp;amp;" becomes "&". Done literally that costs a
-// search per occurrence, which a hostile line of millions of entities turns into a hang. One
-// pass that checks the end of the output after each byte gives the same text, because a
-// replacement can only form a new occurrence that starts at the replacement itself (the
-// replacement is either the first character of `find` or absent from it, and `find` never
-// overlaps itself), and so that occurrence ends at a byte still to be copied.
-QByteArray replaceAllRestarting(QByteArrayView text, QByteArrayView find, char replacement) {
-    QByteArray out(text.size(), Qt::Uninitialized);
-    char* const begin = out.data();
-    char* end = begin;
-    const char last = find.back();
-    for (const char c : text) {
-        *end++ = c;
-        if (c == last && QByteArrayView(begin, end).endsWith(find)) {
-            end -= find.size();
-            *end++ = replacement;
-        }
-    }
-    out.truncate(end - begin);
-    return out;
-}
-
 // One Audition XML file's lines, read in the fixed order of the export.
 class XmlSession {
 public:
@@ -71,7 +48,7 @@ public:
             read.outcome = ReaderOutcome::Rejected;
             read.message = ReaderMessage{
                 QStringLiteral("This is not a properly formated Adobe Audition XML file.\n") +
-                    decodeSessionText(cleanedLine(header)),
+                    quotedLine(header),
                 QStringLiteral("Processing XML File"), MessageIcon::Information};
             return read;
         }
@@ -110,15 +87,11 @@ private:
         for (int i = 0; i < kLinesToPath; ++i) {
             pathLine = lines_.next();
         }
-        // Only one of the two entities is decoded: a line holding "&amp;" keeps any "&apos;".
-        QByteArray decoded;
-        if (pathLine.contains(QByteArrayView("&amp;"))) {
-            decoded = replaceAllRestarting(pathLine, "&amp;", '&');
-        } else if (pathLine.contains(QByteArrayView("&apos;"))) {
-            decoded = replaceAllRestarting(pathLine, "&apos;", '\'');
-        } else {
-            decoded = pathLine.toByteArray();
-        }
+        // Every escape is decoded, or a path such as "R&amp;B &apos;74.wav" would name no file
+        // and the file it names would be offered for moving. A line longer than any path can
+        // be names no file and is not copied at all.
+        const QByteArray decoded =
+            pathLine.size() <= kMaxPathBytes ? decodeXmlEscapes(pathLine) : QByteArray();
         const QByteArrayView path = trimmedLine(decoded);
         for (int i = 0; i < kLinesAfterPath; ++i) {
             lines_.next();
@@ -138,10 +111,8 @@ private:
 
 SessionRead readXmlSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    // An empty file is no session, but it is passed over without a word.
-    if (bytes.isEmpty()) {
-        return {};
-    }
+    // An empty file meets the header test like any other and fails it: read as a session
+    // without media, it would offer the whole folder for moving.
     return XmlSession(bytes).run();
 }
 

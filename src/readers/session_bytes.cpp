@@ -1,7 +1,18 @@
 #include "readers/session_bytes.h"
 
+#include "platform/file_system.h"
+#include "platform/session_text.h"
+
 #include <QFile>
 #include <QFileInfo>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#endif
 
 #include <cstring>
 #include <limits>
@@ -9,18 +20,34 @@
 namespace tidewick {
 
 FileBytes readSessionBytes(const QString& fileName) {
-    // A pipe would block the read until something writes to it, and a device such as /dev/zero
-    // never ends: only an ordinary file (or a link to one) is opened at all.
-    const QFileInfo info(fileName);
-    if (!info.isFile()) {
-        return {{},
-                info.exists() ? QStringLiteral("It is not an ordinary file.")
-                              : QStringLiteral("The file does not exist.")};
+    QFile file;
+#ifdef Q_OS_UNIX
+    // Opened by the name's own bytes, without waiting for a writer; what was opened is then
+    // asked whether it is an ordinary file, so nothing can swap it in between.
+    const int fd = ::open(encodeFileName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        return {{}, errno == ENOENT ? QStringLiteral("The file does not exist.")
+                                    : QString::fromLocal8Bit(std::strerror(errno))};
     }
-    QFile file(fileName);
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        // A pipe would block the read and a device such as /dev/zero would never end it.
+        return {{}, QStringLiteral("It is not an ordinary file.")};
+    }
+    if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        return {{}, file.errorString()};
+    }
+#else
+    if (!QFileInfo(fileName).isFile()) {
+        return {{}, QStringLiteral("It is not an ordinary file.")};
+    }
+    file.setFileName(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         return {{}, file.errorString()};
     }
+#endif
     if (file.size() > qint64(std::numeric_limits<qint32>::max()) - 1024) {
         // Session positions are 32-bit; no real session comes near this.
         return {{}, QStringLiteral("The file is larger than 2 GB.")};
@@ -99,6 +126,16 @@ QByteArray cleanedLine(QByteArrayView line) {
     return out;
 }
 
+QString quotedLine(QByteArrayView line) {
+    constexpr qsizetype kMaxCharacters = 1024;
+    // Four bytes hold any character; the cut backs off to the start of one.
+    qsizetype end = qMin(line.size(), 4 * kMaxCharacters);
+    while (end < line.size() && end > 0 && (static_cast<unsigned char>(line[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return decodeSessionText(cleanedLine(line.first(end))).left(kMaxCharacters);
+}
+
 std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line) {
     const qsizetype first = line.indexOf('"');
     if (first < 0) {
@@ -109,6 +146,86 @@ std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line) {
         return std::nullopt;
     }
     return line.sliced(first + 1, second - first - 1);
+}
+
+}  // namespace tidewick
+
+namespace tidewick {
+
+namespace {
+
+// The UTF-8 bytes of a code point; none for one that no text may hold.
+std::optional<QByteArray> utf8Of(char32_t code) {
+    if (code == 0 || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) {
+        return std::nullopt;
+    }
+    return QString::fromUcs4(&code, 1).toUtf8();
+}
+
+// The code point of a numeric escape's digits ("38", "x26"); none for anything else.
+std::optional<char32_t> numericEscape(QByteArrayView digits) {
+    const bool hex = digits.startsWith("x") || digits.startsWith("X");
+    if (hex) {
+        digits = digits.sliced(1);
+    }
+    if (digits.isEmpty() || digits.size() > 8) {
+        return std::nullopt;
+    }
+    char32_t code = 0;
+    for (const char c : digits) {
+        const int digit = c >= '0' && c <= '9'          ? c - '0'
+                          : hex && c >= 'a' && c <= 'f' ? c - 'a' + 10
+                          : hex && c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                        : -1;
+        if (digit < 0) {
+            return std::nullopt;
+        }
+        code = code * (hex ? 16 : 10) + char32_t(digit);
+    }
+    return code;
+}
+
+}  // namespace
+
+QByteArray decodeXmlEscapes(QByteArrayView text) {
+    static const std::pair<QByteArrayView, char> kNamed[] = {
+        {"amp", '&'}, {"apos", '\''}, {"quot", '"'}, {"lt", '<'}, {"gt", '>'}};
+    QByteArray out;
+    out.reserve(text.size());
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const qsizetype amp = text.indexOf('&', at);
+        if (amp < 0) {
+            out.append(text.sliced(at));
+            break;
+        }
+        out.append(text.sliced(at, amp - at));
+        const qsizetype semicolon = text.indexOf(';', amp + 1);
+        // The longest escape is "&#x10FFFF;"; anything longer is no escape.
+        const QByteArrayView name = semicolon > amp && semicolon - amp <= 10
+                                        ? text.sliced(amp + 1, semicolon - amp - 1)
+                                        : QByteArrayView();
+        std::optional<QByteArray> decoded;
+        if (name.startsWith("#")) {
+            if (const std::optional<char32_t> code = numericEscape(name.sliced(1))) {
+                decoded = utf8Of(*code);
+            }
+        } else {
+            for (const auto& [escape, character] : kNamed) {
+                if (name == escape) {
+                    decoded = QByteArray(1, character);
+                }
+            }
+        }
+        if (decoded) {
+            out.append(*decoded);
+            at = semicolon + 1;
+        } else {
+            out.append('&');
+            at = amp + 1;
+        }
+    }
+    return out;
 }
 
 }  // namespace tidewick

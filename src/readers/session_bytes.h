@@ -66,6 +66,18 @@ QByteArrayView trimmedOfBlanksAndTabs(QByteArrayView line);
 /// Returned as bytes with the tabs inside replaced.
 QByteArray cleanedLine(QByteArrayView line);
 
+/// The most bytes a media path can have; a longer text in a session names no file.
+constexpr qsizetype kMaxPathBytes = 32768;
+
+/// `text` with every XML escape decoded in one pass from left to right: "&amp;", "&apos;",
+/// "&quot;", "&lt;", "&gt;" and the numeric "&#N;" and "&#xH;" (as UTF-8). So "&amp;lt;" gives
+/// "&lt;"; an ampersand that begins no escape stays as it is.
+QByteArray decodeXmlEscapes(QByteArrayView text);
+
+/// A line of the file as a rejection message quotes it: cleaned, decoded, and cut to its first
+/// 1,024 characters, which is all a message box can show; the rest is never copied.
+QString quotedLine(QByteArrayView line);
+
 /// The text between the first and the second double quote; none when there are fewer than two.
 std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line);
 

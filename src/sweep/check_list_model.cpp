@@ -1,5 +1,7 @@
 #include "sweep/check_list_model.h"
 
+#include "platform/path_text.h"
+
 namespace tidewick {
 
 void CheckListModel::addItem(const QString& text, bool checked) {
@@ -58,7 +60,8 @@ QVariant CheckListModel::data(const QModelIndex& index, int role) const {
     const CheckItem& line = items_.at(index.row());
     switch (role) {
         case Qt::DisplayRole:
-            return line.text;
+        case Qt::ToolTipRole:  // the whole line, also where the list is too narrow for it
+            return visibleText(line.text);
         case Qt::CheckStateRole:
             return line.checked ? Qt::Checked : Qt::Unchecked;
         default:

@@ -19,8 +19,8 @@ const ListedDisk::Listing& ListedDisk::listing(const QString& folder) const {
     return *it;
 }
 
-QList<FolderEntry> ListedDisk::listFiles(const QString& folder) const {
-    return listing(folder).entries;
+QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden) const {
+    return withHidden ? disk_.listFiles(folder, true) : listing(folder).entries;
 }
 
 bool ListedDisk::FileExists(const QString& path) const {

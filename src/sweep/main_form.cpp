@@ -251,7 +251,7 @@ void MainForm::setSessionFilePattern(const QString& pattern) {
 }
 
 void MainForm::refreshSessionFiles() {
-    SESFile.setItems(sessionFiles(SESFile.text(), sessionFilePattern_));  // nothing selected
+    SESFile.setItems(sessionFiles(FSO, SESFile.text(), sessionFilePattern_));  // nothing selected
 }
 
 // Window events and commands.
@@ -277,6 +277,11 @@ void MainForm::Form_Load() {
 
     if (settings_) {
         settings_->LoadSettings(*this);
+    }
+    // A stored position from another screen, or a damaged one, would open the window where
+    // nobody sees it: then it opens in the middle of this screen.
+    if (!screenSize.isEmpty() && !QRect(QPoint(), screenSize).contains(Main.geometry().topLeft())) {
+        mnuWindowCentre_Click();
     }
 
     IgnoreFoldersCheck.setChecked(TrimFoldersFlag);

@@ -1,6 +1,6 @@
 #include "platform/path_text.h"
 #include "platform/wildcard.h"
-#include "sweep/folder_lister.h"
+#include "sweep/pattern_list.h"
 #include "sweep/sweep.h"
 
 // The other files of the session folder that no scanned session uses: "Files to be Moved".
@@ -87,7 +87,6 @@ private:
         // Where the listed folder is the one a line's text names under the session folder, the
         // listing's size is the line's size and needs no second look at the disk.
         const bool listedSizesHold = sessionFolder_ + subFolder == folder;
-        const UsedTest isUsed(*this, subFolder, reaperFolder);
         const QString ignoreUpper = sessionToIgnore.toUpper();
 
         QList<const FolderEntry*> peakFiles;
@@ -103,11 +102,10 @@ private:
             if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
                 continue;
             }
-            const QString nameUpper = entry.name.toUpper();
-            if (!ignoreUpper.isEmpty() && wildcardMatch(nameUpper, ignoreUpper)) {
+            if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
                 continue;
             }
-            if (!isUsed(entry.name, nameUpper)) {
+            if (!used_.names(candidatePath(subFolder, reaperFolder, entry.name), recordFolder_)) {
                 add(subFolder + entry.name, entry, listedSizesHold);
             }
         }
@@ -149,50 +147,13 @@ private:
         files_.append({text, size});
     }
 
-    // Whether a used line names the file `name` of the folder being listed. A used line equal
-    // to the candidate ignoring case makes the file used. A used line without a folder part
-    // names a file of the session folder (that is where the load looked for it), so it is
-    // compared with the candidate shortened once more; were it compared with the whole
-    // candidate, a file shown checked in the used list would be offered for moving as well.
-    class UsedTest {
-    public:
-        UsedTest(const OtherFilesListing& listing, const QString& subFolder, bool reaperFolder)
-            : l_(listing),
-              subFolder_(subFolder),
-              reaperFolder_(reaperFolder),
-              // Without bare lines, shortening or REAPER's folder rules the test needs only the
-              // name upper-cased per file.
-              plain_(l_.kind_.id != SessionKindId::Rpp && !l_.request_.trimFolders &&
-                     l_.used_.bare().isEmpty()),
-              plainPrefixUpper_((l_.sessionFolder_ + subFolder).toUpper()) {}
-
-        bool operator()(const QString& name, const QString& nameUpper) const {
-            if (plain_) {
-                return l_.used_.all().contains(plainPrefixUpper_ + nameUpper);
-            }
-            QString candidate;
-            if (l_.kind_.id == SessionKindId::Rpp) {
-                candidate = reaperFolder_ && !subFolder_.isEmpty()
-                                ? withSeparator(subFolder_) + name
-                                : l_.sessionFolder_ + subFolder_ + name;
-            } else {
-                candidate = l_.sessionFolder_ + subFolder_ + name;
-            }
-            if (l_.request_.trimFolders) {
-                candidate = trimFolders(candidate, l_.recordFolder_);
-            }
-            return l_.used_.withFolder().contains(candidate.toUpper()) ||
-                   (!l_.used_.bare().isEmpty() &&
-                    l_.used_.bare().contains(trimFolders(candidate, l_.recordFolder_).toUpper()));
+    // The path of the file `name` of the folder being listed, as a used line would name it.
+    QString candidatePath(const QString& subFolder, bool reaperFolder, const QString& name) const {
+        if (reaperFolder && !subFolder.isEmpty()) {
+            return subFolder + name;  // REAPER's own folder, listed as it stands
         }
-
-    private:
-        const OtherFilesListing& l_;
-        const QString& subFolder_;
-        bool reaperFolder_;
-        bool plain_;
-        QString plainPrefixUpper_;
-    };
+        return sessionFolder_ + subFolder + name;
+    }
 
     static QString withoutQuotes(QString text) { return text.remove(u'"'); }
 
@@ -217,15 +178,29 @@ private:
 
 }  // namespace
 
-UsedIndex::UsedIndex(const QStringList& lines) {
+QString usedKey(const QString& name) {
+    for (const QChar c : name) {
+        if (c.unicode() >= 0x80) {
+            return name.normalized(QString::NormalizationForm_C).toUpper();
+        }
+    }
+    return name.toUpper();
+}
+
+UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, bool trimmed)
+    : trimmed_(trimmed) {
     static const QSet<QString> kMediaExtensions = {
         QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
         QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    all_.reserve(lines.size());
+    const QString folder = withSeparator(sessionFolder);
+    files_.reserve(lines.size());
     for (const QString& text : lines) {
-        const QString upper = text.toUpper();
-        all_.insert(upper);
-        (GetParentFolderName(text).isEmpty() ? bare_ : withFolder_).insert(upper);
+        // The file a line stands for, as the load looked for it.
+        const bool inSessionFolder = trimmed || GetParentFolderName(text).isEmpty();
+        files_.insert(usedKey(inSessionFolder ? folder + text : text));
+        if (trimmed) {
+            lines_.insert(usedKey(text));
+        }
         const QString extension = GetExtensionName(text).toLower();
         if (kMediaExtensions.contains(extension)) {
             const QString base = GetBaseName(text).toUpper();
@@ -235,6 +210,11 @@ UsedIndex::UsedIndex(const QStringList& lines) {
             }
         }
     }
+}
+
+bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
+    return files_.contains(usedKey(path)) ||
+           (trimmed_ && lines_.contains(usedKey(trimFolders(path, recordFolder))));
 }
 
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,

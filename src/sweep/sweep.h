@@ -91,16 +91,21 @@ struct SweepEvents {
     std::function<void()> idle;
 };
 
-/// The used-media lines of a load, as hash sets upper-cased, so that the other-files
-/// computation never scans the list per file.
+/// The used-media lines of a load as hash sets, so that the other-files computation never scans
+/// the list per file. Names compare ignoring letter case and the form in which Unicode writes
+/// an accented letter (macOS writes "é" as "e" and an accent, most other systems as one
+/// character).
 class UsedIndex {
 public:
-    explicit UsedIndex(const QStringList& lines);
+    /// `lines` as the used list shows them for the session folder `sessionFolder`, shortened by
+    /// "Ignore Leading Folder names" when `trimmed`.
+    UsedIndex(const QStringList& lines, const QString& sessionFolder, bool trimmed);
 
-    const QSet<QString>& all() const { return all_; }
-    /// The lines with a folder part, and those without.
-    const QSet<QString>& withFolder() const { return withFolder_; }
-    const QSet<QString>& bare() const { return bare_; }
+    /// Whether a used line names the file `path`: the file itself, or, for a line without a
+    /// folder part or a shortened one, the file of that name under the session folder. With
+    /// shortened lines, also a file whose path shortened for `recordFolder` is such a line: the
+    /// session named it before its folders were dropped.
+    bool names(const QString& path, const QString& recordFolder) const;
     /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
     /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
     const QSet<QString>& peakOwners(bool anyMedia) const {
@@ -108,8 +113,12 @@ public:
     }
 
 private:
-    QSet<QString> all_, withFolder_, bare_, wavOwners_, mediaOwners_;
+    bool trimmed_;
+    QSet<QString> files_, lines_, wavOwners_, mediaOwners_;
 };
+
+/// A name as the used test compares it: upper-cased, accented letters in one form.
+QString usedKey(const QString& name);
 
 /// The sessions `request` names, first and last position in its list.
 struct ScanRange {
@@ -153,6 +162,6 @@ QString sizesText(qint64 listed, qint64 checked);
 
 /// The session files of `folder` that the session-file list shows for `pattern` ("*.ses"),
 /// sorted by name ignoring case: ordinary files and links to them, hidden ones included.
-QStringList sessionFiles(const QString& folder, const QString& pattern);
+QStringList sessionFiles(const FileSystem& fs, const QString& folder, const QString& pattern);
 
 }  // namespace tidewick

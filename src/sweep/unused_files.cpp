@@ -11,8 +11,8 @@ void MainForm::UpdateUnusedFileSpec() {
         used.append(UsedFiles.text(row));
     }
     ui_.setBusyPointer(true);
-    showOtherFiles(
-        listOtherFiles(sweepRequest(), UsedIndex(used), RecordFolder, FSO, sweepEvents()));
+    showOtherFiles(listOtherFiles(sweepRequest(), UsedIndex(used, SESFile.text(), TrimFoldersFlag),
+                                  RecordFolder, FSO, sweepEvents()));
     ui_.setBusyPointer(false);
     UnusedFilesBox.setListIndex(-1);
 }

@@ -1,9 +1,9 @@
 #include <QDir>
-#include <QFileInfo>
 
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "sweep/listed_disk.h"
+#include "sweep/pattern_list.h"
 #include "sweep/sweep.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
@@ -109,43 +109,28 @@ private:
             events_.reading(fullName);
         }
         const SessionRead read = readSessionFile(kind_, fullName, {request_.folder, &fs_});
-        const bool failed = read.outcome == ReaderOutcome::Failed;
-        if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
-            !read.versionFound) {
-            rejectInvalidSession(read, name);
-            // A session that could not be read may use any file of the folder: the load stops
-            // rather than offer its media for moving.
-            media_.stopped = failed;
-            return;
-        }
         if (read.message) {
             tell({read.message->text, read.message->title, read.message->icon});
         }
-        media_.version = failed ? QString() : read.version;
+        if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
+            !read.versionFound) {
+            tell({u'"' + name + u'"' +
+                      QStringLiteral(" does not appear to be a valid session file."),
+                  QStringLiteral("SES File Error"), MessageIcon::Critical});
+        }
+        media_.version = read.outcome == ReaderOutcome::Failed ? QString() : read.version;
         for (const RecordPathLine& line : read.recordPaths) {
             media_.recordFolder =
                 foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
         }
         addLines(read.paths);
-        if (failed) {
+        if (read.outcome != ReaderOutcome::Read) {
+            // A session that could not be read, or not as a session of its kind, may use any
+            // file of the folder: the load stops rather than offer them for moving.
             media_.stopped = true;
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
             media_.lines.append({kNoMediaText, false, {}});
             media_.noMedia = true;
-        }
-    }
-
-    // A binary session that fails before naming its version is no session at all: alone it is
-    // reported as such, in a whole-folder scan it is passed over.
-    void rejectInvalidSession(const SessionRead& read, const QString& name) {
-        if (read.message) {
-            tell({read.message->text, read.message->title, read.message->icon});
-        }
-        if (!request_.wholeFolder) {
-            media_.version.clear();
-            tell({u'"' + name + u'"' +
-                      QStringLiteral(" does not appear to be a valid session file."),
-                  QStringLiteral("SES File Error"), MessageIcon::Critical});
         }
     }
 
@@ -241,20 +226,21 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     for (const UsedLine& line : sweep.used.lines) {
         texts.append(line.text);
     }
-    sweep.others = listOtherFiles(request, UsedIndex(texts), sweep.used.recordFolder, disk, events);
+    sweep.others = listOtherFiles(request, UsedIndex(texts, request.folder, request.trimFolders),
+                                  sweep.used.recordFolder, disk, events);
     return sweep;
 }
 
-QStringList sessionFiles(const QString& folder, const QString& pattern) {
-    if (folder.isEmpty()) {
-        return {};
-    }
+QStringList sessionFiles(const FileSystem& fs, const QString& folder, const QString& pattern) {
     // Hidden sessions are listed too, but only ordinary files: a pipe or device named like a
     // session is no session, and reading one would block or never end.
-    const QDir dir(folder);
-    QStringList names =
-        dir.entryList({pattern}, QDir::Files | QDir::Hidden, QDir::Name | QDir::IgnoreCase);
-    names.removeIf([&dir](const QString& name) { return !QFileInfo(dir, name).isFile(); });
+    const PatternList wanted(pattern);
+    QStringList names;
+    for (const FolderEntry& entry : fs.listFiles(folder, true)) {
+        if (wanted.matches(entry.name)) {
+            names.append(entry.name);
+        }
+    }
     return names;
 }
 

@@ -21,6 +21,7 @@
 #include <QTreeView>
 #include <QUrl>
 
+#include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
@@ -341,8 +342,13 @@ void MainWindow::sync(Control& control) {
 void MainWindow::syncFileList(Control& control, QWidget* widget) {
     auto* view = static_cast<QListView*>(widget);
     auto* files = static_cast<QStringListModel*>(view->model());
-    if (files->stringList() != control.items()) {
-        files->setStringList(control.items());
+    QStringList shown;
+    shown.reserve(control.items().size());
+    for (const QString& name : control.items()) {
+        shown.append(visibleText(name));  // a byte of a name that was no UTF-8 shows as \xFF
+    }
+    if (files->stringList() != shown) {
+        files->setStringList(shown);
     }
     const QSignalBlocker selection(view->selectionModel());
     view->setCurrentIndex(files->index(control.listIndex()));

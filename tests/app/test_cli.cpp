@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QTextStream>
 
 #include "app/cli/cli.h"
@@ -103,6 +105,32 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
             << out.toStdString();
         EXPECT_TRUE(row.err.isEmpty() ? err.isEmpty() : err.contains(row.err)) << err.toStdString();
     }
+}
+
+// A file name may hold any byte but "/": printed raw, a line feed would split a line and an
+// escape sequence would drive the terminal. The JSON form leads back to each file.
+TEST(Cli, NamesLeadBackToTheirFiles) {
+    for (const auto& [text, shown] : {std::pair<QString, QString>{"a\nb.wav", "a\\nb.wav"},
+                                      {"\x1b[31m.wav", "\\x1B[31m.wav"},
+                                      {QString(QChar(0xDCFF)) + ".wav", "\\xFF.wav"},
+                                      {"caf\u00e9 \U0001F3B5.wav", "caf\u00e9 \U0001F3B5.wav"}}) {
+        EXPECT_EQ(visibleText(text), shown);
+    }
+    test::ReaderFixture f;
+    const QString name = "new\nline.wav";
+    ASSERT_TRUE(test::writeFile(f.dir.filePath(name), "RIFF"));
+    ASSERT_TRUE(
+        test::writeFile(f.dir.filePath("s.xml"), test::sessionBytes(SessionKindId::Xml, {})));
+    QString out, err;
+    QTextStream outStream(&out), errStream(&err);
+    EXPECT_EQ(cli::run({"scan", f.dir.path(), "--kind", "xml", "--session", "s.xml", "--json"},
+                       outStream, errStream),
+              0);
+    outStream.flush();
+    const QJsonArray files = QJsonDocument::fromJson(out.toUtf8())["unused"]["files"].toArray();
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_EQ(files[0]["text"].toString(), name);
+    EXPECT_TRUE(QFileInfo(files[0]["path"].toString()).isFile());
 }
 
 }  // namespace

@@ -50,7 +50,13 @@ TEST(RppReader, SourcesYieldTheQuotedFile) {
              "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"
              "<SOURCE VORBIS|FILE \"7\""),
          "1|2|3|4|5|6|7"},
-        {"other kinds, other case", rpp("<SOURCE CLICK|FILE \"c\"|<source wave|FILE \"l\""), ""},
+        // Any other source names the file on a FILE line right after it, and only then takes it.
+        {"other kinds, other case",
+         rpp("<SOURCE RPP_PROJECT|FILE \"sub.rpp\"|<source wave|FILE \"l\"|<SOURCE OPUS|FILE "
+             "\"o\""),
+         "sub.rpp|o"},
+        {"another source's next line stays a line",
+         rpp("<SOURCE SECTION|<SOURCE WAVE|FILE \"w\"|<SOURCE REX|LENGTH 3|FILE \"no\""), "w"},
         {"any line after a source is its file line", rpp("<SOURCE WAVE|NOTFILE \"odd\""), "odd"},
         {"a file line is not examined again", rpp("<SOURCE WAVE|<SOURCE FLAC|FILE \"x\""), ""},
         // A MIDI source without FILE still takes the next line; MIDIPOOL/FILENAME match by prefix.

@@ -10,7 +10,9 @@ namespace {
 
 using test::sesxFileElement;
 
-const QByteArray kDeclaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)";
+// The declaration and the session's root on one line: read line by line, that line is never
+// examined.
+const QByteArray kDeclaration = R"(<?xml version="1.0" encoding="UTF-8" ?><sesx version="1.7">)";
 
 QString read(const QByteArray& bytes) {
     const SessionRead r = readSesxSession(bytes, {});
@@ -59,13 +61,27 @@ TEST(SesxReader, TakesTheAbsolutePathValue) {
         {"no closing quote", R"(<file absolutePath="a.wav/>)", ""},
         {"no absolutePath", R"(<file id="0" relativePath="a.wav"/>)", ""},
         {"empty value", R"(<file absolutePath="" id="0"/>)", ""},
-        {"first entities only", R"(<file absolutePath="C%3a\R&amp;B %3a &amp;"/>)",
-         R"(C:\R&B %3a &amp;)"},
+        {"every escape, the first colon", R"(<file absolutePath="C%3a\R&amp;B %3a &amp;"/>)",
+         R"(C:\R&B %3a &)"},
+        {"escapes in one pass",
+         R"(<file absolutePath="&apos;&quot;&lt;&gt; &#233;&#x41; &amp;lt;"/>)",
+         "'\"<> \u00e9A &lt;"},
         {"encoded colon in upper case", R"(<file absolutePath="C%3A\a"/>)", R"(C%3A\a)"}};
     for (const auto& [name, element, paths] : cases) {
         for (const char* lineEnd : {"\r\n", "\n"}) {
             EXPECT_EQ(read(kDeclaration + lineEnd + element + lineEnd), paths) << name;
         }
+    }
+}
+
+// Read as a session without media, an empty, cut or foreign file would offer the whole folder
+// for moving.
+TEST(SesxReader, AFileWithoutTheSessionRootIsRefused) {
+    for (const QByteArray& bytes : {QByteArray(), QByteArray("<?xml version=\"1.0\"?>\r\n"),
+                                    QByteArray("<xml>\r\n<files>\r\n")}) {
+        const SessionRead r = readSesxSession(bytes, {});
+        EXPECT_EQ(r.outcome, ReaderOutcome::Rejected) << bytes.data();
+        EXPECT_TRUE(r.message && r.message->title == "Processing SESX File");
     }
 }
 

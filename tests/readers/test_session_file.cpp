@@ -33,9 +33,11 @@ TEST(SessionFile, UnreadableFileFailsWithTheReason) {
         for (const auto& [file, reason] : cases) {
             const SessionRead read = readSessionFile(kind, file, f.place());
             EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << reason;
-            EXPECT_EQ(read.message, (ReaderMessage{"An error occurred accessing the selected " +
-                                                       kind.tabCaption + " file.  " + reason,
-                                                   "File Error", MessageIcon::Critical}));
+            // Named, so that a failure in a whole-folder scan says which file it was.
+            EXPECT_EQ(read.message,
+                      (ReaderMessage{"An error occurred accessing the selected " + kind.tabCaption +
+                                         " file.  \"" + GetFileName(file) + "\": " + reason,
+                                     "File Error", MessageIcon::Critical}));
         }
     }
 }
@@ -60,7 +62,7 @@ TEST(SessionText, PathsAreUtf8WhenValidElseWindows1252) {
 
 // A line of a text session ends at CR LF, CR or LF, but for the reading modes of SESX.
 TEST(SessionText, LineEnds) {
-    const QByteArray sesx = R"(<?xml version="1.0"?>)";
+    const QByteArray sesx = R"(<?xml version="1.0"?><sesx>)";
     const std::tuple<const char*, Kind, QByteArray, const char*> cases[] = {
         // "\n\r" is two line ends, so the source's file line is the empty one between them.
         {"LF CR", Kind::Rpp, "<REAPER_PROJECT\n\r\n\r<SOURCE WAVE\n\rFILE \"a.wav\"\n\r", ""},
@@ -113,7 +115,8 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         {"rpp/exvertus_test_track.rpp", 1, "audio/02 - Just Between Us.flac"},
         {"rpp/griffinsauce_multiple-media-paths.rpp", 0, ""},
         {"rpp/helgobox_clip-engine-basic.RPP", 1, "10-Column 8-230607_1038.wav"},
-        {"rpp/helgobox_issue-219-play-preview.rpp", 3, ""},  // a 4th FILE is a RPP_PROJECT source
+        {"rpp/helgobox_issue-219-play-preview.rpp", 4,
+         "01-ReaLearn-210420_0101.rpp"},  // a sub-project
         {"rpp/lordb8r_Call_Routing.rpp", 2, "Audio Files/Zoom (monitor) - 002-02.wav"},
         {"rpp/noisefarm_201205_1424_test.RPP", 4, "01-201205_2139.wav"},
         {"rpp/tears_dont_fall_project.rpp", 50, "02-Guitar0-240929_1654.wav"},
@@ -125,15 +128,17 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
          R"(FourthSealSoundtrack\Conformed Files\SoundSketch acrid soundscape 48000 1.wav)"},
         {"sesx/Mmusic_Untitled_Session_1.sesx", 4,
          "/Users/qianzeng/Desktop/Mmusic/Untitled Session 1/Conformed Files/water 44100 1.wav"},
-        // From Vegas Pro 17 on, media records hold a zero where the scan looks for the type
-        // value, so those projects yield nothing.
+        // Vegas 12, 15, 17, 18 and 20: every file of the media pool, generated media included.
         {"veg/mb2014_Untitled.veg", 1, "C:\\Users\\Vedolin\\Downloads\\15240.wav"},
-        // 11 media paths; 12.MP4 and 13.MP4 sit in records of the newer layout.
-        {"veg/lumanation_home-page-montage.veg", 9,
-         "E:\\Desktop\\Projects\\lumanationcommercial.com\\_\\site-5.mp4"},
-        {"veg/fhzhugz1_Videos_intro.veg", 0, ""},
-        {"veg/kittybot_project.veg", 0, ""},
-        {"veg/cartoon_i_like_you_Untitled.veg", 0, ""}};
+        {"veg/lumanation_home-page-montage.veg", 11,
+         "E:\\Desktop\\Projects\\lumanationcommercial.com\\_\\12.MP4"},
+        {"veg/fhzhugz1_Videos_intro.veg", 3,
+         "C:\\Users\\franc\\Desktop\\trabalho tiavi\\Apresenta\u00e7\u00e3o1.mp4"},
+        {"veg/kittybot_project.veg", 2,
+         "META:\\Video Generator\\{Svfx:com.vegascreativesoftware:titlesandtext} (1)"},
+        {"veg/cartoon_i_like_you_Untitled.veg", 742,
+         "C:\\Users\\lanta\\OneDrive\\\u0414\u043e\u043a\u0443\u043c\u0435\u043d\u0442\u044b"
+         "\\creative\\i_like_you\\Image1.png"}};
     const FileSystem fs;
     for (const auto& [file, count, sample] : rows) {
         SCOPED_TRACE(file);

@@ -44,7 +44,7 @@ protected:
         SweepRequest r;
         r.kind = &sessionKind(id);
         r.folder = dir.path();
-        r.sessions = sessionFiles(dir.path(), r.kind->sessionPattern);
+        r.sessions = sessionFiles(fs, dir.path(), r.kind->sessionPattern);
         r.selected = int(r.sessions.indexOf(session));
         r.wholeFolder = whole;
         r.recordFolder = id == Rpp || id == Veg ? dir.path() : "_Recorded";
@@ -64,7 +64,8 @@ protected:
     }
     QStringList others(const SweepRequest& r, const QStringList& usedLines) const {
         QStringList lines;
-        for (const OtherFile& file : listOtherFiles(r, UsedIndex(usedLines), r.recordFolder, fs)) {
+        const UsedIndex used(usedLines, r.folder, r.trimFolders);
+        for (const OtherFile& file : listOtherFiles(r, used, r.recordFolder, fs)) {
             lines.append(file.text);
         }
         return lines;
@@ -160,7 +161,7 @@ TEST_F(SweepTest, EachExactTextIsListedOnceInFirstSeenOrder) {
                                                         "[ ] a.wav", "[ ] " + folder() + "a.wav"}));
 }
 
-// An empty session adds no no-media line, and a binary file without the signature is skipped.
+// An empty session adds no no-media line.
 TEST_F(SweepTest, WholeFolderModeMergesEverySessionSilently) {
     for (const SessionKind& kind : sessionKinds()) {
         SCOPED_TRACE(kind.tabCaption.toStdString());
@@ -168,7 +169,6 @@ TEST_F(SweepTest, WholeFolderModeMergesEverySessionSilently) {
         writeSession("a" + e, kind.id, {});
         writeSession("b" + e, kind.id, {"C:\\m\\1.wav", "C:\\m\\2.wav"});
         writeSession("c" + e, kind.id, {"C:\\m\\2.wav", "C:\\m\\3.wav"});
-        ASSERT_TRUE(kind.id != Ses || test::writeFile(dir.filePath("d.ses"), "NOT A SESSION"));
         EXPECT_EQ(used(request(kind.id, "c" + e, true)),
                   QStringList({"[ ] C:/m/1.wav", "[ ] C:/m/2.wav", "[ ] C:/m/3.wav"}));
         EXPECT_EQ(media.version, QString());
@@ -215,9 +215,9 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
     }
 }
 
-// A session that cannot be read ends the load, keeping what was listed and listing no other
-// files: they could be the media it uses.
-TEST_F(SweepTest, AnUnreadableSessionIsReported) {
+// A session that cannot be read, or not as one of its kind, ends the load, keeping what was
+// listed and listing no other files: they could be the media it uses.
+TEST_F(SweepTest, AnUnreadableOrForeignSessionStopsTheLoad) {
     for (const SessionKind& kind : sessionKinds()) {
         SCOPED_TRACE(kind.tabCaption.toStdString());
         told.clear();
@@ -228,11 +228,16 @@ TEST_F(SweepTest, AnUnreadableSessionIsReported) {
         SweepRequest r = request(kind.id, "a" + e, true);
         r.sessions = {"a" + e, "b" + e, "c" + e};
         EXPECT_EQ(used(r), QStringList({"[ ] C:/1.wav"}));
-        ASSERT_EQ(told.size(), 1);
+        ASSERT_EQ(told.size(), kind.id == Ses ? 2 : 1);  // and "does not appear to be valid"
         EXPECT_TRUE(told[0].startsWith("File Error: An error occurred accessing the selected " +
-                                       kind.tabCaption + " file.  "));
+                                       kind.tabCaption + " file.  \"b" + e + "\": "));
         EXPECT_TRUE(media.stopped);
         EXPECT_TRUE(sweepFolder(r, fs).others.isEmpty());
+        // A file that is no session of the kind, even an empty one, stops it alike.
+        ASSERT_TRUE(QDir(dir.path()).rmdir("b" + e) && test::writeFile(dir.filePath("b" + e)));
+        told.clear();
+        EXPECT_EQ(used(r), QStringList({"[ ] C:/1.wav"}));
+        EXPECT_TRUE(media.stopped && !told.isEmpty());
     }
 }
 
@@ -320,8 +325,7 @@ TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
     }
     for (const auto& [kind, session, usedLine] : rows) {
         touch(session);
-        SweepRequest r = request(kind, session);
-        r.recordFolder = "_Recorded";
+        const SweepRequest r = request(kind, session);  // the tab's own record folder
         const QStringList lines =
             others(r, {usedLine ? QString(usedLine) : (folder() + "Take.wav").toUpper()});
         EXPECT_TRUE(lines.contains("spare.wav") && !lines.contains("Take.wav"))
@@ -332,6 +336,26 @@ TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
             << session;
         QFile::remove(dir.filePath(session));
     }
+}
+
+// A session written on macOS names "café" with a separate accent; the disk may hold the one
+// character, or the other way round. Shortened lines still know the file they came from.
+TEST_F(SweepTest, UnicodeFormsAndShortenedLinesNameTheSameFile) {
+    const QString composed = QString::fromUtf8("caf\xc3\xa9.wav");
+    const QString decomposed = QString::fromUtf8("cafe\xcc\x81.wav");
+    touch(composed);
+    touch("mix.ses");
+    EXPECT_TRUE(others(request(Ses, "mix.ses"), {folder() + decomposed}).isEmpty());
+    touch("song.rpp");
+    SweepRequest r = request(Rpp, "song.rpp");
+    QTemporaryDir records;
+    touch(records.path() + "/take.wav");
+    r.trimFolders = true;
+    r.subFolderOn = true;
+    r.subFolder = r.recordFolder = records.path();
+    // As the load shortens a path in REAPER's record folder: that folder's name stays.
+    const QString take = trimFolders(records.path() + "/take.wav", r.recordFolder);
+    EXPECT_EQ(others(r, {take, composed}), QStringList{"mix.ses"});
 }
 
 TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
@@ -368,7 +392,7 @@ TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(dir.filePath("pipe.xml")).constData(), 0600), 0);
     ASSERT_TRUE(QFile::link("/dev/zero", dir.filePath("zero.xml")));
     ASSERT_TRUE(QFile::link(dir.filePath("gone"), dir.filePath("broken.xml")));
-    EXPECT_EQ(sessionFiles(dir.path(), "*.xml"), QStringList{"a.xml"});
+    EXPECT_EQ(sessionFiles(fs, dir.path(), "*.xml"), QStringList{"a.xml"});
     for (const char* name : {"pipe.xml", "zero.xml", "broken.xml"}) {
         const SessionRead read = readSessionFile(sessionKind(Xml), dir.filePath(name), {});
         EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << name;

@@ -99,7 +99,7 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return ReaderError;
     }
     for (const QString& path : read.paths) {
-        out << path << '\n';
+        out << visibleText(path) << '\n';
     }
     return Success;
 }

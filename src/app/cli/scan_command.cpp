@@ -1,7 +1,11 @@
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 #include "sweep/sweep.h"
@@ -14,7 +18,7 @@ namespace {
 
 const char* const kScanUsage =
     "usage: tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH]\n";
+    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n";
 
 // The console user, who also keeps count of the failures the load reports.
 class ScanInteraction : public ConsoleInteraction {
@@ -41,6 +45,7 @@ struct ScanOptions {
     bool keepPeaks = false;
     bool subFolderGiven = false;
     QString subFolder;
+    bool json = false;
 };
 
 // Reads the arguments into `options`; on a mistake says what is wrong and returns false.
@@ -56,6 +61,8 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             options.trim = true;
         } else if (argument == QLatin1String("--keep-peaks")) {
             options.keepPeaks = true;
+        } else if (argument == QLatin1String("--json")) {
+            options.json = true;
         } else if (argument == QLatin1String("--kind") && hasValue) {
             kindName = arguments[++i];
         } else if (argument == QLatin1String("--session") && hasValue) {
@@ -100,13 +107,13 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
 // The request the window would make for these options: the tab switch gives the record
 // folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
 // row switched on with that folder.
-SweepRequest scanRequest(const ScanOptions& options, const QString& folder) {
+SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
     const SessionKind& kind = *options.kind;
     const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
     SweepRequest request;
     request.kind = &kind;
     request.folder = folder;
-    request.sessions = sessionFiles(folder, kind.sessionPattern);
+    request.sessions = sessionFiles(fs, folder, kind.sessionPattern);
     request.wholeFolder = options.all;
     request.selected = options.all ? (request.sessions.isEmpty() ? -1 : 0)
                                    : int(request.sessions.indexOf(options.session));
@@ -126,21 +133,59 @@ SweepRequest scanRequest(const ScanOptions& options, const QString& folder) {
     return request;
 }
 
-void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
-    out << "used: "
-        << usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
-                         request.sessions.value(request.selected), sweep.used.stopped)
-        << '\n';
-    for (const UsedLine& line : sweep.used.lines) {
-        out << (line.exists ? "[x] " : "[ ] ") << line.text << '\n';
-    }
-    out << "unused: " << unusedFrameText(0, sweep.others.size()) << '\n';
+// The captions of a scan as the window would show them, nothing checked.
+struct Captions {
+    QString used, unused, sizes;
+};
+
+Captions captionsOf(const SweepRequest& request, const Sweep& sweep) {
     qint64 listed = 0;
     for (const OtherFile& file : sweep.others) {
-        out << "[ ] " << file.text << '\n';
         listed += file.size;
     }
-    out << "info: " << sizesText(listed, 0) << '\n';
+    return {usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
+                          request.sessions.value(request.selected), sweep.used.stopped),
+            unusedFrameText(0, sweep.others.size()), sizesText(listed, 0)};
+}
+
+void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
+    const Captions captions = captionsOf(request, sweep);
+    out << "used: " << visibleText(captions.used) << '\n';
+    for (const UsedLine& line : sweep.used.lines) {
+        out << (line.exists ? "[x] " : "[ ] ") << visibleText(line.text) << '\n';
+    }
+    out << "unused: " << captions.unused << '\n';
+    for (const OtherFile& file : sweep.others) {
+        out << "[ ] " << visibleText(file.text) << '\n';
+    }
+    out << "info: " << captions.sizes << '\n';
+}
+
+// One JSON document with the captions and both lists, each line with the file it stands for.
+void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
+    const Captions captions = captionsOf(request, sweep);
+    QJsonArray used;
+    for (const UsedLine& line : sweep.used.lines) {
+        used.append(QJsonObject{{QStringLiteral("text"), line.text},
+                                {QStringLiteral("exists"), line.exists},
+                                {QStringLiteral("path"), line.path}});
+    }
+    QJsonArray others;
+    const QString folder = withSeparator(request.folder);
+    for (const OtherFile& file : sweep.others) {
+        others.append(QJsonObject{{QStringLiteral("text"), file.text},
+                                  {QStringLiteral("size"), file.size},
+                                  {QStringLiteral("path"), folder + file.text}});
+    }
+    const QJsonObject document{
+        {QStringLiteral("used"),
+         QJsonObject{{QStringLiteral("caption"), captions.used}, {QStringLiteral("lines"), used}}},
+        {QStringLiteral("unused"), QJsonObject{{QStringLiteral("caption"), captions.unused},
+                                               {QStringLiteral("files"), others}}},
+        {QStringLiteral("info"), captions.sizes},
+        {QStringLiteral("stopped"), sweep.used.stopped},
+    };
+    out << QJsonDocument(document).toJson(QJsonDocument::Indented);
 }
 
 }  // namespace
@@ -155,7 +200,8 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         err << "tidewick-cli scan: no such folder: " << options.folder << '\n';
         return UsageError;
     }
-    const SweepRequest request = scanRequest(options, folderInfo.absoluteFilePath());
+    const FileSystem fs;
+    const SweepRequest request = scanRequest(options, folderInfo.absoluteFilePath(), fs);
     if (request.selected < 0) {
         if (options.all) {
             err << "tidewick-cli scan: no " << options.kind->sessionPattern << " files in "
@@ -170,9 +216,12 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     ScanInteraction ui(err);
     SweepEvents events;
     events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
-    const FileSystem fs;
     const Sweep sweep = sweepFolder(request, fs, events);
-    printSweep(request, sweep, out);
+    if (options.json) {
+        printSweepJson(request, sweep, out);
+    } else {
+        printSweep(request, sweep, out);
+    }
     return ui.failures > 0 ? ReaderError : Success;
 }
 

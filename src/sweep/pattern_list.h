@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QFileInfoList>
 #include <QList>
 #include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
-// The folder lister behind the other-files list: the files of one folder whose names match a
-// pattern list of the "File Types" drop-down list.
+// The name patterns of the "File Types" drop-down list and of the session-file list, as the
+// listings apply them.
 namespace tidewick {
 
 /// A pattern list as the lister applies it: "*.mid; *.rmi" selects the files of either pattern
@@ -29,13 +28,5 @@ private:
     QStringList filters_;
     QList<QRegularExpression> expressions_;
 };
-
-/// The files of `folder` that match any of `nameFilters`, sorted by name ignoring case; one
-/// reading of the folder. Ordinary files only, read-only ones and links to files included;
-/// hidden files (a leading dot, or the hidden attribute on Windows), sockets, pipes, devices,
-/// broken links and folders are left out, like the platform's file list in its default state:
-/// what the user does not see in the folder is never offered for moving. Sizes are read when
-/// first asked for.
-QFileInfoList listFolderFiles(const QString& folder, const QStringList& nameFilters);
 
 }  // namespace tidewick
