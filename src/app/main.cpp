@@ -35,6 +35,7 @@ int main(int argc, char* argv[]) {
     tidewick::MainForm form(ui, &settings);
     tidewick::MainWindow window(form);
     ui.setOwner(&window);
+    ui.setUnattended(quitWhenShown || !screenshot.isEmpty());
     window.load();
 
     if (!screenshot.isEmpty()) {

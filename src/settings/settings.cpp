@@ -1,5 +1,7 @@
 #include "settings/settings.h"
 
+#include <cmath>
+
 #include "readers/session_kinds.h"
 
 namespace tidewick {
@@ -22,9 +24,15 @@ const QStringList& tabKeysByNumber() {
 // A hand-edited store may hold anything; a text that is not what a save writes gives the default.
 
 int readPosition(SettingsStore& store, const QString& key) {
+    // Only a whole number of twips within reach of any screen is a position; anything else
+    // (1e30, inf, nan, the smallest int) would throw the window off every screen, or overflow
+    // the sums that place it.
+    constexpr double kReach = 1e6;
     bool ok = false;
-    const float twips = store.GetSetting(kWindow, key, QStringLiteral("0")).toFloat(&ok);
-    return ok ? qRound(twips) : 0;
+    const double twips = store.GetSetting(kWindow, key, QStringLiteral("0")).toDouble(&ok);
+    return ok && std::isfinite(twips) && std::abs(twips) <= kReach && twips == std::floor(twips)
+               ? int(twips)
+               : 0;
 }
 
 bool readFlag(SettingsStore& store, const QString& key) {

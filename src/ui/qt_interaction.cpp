@@ -1,5 +1,7 @@
 #include "ui/qt_interaction.h"
 
+#include <cstdio>
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -82,6 +84,10 @@ MessageAnswer QtInteraction::showMessage(const MessageBoxRequest& request) {
     // Texts break lines with CR LF; a message box wants bare line feeds.
     QString text = request.text;
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    if (unattended_) {
+        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(request.title), qUtf8Printable(text));
+        return request.defaultButton;
+    }
     QMessageBox box(toQt(request.icon), request.title, text, toQt(request.buttons), owner_);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(toQt(request.defaultButton));

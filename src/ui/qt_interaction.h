@@ -16,6 +16,9 @@ public:
     ~QtInteraction() override;
 
     void setOwner(QWidget* owner) { owner_ = owner; }
+    /// In a run that nobody watches (a screenshot, a timing) a message goes to the error stream
+    /// and takes its default answer, so that no box waits for a click that never comes.
+    void setUnattended(bool unattended) { unattended_ = unattended; }
 
     MessageAnswer showMessage(const MessageBoxRequest& request) override;
     void setBusyPointer(bool busy) override;
@@ -25,6 +28,7 @@ public:
 private:
     QPointer<QWidget> owner_;
     bool busy_ = false;
+    bool unattended_ = false;
 };
 
 }  // namespace tidewick

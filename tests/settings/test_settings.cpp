@@ -99,7 +99,11 @@ TEST_F(SettingsTest, AHandEditedStoreReadsAsFarAsItCanAndTheSaveTidiesIt) {
         {"SETTINGS/ActiveFileTab=0", defaults},
         {"SETTINGS/ActiveFileTab=6", defaults},
         {"SETTINGS/ActiveFileTab=XML", defaults},
-        {"WINDOW/Left=1500.4", "1500,0 ---- SESFiles/1 cwd cwd cwd []"},
+        // A position is a whole number of twips within reach of a screen, or it is 0.
+        {"WINDOW/Left=1500;WINDOW/Top=-300", "1500,-300 ---- SESFiles/1 cwd cwd cwd []"},
+        {"WINDOW/Left=1500.4;WINDOW/Top=1e30", defaults},
+        {"WINDOW/Left=inf;WINDOW/Top=nan", defaults},
+        {"WINDOW/Left=-2147483648", defaults},
         // Any other number switches a flag on.
         {"SETTINGS/TrimFolders=-1;SETTINGS/CheckAllFiles=2.5",
          "0,0 xx-- SESFiles/1 cwd cwd cwd []"},

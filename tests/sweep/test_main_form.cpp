@@ -40,6 +40,28 @@ TEST_F(MainFormTest, CentrePutsTheWindowsMiddleOnTheScreensMiddle) {
     EXPECT_EQ(form.Main.geometry(), QRect(-1200, -862, 14400, 10725));
 }
 
+// A position stored for another screen (or damaged) would open the window out of sight.
+TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
+    struct Stored : FormSettings {
+        QPoint at;
+        void LoadSettings(MainForm& form) override {
+            form.Main.setGeometry(QRect(at, form.Main.geometry().size()));
+        }
+        void SaveSettings(MainForm&) override {}
+    };
+    for (const auto& [stored, opened] : {std::pair{QPoint(900000, 900000), QPoint(7800, 4637)},
+                                         {QPoint(-20000, 300), QPoint(7800, 4637)},
+                                         {QPoint(1500, 300), QPoint(1500, 300)}}) {
+        Stored settings;
+        settings.at = stored;
+        RecordingInteraction ui;
+        MainForm form(ui, &settings);
+        form.screenSize = QSize(30000, 20000);
+        form.Form_Load();
+        EXPECT_EQ(form.Main.geometry().topLeft(), opened);
+    }
+}
+
 TEST_F(MainFormTest, DonateOpensTheWebPageAndAboutShowsTheDialog) {
     QStringList heard;
     QObject::connect(&form, &MainForm::webPageRequested,
