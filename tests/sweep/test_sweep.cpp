@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
 #include <sys/stat.h>
 #endif
 
@@ -29,11 +30,13 @@ protected:
 
     QString folder() const { return dir.path() + hostSeparator(); }
 
-    // A (sparse) file of `size` bytes, relative to the session folder or absolute.
-    void touch(const QString& path, qint64 size = 0) const {
-        QFile file(QDir(dir.path()).filePath(path));
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(size)) << path.toStdString();
+    // (Sparse) files of `size` bytes, relative to the session folder or absolute.
+    void touch(const QStringList& paths, qint64 size = 0) const {
+        for (const QString& path : paths) {
+            QFile file(QDir(dir.path()).filePath(path));
+            QDir().mkpath(QFileInfo(file).absolutePath());
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(size)) << qPrintable(path);
+        }
     }
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) const {
         ASSERT_TRUE(test::writeFile(dir.filePath(name), test::sessionBytes(kind, paths)));
@@ -183,22 +186,16 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
         const char* file;
         QByteArray bytes;
         QStringList lines;
-        const char* version;
-        QStringList told;
+        const char *version, *told = nullptr;
     };
     const QString noMedia = "[ ] <no media files found>";
-    for (const Case& c : {
-             Case{Ses,
-                  "s.ses",
-                  "RIFF....WAVE",
-                  {},
-                  "",
-                  {"SES File Error: \"s.ses\" does not appear to be a valid session file."}},
-             Case{Ses, "s.ses", test::sessionBytes(Ses, {}), {noMedia}, "Audition 3.0", {}},
-             Case{Xml, "s.xml", test::sessionBytes(Xml, {}), {noMedia}, "", {}},
-             Case{Xml, "s.xmlx", test::sessionBytes(Xml, {"a.wav"}), {}, "", {}},
-             Case{Sesx, "s.sesxx", test::sessionBytes(Sesx, {"a.wav"}), {}, "", {}},
-         }) {
+    const char* invalid = "SES File Error: \"s.ses\" does not appear to be a valid session file.";
+    for (const Case& c :
+         {Case{Ses, "s.ses", "RIFF....WAVE", {}, "", invalid},
+          Case{Ses, "s.ses", test::sessionBytes(Ses, {}), {noMedia}, "Audition 3.0"},
+          Case{Xml, "s.xml", test::sessionBytes(Xml, {}), {noMedia}, ""},
+          Case{Xml, "s.xmlx", test::sessionBytes(Xml, {"a.wav"}), {}, ""},
+          Case{Sesx, "s.sesxx", test::sessionBytes(Sesx, {"a.wav"}), {}, ""}}) {
         SCOPED_TRACE(c.file);
         ASSERT_TRUE(test::writeFile(dir.filePath(c.file), c.bytes));
         told.clear();
@@ -208,7 +205,7 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
         EXPECT_EQ(used(r), c.lines);
         EXPECT_EQ(media.version, c.version);
         EXPECT_EQ(media.noMedia, !c.lines.isEmpty());
-        EXPECT_EQ(told, c.told);
+        EXPECT_EQ(told, c.told ? QStringList{c.told} : QStringList());
         if (c.kind != Ses) {
             EXPECT_EQ(sweepFolder(r, fs).others.isEmpty(), c.lines.isEmpty());
         }
@@ -256,8 +253,7 @@ TEST_F(SweepTest, APeakFileIsHeldBackOnlyByUsedMediaItBelongsTo) {
         {Veg, "cut.veg", "a.mp3", "a.mp3.sfk", true},
     };
     for (const auto& [kind, session, usedFile, peak, heldBack] : rows) {
-        touch(session);
-        touch(peak);
+        touch({session, peak});
         SweepRequest r = request(kind, session);
         const QString usedLine = folder() + QString(usedFile).replace(u'/', hostSeparator());
         r.keepPeaks = true;
@@ -269,9 +265,7 @@ TEST_F(SweepTest, APeakFileIsHeldBackOnlyByUsedMediaItBelongsTo) {
 }
 
 TEST_F(SweepTest, TheMediaTypeChoosesTheFilesAndOnlyAllFilesLetsPeakFilesIn) {
-    for (const char* name : {"mix.ses", "a.wav", "a.pk", "b.BWF", "c.mp3", "README", ".hidden"}) {
-        touch(name);
-    }
+    touch({"mix.ses", "a.wav", "a.pk", "b.BWF", "c.mp3", "README", ".hidden"});
     struct Case {
         const char* pattern;
         bool peaksListed;
@@ -289,28 +283,18 @@ TEST_F(SweepTest, TheMediaTypeChoosesTheFilesAndOnlyAllFilesLetsPeakFilesIn) {
     }
 }
 
-TEST_F(SweepTest, LeavesOutTheSelectedSessionOrAllScannedOnesInAnyCase) {
-    for (const char* name : {"mix.ses", "OLD.SES", "other.Ses", "take.wav", "mix.ses.bak"}) {
-        touch(name);
-    }
-    EXPECT_EQ(others(request(Ses, "mix.ses"), {}),
-              QStringList({"mix.ses.bak", "OLD.SES", "other.Ses", "take.wav"}));
-    EXPECT_EQ(others(request(Ses, "mix.ses", true), {}), QStringList({"mix.ses.bak", "take.wav"}));
-}
-
-TEST_F(SweepTest, GathersEachScannedSessionsRecordingsFolder) {
-    for (const char* name :
-         {"mix.ses", "old.ses", "mix_Recorded/take1.wav", "mix_Recorded/take2.wav",
-          "old_Recorded/take3.wav", "Other/take4.wav"}) {
-        touch(name);
-    }
+// The selected session, or every scanned one, is left out in any letter case, and each scanned
+// session's recordings folder is gathered (mix_Recorded for mix.ses).
+TEST_F(SweepTest, LeavesOutTheSessionsAndGathersTheirRecordingsFolders) {
+    touch({"mix.ses", "OLD.SES", "mix.ses.bak", "mix_Recorded/take1.wav", "mix_Recorded/take2.wav",
+           "OLD_Recorded/take3.wav", "Other/take4.wav"});
     const QString mix = QString("mix_Recorded") + hostSeparator();
-    const QString old = QString("old_Recorded") + hostSeparator();
     const QStringList usedLines = {folder() + mix + "take1.wav"};
     EXPECT_EQ(others(request(Ses, "mix.ses"), usedLines),
-              QStringList({"old.ses", mix + "take2.wav"}));
+              QStringList({"mix.ses.bak", "OLD.SES", mix + "take2.wav"}));
     EXPECT_EQ(others(request(Ses, "mix.ses", true), usedLines),
-              QStringList({mix + "take2.wav", old + "take3.wav"}));
+              QStringList({"mix.ses.bak", mix + "take2.wav",
+                           QString("OLD_Recorded") + hostSeparator() + "take3.wav"}));
 }
 
 TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
@@ -320,11 +304,9 @@ TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
         {Rpp, "song.rpp", nullptr},   {Ses, "mix.ses", "Take.wav"},  {Xml, "mix.xml", "take.WAV"},
         {Veg, "cut.veg", "TAKE.wav"}, {Rpp, "song.rpp", "take.WAV"},
     };
-    for (const char* name : {"Take.wav", "spare.wav", "mix_Recorded/Take.wav"}) {
-        touch(name);
-    }
+    touch({"Take.wav", "spare.wav", "mix_Recorded/Take.wav"});
     for (const auto& [kind, session, usedLine] : rows) {
-        touch(session);
+        touch({session});
         const SweepRequest r = request(kind, session);  // the tab's own record folder
         const QStringList lines =
             others(r, {usedLine ? QString(usedLine) : (folder() + "Take.wav").toUpper()});
@@ -343,13 +325,11 @@ TEST_F(SweepTest, ALetterCaseMatchOrABareNameCountsAsUsedForEveryKind) {
 TEST_F(SweepTest, UnicodeFormsAndShortenedLinesNameTheSameFile) {
     const QString composed = QString::fromUtf8("caf\xc3\xa9.wav");
     const QString decomposed = QString::fromUtf8("cafe\xcc\x81.wav");
-    touch(composed);
-    touch("mix.ses");
-    EXPECT_TRUE(others(request(Ses, "mix.ses"), {folder() + decomposed}).isEmpty());
-    touch("song.rpp");
+    touch({composed, "mix.ses", "song.rpp"});
+    EXPECT_EQ(others(request(Ses, "mix.ses"), {folder() + decomposed}), QStringList{"song.rpp"});
     SweepRequest r = request(Rpp, "song.rpp");
     QTemporaryDir records;
-    touch(records.path() + "/take.wav");
+    touch({records.path() + "/take.wav"});
     r.trimFolders = true;
     r.subFolderOn = true;
     r.subFolder = r.recordFolder = records.path();
@@ -360,10 +340,7 @@ TEST_F(SweepTest, UnicodeFormsAndShortenedLinesNameTheSameFile) {
 
 TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
     QTemporaryDir records;
-    touch("song.rpp");
-    touch("mixdown.wav");
-    touch(records.path() + "/take.wav");
-    touch(records.path() + "/other.wav");
+    touch({"song.rpp", "mixdown.wav", records.path() + "/take.wav", records.path() + "/other.wav"});
     SweepRequest r = request(Rpp, "song.rpp");
     r.recordFolder = "\" " + records.path() + " \"";
     r.subFolderOn = true;
@@ -375,7 +352,7 @@ TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
 // A REAPER project lists its other files through the sub-folder row, and a load stopped by a
 // failed read lists none: its session was read only in part.
 TEST_F(SweepTest, OnlyACompleteLoadOfAnAuditionOrVegasSessionListsOtherFiles) {
-    touch("spare.wav", 3000);
+    touch({"spare.wav"}, 3000);
     for (const SessionKindId kind : {Ses, Xml, Sesx, Veg, Rpp}) {
         writeSession("s" + ext(kind), kind, {"a.wav"});
         const Sweep sweep = sweepFolder(request(kind, "s" + ext(kind)), fs);
@@ -401,6 +378,28 @@ TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
     }
     EXPECT_TRUE(others(request(Xml, "a.xml"), {}).isEmpty());
 }
+
+// A name is bytes: one that is no UTF-8 is read, listed and leads back to its file.
+TEST_F(SweepTest, NamesThatAreNoUtf8LeadBackToTheirFiles) {
+    const auto create = [this](const QByteArray& name, const QByteArray& bytes) {
+        QFile file;
+        const int fd = ::open((QFile::encodeName(dir.path()) + '/' + name).constData(),
+                              O_WRONLY | O_CREAT, 0600);
+        ASSERT_TRUE(fd >= 0 && file.open(fd, QIODevice::WriteOnly, QFile::AutoCloseHandle));
+        file.write(bytes);
+    };
+    create("mix\xff.xml", test::sessionBytes(Xml, {"used.wav"}));
+    create("used.wav", "RIFF");
+    create("take\xfe.wav", "RIFF");
+    const SweepRequest r = request(Xml, {}, true);
+    ASSERT_EQ(r.sessions.size(), 1);
+    const Sweep sweep = sweepFolder(r, fs);
+    EXPECT_EQ(used(r), QStringList{"[x] used.wav"});
+    ASSERT_EQ(sweep.others.size(), 1);
+    EXPECT_EQ(visibleText(sweep.others[0].text), "take\\xFE.wav");
+    EXPECT_EQ(fs.fileSize(folder() + sweep.others[0].text), 4);
+}
+
 #endif
 
 TEST(SweepCaptions, CountTheLinesAndTheBytes) {
