@@ -71,7 +71,8 @@ qsizetype utf8SequenceLength(QByteArrayView bytes) {
 
 // One readdir pass and one stat per file: the directory entry's type says whether a name is a
 // file or a link, and the stat gives the size (of the target, for a link) in the same call.
-QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
+QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
+                              const FileSystem::NameTest& wanted) {
     QList<FolderEntry> entries;
     DIR* dir = ::opendir(encodeFileName(folder).constData());
     if (dir == nullptr) {
@@ -82,6 +83,10 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
+        }
+        const QString decoded = decodeFileName(name);
+        if (wanted && !wanted(decoded)) {
+            continue;
         }
         struct stat info {};
         bool link = entry->d_type == DT_LNK;
@@ -98,18 +103,22 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
             !S_ISREG(info.st_mode)) {
             continue;  // a broken link, or one that leads to no ordinary file
         }
-        entries.append({decodeFileName(name), qint64(info.st_size), link});
+        entries.append({decoded, qint64(info.st_size), link});
     }
     ::closedir(dir);
     return entries;
 }
 #else
-QList<FolderEntry> readFolder(const QString& folder, bool withHidden) {
+QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
+                              const FileSystem::NameTest& wanted) {
     QList<FolderEntry> entries;
     QDirIterator it(folder, withHidden ? QDir::Files | QDir::Hidden : QDir::Files);
     while (it.hasNext()) {
         it.next();
         const QFileInfo info = it.fileInfo();
+        if (wanted && !wanted(info.fileName())) {
+            continue;
+        }
         entries.append({info.fileName(), info.size(), info.isSymLink()});
     }
     return entries;
@@ -198,8 +207,9 @@ qint64 FileSystem::fileSize(const QString& path) const {
 }
 #endif
 
-QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden) const {
-    QList<FolderEntry> entries = readFolder(folder, withHidden);
+QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden,
+                                         const NameTest& wanted) const {
+    QList<FolderEntry> entries = readFolder(folder, withHidden, wanted);
     sortByName(entries);
     return entries;
 }

@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <functional>
 
 // The one file-system object of the process: every question the sweep asks the disk goes
 // through it, so that tests can stand in a disk that fails where a real one seldom does.
@@ -43,8 +44,11 @@ public:
     /// leading dot), folders, sockets, pipes, devices and broken links are left out: what the
     /// user does not see in the folder is never offered for moving. Empty when the folder
     /// cannot be read.
-    /// With `withHidden` the hidden files are listed too.
-    virtual QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false) const;
+    /// With `withHidden` the hidden files are listed too. A `wanted` test, when given, picks the
+    /// names to list before anything else about a file is asked.
+    using NameTest = std::function<bool(const QString& name)>;
+    virtual QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
+                                         const NameTest& wanted = {}) const;
 
     /// The program's current directory.
     virtual QString currentDirectory() const;

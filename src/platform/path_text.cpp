@@ -1,5 +1,7 @@
 #include "platform/path_text.h"
 
+#include <algorithm>
+
 namespace tidewick {
 
 namespace {
@@ -145,6 +147,12 @@ QString trimBlanks(const QString& text) {
 }
 
 QString visibleText(const QString& text) {
+    const auto plain = [](QChar c) {
+        return c.unicode() >= 0x20 && c.unicode() != 0x7F && !c.isSurrogate();
+    };
+    if (std::all_of(text.begin(), text.end(), plain)) {
+        return text;  // shared, not copied: nearly every name
+    }
     QString out;
     out.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {

@@ -19,8 +19,12 @@ const ListedDisk::Listing& ListedDisk::listing(const QString& folder) const {
     return *it;
 }
 
-QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden) const {
-    return withHidden ? disk_.listFiles(folder, true) : listing(folder).entries;
+QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,
+                                         const NameTest& wanted) const {
+    if (withHidden || wanted) {
+        return disk_.listFiles(folder, withHidden, wanted);
+    }
+    return listing(folder).entries;
 }
 
 bool ListedDisk::FileExists(const QString& path) const {

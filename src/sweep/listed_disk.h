@@ -17,7 +17,8 @@ public:
     bool FileExists(const QString& path) const override;
     bool FolderExists(const QString& path) const override { return disk_.FolderExists(path); }
     qint64 fileSize(const QString& path) const override { return disk_.fileSize(path); }
-    QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false) const override;
+    QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
+                                 const NameTest& wanted = {}) const override;
     QString currentDirectory() const override { return disk_.currentDirectory(); }
 
 private:

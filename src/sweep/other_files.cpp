@@ -88,6 +88,7 @@ private:
         // listing's size is the line's size and needs no second look at the disk.
         const bool listedSizesHold = sessionFolder_ + subFolder == folder;
         const QString ignoreUpper = sessionToIgnore.toUpper();
+        const QString folderKey = usedKey(candidatePath(subFolder, reaperFolder, {}));
 
         QList<const FolderEntry*> peakFiles;
         for (const FolderEntry& entry : entries) {
@@ -102,10 +103,11 @@ private:
             if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
                 continue;
             }
+            const QString nameKey = usedKey(entry.name);
             if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
                 continue;
             }
-            if (!used_.names(candidatePath(subFolder, reaperFolder, entry.name), recordFolder_)) {
+            if (!used_.names(folderKey, entry.name, nameKey, recordFolder_)) {
                 add(subFolder + entry.name, entry, listedSizesHold);
             }
         }
@@ -215,6 +217,16 @@ UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, boo
 bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
     return files_.contains(usedKey(path)) ||
            (trimmed_ && lines_.contains(usedKey(trimFolders(path, recordFolder))));
+}
+
+bool UsedIndex::names(const QString& folderKey, const QString& name, const QString& nameKey,
+                      const QString& recordFolder) const {
+    // Keys join where the folder ends in its separator: letter case and the form of accented
+    // letters change nothing across it.
+    if (files_.contains(folderKey + nameKey)) {
+        return true;
+    }
+    return trimmed_ && names(folderKey + name, recordFolder);
 }
 
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,

@@ -106,6 +106,10 @@ public:
     /// shortened lines, also a file whose path shortened for `recordFolder` is such a line: the
     /// session named it before its folders were dropped.
     bool names(const QString& path, const QString& recordFolder) const;
+    /// The same for the file `name` of the folder whose key (usedKey of its path with its
+    /// separator) is `folderKey`; the name's key is given too, as the caller has it.
+    bool names(const QString& folderKey, const QString& name, const QString& nameKey,
+               const QString& recordFolder) const;
     /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
     /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
     const QSet<QString>& peakOwners(bool anyMedia) const {

@@ -234,12 +234,11 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
 QStringList sessionFiles(const FileSystem& fs, const QString& folder, const QString& pattern) {
     // Hidden sessions are listed too, but only ordinary files: a pipe or device named like a
     // session is no session, and reading one would block or never end.
-    const PatternList wanted(pattern);
+    const PatternList sessions(pattern);
     QStringList names;
-    for (const FolderEntry& entry : fs.listFiles(folder, true)) {
-        if (wanted.matches(entry.name)) {
-            names.append(entry.name);
-        }
+    const auto wanted = [&sessions](const QString& name) { return sessions.matches(name); };
+    for (const FolderEntry& entry : fs.listFiles(folder, true, wanted)) {
+        names.append(entry.name);
     }
     return names;
 }
