@@ -11,7 +11,8 @@ namespace tidewick {
 
 /// A stand-in for the user: records every message box and pointer change, and answers from a
 /// script (the default button once the script runs out). Tests, benchmarks and fuzzers use it.
-/// `whileBusy`, when set, is done once, the next time the busy pointer is shown.
+/// `whileBusy`, when set, is done once, where a long operation first lets window events run
+/// while the busy pointer shows: as a user's click that comes in the middle of it.
 class RecordingInteraction : public UserInteraction {
 public:
     MessageAnswer showMessage(const MessageBoxRequest& request) override {
@@ -21,7 +22,9 @@ public:
     void setBusyPointer(bool busy) override {
         busyPointer = busy;
         pointerChanges.append(busy);
-        if (busy && whileBusy) {
+    }
+    void processEvents() override {
+        if (busyPointer && whileBusy) {
             std::exchange(whileBusy, nullptr)();
         }
     }

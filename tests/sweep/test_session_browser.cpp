@@ -74,25 +74,25 @@ TEST_F(SessionFolderTest, TheBrowserGoesOnlyWhereItCanAndEmptiesTheListsWhenItGo
     EXPECT_EQ(form.SESVersionLabel.text(), QString());
 }
 
-// A load names the file in the caption while it reads. A selection during it is loaded after
-// it; a tab switch during it leaves both lists empty.
+// A load names the file in the caption while it reads. A selection made while it lists the other
+// files is loaded after it; a tab switch then leaves both lists empty.
 TEST_F(SessionFolderTest, ALoadNamesItsFileAndAChoiceMadeDuringItWaitsForItsEnd) {
-    writeSession("a.xml", SessionKindId::Xml, {"a.wav"});
-    writeSession("b.xml", SessionKindId::Xml, {"b.wav"});
+    writeSession("a.veg", SessionKindId::Veg, {"a.wav"});
+    writeSession("b.veg", SessionKindId::Veg, {"b.wav"});
     const QString caption = form.Main.text();
     QStringList captions;
     QObject::connect(&form.Main, &Control::textChanged, [&] { captions.append(form.Main.text()); });
     form.UsedFilesBox.setItems({"x"});
     form.UsedFilesBox.setListIndex(0);
-    select("a.xml");
-    EXPECT_EQ(captions, QStringList({"Reading " + folder() + "a.xml...Please Wait", caption}));
+    select("a.veg");
+    EXPECT_EQ(captions, QStringList({"Reading " + folder() + "a.veg...Please Wait", caption}));
     EXPECT_EQ(form.UsedFilesBox.listIndex(), -1);
     EXPECT_FALSE(ui.busyPointer);
     ui.whileBusy = [&] { form.SESFile.setListIndex(1); };
-    select("a.xml");
+    select("a.veg");
     EXPECT_EQ(usedLines(), QStringList{"[ ] b.wav"});
     ui.whileBusy = [&] { form.selectTabByKey("SESXFiles"); };
-    select("b.xml");
+    select("b.veg");
     EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
     EXPECT_FALSE(form.sessionLoadRunning());
 }
