@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -18,13 +16,11 @@ namespace {
 class SettingsTest : public ::testing::Test {
 protected:
     struct Run {
-        explicit Run(const QString& file) : store(file), settings(store), form(ui, &settings) {
-            form.Form_Load();
-        }
+        explicit Run(const QString& file) : store(file) { form.Form_Load(); }
         QSettingsStore store;
-        StoredSettings settings;
+        StoredSettings settings{store};
         RecordingInteraction ui;
-        MainForm form;
+        MainForm form{ui, &settings};
     };
 
     std::unique_ptr<Run> start() { return std::make_unique<Run>(storeFile); }
@@ -38,9 +34,6 @@ protected:
 // and sub-folder boxes ("x" checked), the tab key and number, the last, move and copy folders
 // (the current directory as "cwd") and the exclusions.
 QString shown(const MainForm& form) {
-    const auto folder = [](const QString& path) {
-        return path == QDir::currentPath() ? QStringLiteral("cwd") : path;
-    };
     QString boxes;
     for (const Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
                                &form.StoreInSubFolderCheck}) {
@@ -49,37 +42,32 @@ QString shown(const MainForm& form) {
     const QPoint at = form.Main.geometry().topLeft();
     return QStringLiteral("%1,%2 %3 %4/%5 %6 %7 %8 [%9]")
         .arg(QString::number(at.x()), QString::number(at.y()), boxes, form.selectedTabKey(),
-             QString::number(form.ActiveFileTab), folder(form.SESFile.text()),
-             folder(form.TargetFolderName.text()), folder(form.CopyFolder),
-             form.ExcludedFiles.join('|'));
+             QString::number(form.ActiveFileTab), form.SESFile.text(), form.TargetFolderName.text(),
+             form.CopyFolder, form.ExcludedFiles.join('|'))
+        .replace(form.FSO.currentDirectory(), "cwd");
 }
 
+// Set through the window, every setting is stored in the form the store has always had, and
+// comes back.
 TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
     QTemporaryDir last, move, copy;
-    {
-        auto run = start();
-        MainForm& form = run->form;
-        form.Main.setGeometry(QRect(QPoint(1500, 3000), form.Main.geometry().size()));
-        for (Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
-                             &form.StoreInSubFolderCheck}) {
-            box->setChecked(true);
-        }
-        form.SESFile.setText(last.path());
-        form.MoveFolder = move.path();
-        form.CopyFolder = copy.path();
-        form.ExcludedFiles = {"lyrics.doc", "*.txt"};
-        form.selectTabByKey("SESXFiles");  // third by number, second in the strip
-        form.Form_Unload();
-        EXPECT_TRUE(run->ui.messages.isEmpty());
+    auto run = start();
+    MainForm& form = run->form;
+    form.Main.setGeometry(QRect(QPoint(1500, 3000), form.Main.geometry().size()));
+    for (Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
+                         &form.StoreInSubFolderCheck}) {
+        box->setChecked(true);
     }
-    const char* const forms[][2] = {{"WINDOW/Top", "3000"},
-                                    {"SETTINGS/TrimFolders", "1"},
-                                    {"SETTINGS/KeepPKFiles", "1"},
-                                    {"SETTINGS/ActiveFileTab", "3"},
-                                    {"EXCLUDED/File00002", "*.txt"}};
-    for (const auto& [key, text] : forms) {
-        EXPECT_EQ(ini().value(key).toString(), text) << key;
-    }
+    form.SESFile.setText(last.path());
+    form.MoveFolder = move.path();
+    form.CopyFolder = copy.path();
+    form.ExcludedFiles = {"lyrics.doc", "*.txt"};
+    form.selectTabByKey("SESXFiles");  // third by number, second in the strip
+    form.Form_Unload();
+    EXPECT_EQ(ini().value("WINDOW/Top").toString(), "3000");
+    EXPECT_EQ(ini().value("SETTINGS/TrimFolders").toString(), "1");
+    EXPECT_EQ(ini().value("SETTINGS/KeepPKFiles").toString(), "1");
+    EXPECT_EQ(ini().value("SETTINGS/ActiveFileTab").toString(), "3");
     EXPECT_EQ(shown(start()->form), "1500,3000 xxxx SESXFiles/3 " + last.path() + ' ' +
                                         move.path() + ' ' + copy.path() + " [lyrics.doc|*.txt]");
 }
@@ -87,37 +75,29 @@ TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
 // A hand-edited store: what it gives the window, and a save that leaves only what it wrote.
 TEST_F(SettingsTest, AHandEditedStoreReadsAsFarAsItCanAndTheSaveTidiesIt) {
     const QString defaults = "0,0 ---- SESFiles/1 cwd cwd cwd []";
-    // Each row: the entries written ("section/key=text", ";" between) and what the window shows.
+    // Each row: what the window shows, and the entries written ("section/key=text", ";"
+    // between). A setting that is not written shows its default.
     const QString rows[][2] = {
-        {"", defaults},
-        {"WINDOW/Top=high", defaults},
-        {"WINDOW/Left=1,5", defaults},
-        {"SETTINGS/TrimFolders=yes", defaults},
-        {"SETTINGS/CheckAllFiles=", defaults},
-        {"SETTINGS/KeepPKFiles=on", defaults},
-        {"SETTINGS/KeepPKFiles=2", defaults},  // a check box is 1 or nothing
-        {"SETTINGS/ActiveFileTab=0", defaults},
-        {"SETTINGS/ActiveFileTab=6", defaults},
-        {"SETTINGS/ActiveFileTab=XML", defaults},
-        // A position is a whole number of twips within reach of a screen, or it is 0.
-        {"WINDOW/Left=1500;WINDOW/Top=-300", "1500,-300 ---- SESFiles/1 cwd cwd cwd []"},
-        {"WINDOW/Left=1500.4;WINDOW/Top=1e30", defaults},
-        {"WINDOW/Left=inf;WINDOW/Top=nan", defaults},
-        {"WINDOW/Left=-2147483648", defaults},
+        // A text that is no value of its setting leaves the default: a position is a whole
+        // number of twips within reach of a screen.
+        {defaults,
+         "WINDOW/Top=high;WINDOW/Left=1,5;SETTINGS/TrimFolders=yes;"
+         "SETTINGS/CheckAllFiles=;SETTINGS/KeepPKFiles=on;SETTINGS/ActiveFileTab=0"},
+        {defaults, "WINDOW/Left=1500.4;WINDOW/Top=1e30;SETTINGS/ActiveFileTab=6"},
+        {defaults, "WINDOW/Left=inf;WINDOW/Top=nan;SETTINGS/ActiveFileTab=XML"},
         // Any other number switches a flag on.
-        {"SETTINGS/TrimFolders=-1;SETTINGS/CheckAllFiles=2.5",
-         "0,0 xx-- SESFiles/1 cwd cwd cwd []"},
-        {"SETTINGS/ActiveFileTab=5", "0,0 ---- VEGFiles/5 cwd cwd cwd []"},
-        // The exclusions stop at the first gap.
-        {"EXCLUDED/File00001=a.doc;EXCLUDED/File00002=*.bak;EXCLUDED/File00004=lost.txt",
-         "0,0 ---- SESFiles/1 cwd cwd cwd [a.doc|*.bak]"},
-        // A folder that no longer exists becomes the current directory.
-        {"PATHS/MoveFolder=" + dir.filePath("gone") + ";PATHS/CopyFolder=" + dir.path(),
-         "0,0 ---- SESFiles/1 cwd cwd " + dir.path() + " []"},
+        {"1500,-300 xx-- SESFiles/1 cwd cwd cwd []",
+         "WINDOW/Left=1500;WINDOW/Top=-300;SETTINGS/TrimFolders=-1;SETTINGS/CheckAllFiles=2.5"},
+        // A check box is 1 or nothing. The exclusions stop at the first gap. A folder that no
+        // longer exists becomes the current directory.
+        {"0,0 ---- VEGFiles/5 cwd cwd " + dir.path() + " [a.doc|*.bak]",
+         "PATHS/CopyFolder=" + dir.path() + ";PATHS/MoveFolder=" + dir.filePath("gone") +
+             ";WINDOW/Left=-2147483648;SETTINGS/KeepPKFiles=2;SETTINGS/ActiveFileTab=5;"
+             "EXCLUDED/File00001=a.doc;EXCLUDED/File00002=*.bak;EXCLUDED/File00004=lost.txt"},
     };
-    for (const auto& [written, expected] : rows) {
+    for (const auto& [expected, written] : rows) {
         SCOPED_TRACE(written.toStdString());
-        QFile::remove(storeFile);
+        ini().clear();
         for (const QString& entry : written.split(';', Qt::SkipEmptyParts)) {
             ini().setValue(entry.section('=', 0, 0), entry.section('=', 1));
         }
@@ -132,21 +112,15 @@ TEST_F(SettingsTest, AHandEditedStoreReadsAsFarAsItCanAndTheSaveTidiesIt) {
 
 TEST_F(SettingsTest, AStoreThatRefusesWritesGivesOneMessage) {
     // A folder in the store's path is a regular file: no write can succeed, not even as root.
-    QFile blocker(dir.filePath("not-a-folder"));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    ASSERT_TRUE(test::writeFile(dir.filePath("not-a-folder")));
     storeFile = dir.filePath("not-a-folder/Tidewick.conf");
     auto run = start();
     run->form.ExcludedFiles = {"a.doc", "b.doc"};
     run->form.Form_Unload();
     run->form.Form_Unload();  // a second close does not save again
-    ASSERT_EQ(run->ui.messages.size(), 1);
-    EXPECT_EQ(
-        run->ui.messages.first(),
-        (MessageBoxRequest{"Access to the settings file " + storeFile +
-                               " failed and the current Tidewick settings could not be saved.",
-                           "For Information...", MessageIcon::Information, MessageButtons::Ok,
-                           MessageAnswer::Ok}));
+    const QString text = "Access to the settings file " + storeFile +
+                         " failed and the current Tidewick settings could not be saved.";
+    EXPECT_EQ(run->ui.messages, QList<MessageBoxRequest>({{text, "For Information..."}}));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <QList>
 #include <QStringList>
+#include <functional>
+#include <utility>
 
 #include "platform/interaction.h"
 
@@ -9,6 +11,8 @@ namespace tidewick {
 
 /// A stand-in for the user: records every message box and pointer change, and answers from a
 /// script (the default button once the script runs out). Tests, benchmarks and fuzzers use it.
+/// `whileBusy`, when set, is done once, where a long operation first lets window events run
+/// while the busy pointer shows: as a user's click that comes in the middle of it.
 class RecordingInteraction : public UserInteraction {
 public:
     MessageAnswer showMessage(const MessageBoxRequest& request) override {
@@ -18,6 +22,11 @@ public:
     void setBusyPointer(bool busy) override {
         busyPointer = busy;
         pointerChanges.append(busy);
+    }
+    void processEvents() override {
+        if (busyPointer && whileBusy) {
+            std::exchange(whileBusy, nullptr)();
+        }
     }
     QString browseForFolder(const QString& prompt, const QString& startFolder) override {
         folderRequests.append({prompt, startFolder});
@@ -37,6 +46,7 @@ public:
     QList<FolderRequest> folderRequests;
     QStringList folderAnswers;  // chosen folders, given out in order; empty text is a cancel
     bool busyPointer = false;
+    std::function<void()> whileBusy;
 };
 
 }  // namespace tidewick

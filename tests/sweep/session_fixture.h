@@ -3,28 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <functional>
-#include <utility>
 
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
+#include "support/reader_fixture.h"  // prints texts in failures
 #include "support/recording_interaction.h"
 #include "support/session_files.h"
 #include "sweep/main_form.h"
 
 namespace tidewick::test {
-
-/// A user who does one more thing, `whileBusy`, the next time the busy pointer is shown.
-class BusyUser : public RecordingInteraction {
-public:
-    void setBusyPointer(bool busy) override {
-        RecordingInteraction::setBusyPointer(busy);
-        if (busy && whileBusy) {
-            std::exchange(whileBusy, nullptr)();
-        }
-    }
-    std::function<void()> whileBusy;
-};
 
 /// The main window's logic pointed at a fresh session folder, with a scripted user.
 class SessionFolderTest : public ::testing::Test {
@@ -38,15 +25,12 @@ protected:
     /// The session folder with a trailing separator.
     QString folder() const { return dir.path() + hostSeparator(); }
 
-    static QString ext(SessionKindId id) { return sessionKind(id).sessionPattern.mid(1); }
-
-    void useKind(SessionKindId id) {
-        form.selectTabByKey(sessionKind(id).tabKey);
-        form.FileTypeTab_Click();  // also when the tab was already chosen
-    }
-
+    /// Writes a session of `kind` naming `paths`, and switches to that kind's tab (also when it
+    /// is the chosen one already).
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) {
         ASSERT_TRUE(writeFile(dir.filePath(name), sessionBytes(kind, paths)));
+        form.selectTabByKey(sessionKind(kind).tabKey);
+        form.FileTypeTab_Click();
     }
 
     /// Lists the folder again and selects `name`, which loads it.
@@ -61,21 +45,14 @@ protected:
     QStringList usedLines() const {
         QStringList lines;
         for (int row = 0; row < form.UsedFiles.count(); ++row) {
-            lines.append((form.UsedFiles.isChecked(row) ? "[x] " : "[ ] ") +
-                         form.UsedFiles.text(row));
+            lines << (form.UsedFiles.isChecked(row) ? "[x] " : "[ ] ") + form.UsedFiles.text(row);
         }
         return lines;
     }
 
     QTemporaryDir dir;
-    BusyUser ui;
+    RecordingInteraction ui;
     MainForm form{ui};
 };
 
 }  // namespace tidewick::test
-
-namespace tidewick {
-inline void PrintTo(const MessageBoxRequest& box, std::ostream* out) {
-    *out << "{" << box.title.toStdString() << ": " << box.text.toStdString() << "}";
-}
-}  // namespace tidewick

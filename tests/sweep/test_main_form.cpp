@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <QObject>
-
 #include "support/recording_interaction.h"
 #include "sweep/check_list_model.h"
 #include "sweep/main_form.h"
@@ -16,31 +14,13 @@ TEST(VersionCaption, WritesTheRevisionStraightAfterTheMinorVersion) {
 }
 
 TEST(MediaTypes, PatternListsSplitAtTheSemicolonAndDropTheBlank) {
-    EXPECT_EQ(splitPatternList("*.*"), QStringList({"*.*"}));
     EXPECT_EQ(splitPatternList("*.au;*.snd; "), QStringList({"*.au", "*.snd"}));
 }
 
-class MainFormTest : public ::testing::Test {
-protected:
-    void SetUp() override { form.Form_Load(); }
-    RecordingInteraction ui;
-    MainForm form{ui};
-};
-
-// Opening on the first tab gives the same values as switching to it: its recordings folder
-// is what the other-files list gathers for each session.
-TEST_F(MainFormTest, OpensWithTheActiveTabsValues) {
-    EXPECT_EQ(form.RecordFolder, "_Recorded");
-    EXPECT_FALSE(form.SubFolderCheck.visible());
-}
-
-TEST_F(MainFormTest, CentrePutsTheWindowsMiddleOnTheScreensMiddle) {
-    form.screenSize = QSize(12000, 9000);  // smaller than the window
-    form.mnuWindowCentre.click();
-    EXPECT_EQ(form.Main.geometry(), QRect(-1200, -862, 14400, 10725));
-}
-
-// A position stored for another screen (or damaged) would open the window out of sight.
+// A position stored for another screen (or damaged) would open the window out of sight: it
+// opens in the middle of the screen instead, also of a screen smaller than the window. The
+// window opens with the values of its first tab (its recordings folder), as a switch to it
+// gives them.
 TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
     struct Stored : FormSettings {
         QPoint at;
@@ -49,45 +29,29 @@ TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
         }
         void SaveSettings(MainForm&) override {}
     };
-    for (const auto& [stored, opened] : {std::pair{QPoint(900000, 900000), QPoint(7800, 4637)},
-                                         {QPoint(-20000, 300), QPoint(7800, 4637)},
-                                         {QPoint(1500, 300), QPoint(1500, 300)}}) {
+    const QSize screen(30000, 20000), small(12000, 9000);
+    const std::tuple<QPoint, QSize, QPoint> cases[] = {{{900000, 900000}, screen, {7800, 4637}},
+                                                       {{-20000, 300}, screen, {7800, 4637}},
+                                                       {{1500, 300}, screen, {1500, 300}},
+                                                       {{0, 9000}, small, {-1200, -862}}};
+    for (const auto& [stored, size, opened] : cases) {
         Stored settings;
         settings.at = stored;
         RecordingInteraction ui;
         MainForm form(ui, &settings);
-        form.screenSize = QSize(30000, 20000);
+        form.screenSize = size;
         form.Form_Load();
-        EXPECT_EQ(form.Main.geometry().topLeft(), opened);
+        EXPECT_EQ(form.Main.geometry(), QRect(opened, QSize(14400, 10725)));
+        EXPECT_EQ(form.RecordFolder, "_Recorded");
     }
 }
 
-TEST_F(MainFormTest, DonateOpensTheWebPageAndAboutShowsTheDialog) {
-    QStringList heard;
-    QObject::connect(&form, &MainForm::webPageRequested,
-                     [&heard](const QString& url) { heard << url; });
-    QObject::connect(&form, &MainForm::aboutRequested, [&heard] { heard << "about"; });
-    form.mnuHelpDonate.click();
-    form.mnuHelpAbout.click();
-    EXPECT_EQ(heard, QStringList({TIDEWICK_WEB_PAGE, "about"}));
-}
-
-TEST(CheckList, OnlyTheUsersCheckRaisesItemCheck) {
-    CheckListModel list;
-    list.addItems({{"a.wav", false}, {"b.wav", true}});
-    QList<int> raised;
-    QObject::connect(&list, &CheckListModel::itemCheck, [&raised](int row) { raised << row; });
-    list.setChecked(0, true);
-    list.setAllChecked(false);
-    EXPECT_TRUE(list.setData(list.index(1), Qt::Checked, Qt::CheckStateRole));
-    EXPECT_EQ(raised, QList<int>({1}));
-    EXPECT_TRUE(list.isChecked(1));
-}
-
-TEST(CheckList, FindsTheFirstExactLineAndTakesManyLinesInOneInsertion) {
+TEST(CheckList, FindsTheFirstExactLineTakesManyAtOnceAndRaisesItemCheckOnlyForTheUser) {
     CheckListModel list;
     int insertions = 0;
+    QList<int> raised;
     QObject::connect(&list, &QAbstractItemModel::rowsInserted, [&insertions] { ++insertions; });
+    QObject::connect(&list, &CheckListModel::itemCheck, [&raised](int row) { raised << row; });
     QList<CheckItem> items = {{"Take.wav", false}};
     for (int row = 0; row < 100000; ++row) {
         items.append({QStringLiteral("take%1.wav").arg(row % 50000), row % 2 == 0});
@@ -96,7 +60,10 @@ TEST(CheckList, FindsTheFirstExactLineAndTakesManyLinesInOneInsertion) {
     EXPECT_EQ(insertions, 1);
     EXPECT_EQ(list.indexOf("take49999.wav"), 50000);
     EXPECT_EQ(list.indexOf("TAKE.WAV"), -1);
-    EXPECT_EQ(list.data(list.index(99999), Qt::CheckStateRole).toInt(), Qt::Checked);
+    list.setChecked(2, true);
+    list.setAllChecked(false);
+    EXPECT_TRUE(list.setData(list.index(1), Qt::Checked, Qt::CheckStateRole));
+    EXPECT_EQ(raised, QList<int>({1}));
     list.clear();
     EXPECT_FALSE(list.contains("take1.wav"));
 }

@@ -5,11 +5,8 @@
 
 #include "session_fixture.h"
 
-namespace tidewick {
+namespace tidewick::test {
 namespace {
-
-using test::SessionFolderTest;
-using test::writeFile;
 
 // The sub-folder row shows on the REAPER and Vegas tabs, whose record folder is the session's.
 TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
@@ -32,169 +29,114 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
     }
 }
 
-TEST_F(SessionFolderTest, TheScanRangeFollowsTheSelectionOrTheWholeList) {
-    struct Case {
-        bool scanAll;
-        int files, selected;
-        int first, last;
-    };
-    for (const Case& c :
-         {Case{false, 3, 1, 1, 1}, Case{false, 3, -1, 0, -1}, Case{true, 3, 1, 0, 2},
-          Case{true, 0, -1, 0, -1}, Case{false, 40000, 32768, 32768, 32768}}) {
-        form.SESFile.setItems(QStringList(c.files, "s.ses"));
-        {
-            const QSignalBlocker quiet(form.SESFile);  // select without loading
-            form.SESFile.setListIndex(c.selected);
-        }
-        form.ScanAll.setChecked(c.scanAll);
-        form.SetScanParams();
-        EXPECT_EQ(form.CheckAllFiles, c.scanAll);
-        const ScanRange range = scanRange(form.sweepRequest());
-        EXPECT_EQ(std::pair(range.first, range.last), std::pair(c.first, c.last))
-            << c.files << " files, " << c.selected << " selected";
-    }
-}
-
-TEST_F(SessionFolderTest, TheCheckBoxesLoadOnlyWhileASessionIsSelected) {
-    useKind(SessionKindId::Ses);
-    writeSession("a.ses", SessionKindId::Ses, {"C:\\a.wav"});
-    form.refreshSessionFiles();
+// Both boxes reload a selected session, and only a selected one; Scan All reads every session
+// and, on the REAPER tab, empties the record folder before that load (so one folder level
+// stays on a trimmed line).
+TEST_F(SessionFolderTest, TheCheckBoxesReloadOnlyASelectedSession) {
+    writeSession("a.rpp", SessionKindId::Rpp, {"C:\\x\\a.wav"});
+    writeSession("b.rpp", SessionKindId::Rpp, {"D:\\y\\b.wav"});
     form.UsedFiles.addItem("untouched");
     form.IgnoreFoldersCheck.setChecked(true);
-    form.ScanAll.setChecked(true);
     EXPECT_EQ(usedLines(), QStringList{"[ ] untouched"});
-    select("a.ses");
-    EXPECT_EQ(usedLines(), QStringList{"[ ] a.wav"});
-    form.IgnoreFoldersCheck.setChecked(false);
-    EXPECT_EQ(usedLines(), QStringList{"[ ] C:/a.wav"});
-}
-
-TEST_F(SessionFolderTest, ScanAllOnTheReaperTabEmptiesTheRecordFolderBeforeTheLoad) {
-    useKind(SessionKindId::Rpp);
-    writeSession("a.rpp", SessionKindId::Rpp, {"C:\\a.wav"});
     select("a.rpp");
-    QString recordAtLoad = "unset";
-    ui.whileBusy = [&] { recordAtLoad = form.RecordFolder; };
+    EXPECT_EQ(usedLines(), QStringList{"[ ] a.wav"});
     form.ScanAll.setChecked(true);
-    EXPECT_EQ(recordAtLoad, QString());
+    EXPECT_EQ(usedLines(), QStringList({"[ ] x/a.wav", "[ ] y/b.wav"}));
+    form.IgnoreFoldersCheck.setChecked(false);
+    EXPECT_EQ(usedLines(), QStringList({"[ ] C:/x/a.wav", "[ ] D:/y/b.wav"}));
 }
 
-TEST_F(SessionFolderTest, ACheckMarkSnapsBackToWhetherTheFileExists) {
-    for (const char* file : {"t.wav", "Song_Recorded/t.wav", "<no media files found>"}) {
-        ASSERT_TRUE(writeFile(dir.filePath(file)));
-    }
-    struct Case {
-        QString line;
-        bool trim, exists;
-    };
-    for (const Case& c :
-         {Case{folder() + "t.wav", false, true}, Case{folder() + "gone.wav", false, false},
-          Case{"t.wav", false, true},  // a bare name lives in the session folder
-          Case{"Song_Recorded/t.wav", true, true}, Case{"<no media files found>", false, false}}) {
-        form.UsedFiles.clear();
-        form.TrimFoldersFlag = c.trim;
-        form.UsedFiles.addItem(c.line, c.exists);
-        // The view flips the mark and tells the form, as a click on the box does.
-        form.UsedFiles.setData(form.UsedFiles.index(0), c.exists ? Qt::Unchecked : Qt::Checked,
-                               Qt::CheckStateRole);
-        EXPECT_EQ(form.UsedFiles.isChecked(0), c.exists) << c.line.toStdString();
-    }
-    EXPECT_FALSE(ui.busyPointer);
-}
-
-TEST_F(SessionFolderTest, ADriveErrorIsReportedAndTheBrowserStays) {
-    const QString missing = dir.filePath("gone");
-    const QString previousDrive = form.SESDrive.text();
-    for (const auto& [drive, name] :
-         {std::pair<QString, QString>{"q:\\", "Q"}, {missing, missing}}) {
+// A drive that cannot be opened is reported and the browser stays; a folder that cannot be
+// opened is passed over; any other folder is listed and empties both lists.
+TEST_F(SessionFolderTest, TheBrowserGoesOnlyWhereItCanAndEmptiesTheListsWhenItGoes) {
+    ASSERT_TRUE(writeFile(dir.filePath("sub/x.ses")));
+    const QString missing = dir.filePath("gone"), drive = form.SESDrive.text();
+    for (const auto& [to, name] : {std::pair<QString, QString>{"q:\\", "Q"}, {missing, missing}}) {
         ui.messages.clear();
         form.UsedFiles.addItem("a.wav");
         form.UnusedFiles.addItem("b.wav");
-        form.SESDrive.setText(drive);
-        EXPECT_EQ(ui.messages, QList<MessageBoxRequest>(
-                                   {{"Error accessing drive " + name + ".  Device unavailable.",
-                                     "Drive Error", MessageIcon::Information}}));
-        EXPECT_EQ(form.SESDrive.text(), previousDrive);
+        form.SESDrive.setText(to);
+        const QString text = "Error accessing drive " + name + ".  Device unavailable.";
+        EXPECT_EQ(ui.messages, QList<MessageBoxRequest>({{text, "Drive Error"}}));
+        EXPECT_EQ(form.SESDrive.text(), drive);
         EXPECT_EQ(form.SESDir.text(), dir.path());
-        EXPECT_EQ(form.SESFile.text(), dir.path());
         EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
     }
-}
-
-TEST_F(SessionFolderTest, AFolderChangeListsTheNewFolderAndEmptiesTheLists) {
-    ASSERT_TRUE(writeFile(dir.filePath("sub/x.ses")));
     form.UsedFiles.addItem("a.wav");
     form.UnusedFiles.addItem("b.wav");
     form.SESVersionLabel.setText("Audition 3.0");
-    form.SESDir_Click(dir.filePath("missing"));  // cannot be opened: ignored
-    EXPECT_EQ(form.SESDir.text(), dir.path());
-    EXPECT_EQ(form.UsedFiles.count(), 1);
+    form.SESDir_Click(missing);
+    EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 2);  // the tree did not move
     form.SESDir_Click(dir.filePath("sub"));
     EXPECT_EQ(form.SESDir.text(), dir.filePath("sub"));
-    EXPECT_EQ(form.SESFile.text(), dir.filePath("sub"));
-    EXPECT_EQ(form.SESFile.items(), QStringList{"x.ses"});
+    EXPECT_EQ(form.SESFile.items(), QStringList{"x.ses"});  // the file list follows the tree
     EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
     EXPECT_EQ(form.SESVersionLabel.text(), QString());
 }
 
-TEST_F(SessionFolderTest, ALoadNamesTheFileWhileReadingAndRestoresTheWindowAfter) {
+// A load names the file in the caption while it reads. A selection made while it lists the other
+// files is loaded after it; a tab switch then leaves both lists empty.
+TEST_F(SessionFolderTest, ALoadNamesItsFileAndAChoiceMadeDuringItWaitsForItsEnd) {
+    writeSession("a.veg", SessionKindId::Veg, {"a.wav"});
+    writeSession("b.veg", SessionKindId::Veg, {"b.wav"});
     const QString caption = form.Main.text();
     QStringList captions;
     QObject::connect(&form.Main, &Control::textChanged, [&] { captions.append(form.Main.text()); });
-    useKind(SessionKindId::Xml);
-    writeSession("take.xml", SessionKindId::Xml, {"a.wav"});
     form.UsedFilesBox.setItems({"x"});
     form.UsedFilesBox.setListIndex(0);
-    select("take.xml");
-    EXPECT_EQ(captions, QStringList({"Reading " + folder() + "take.xml...Please Wait", caption}));
+    select("a.veg");
+    EXPECT_EQ(captions, QStringList({"Reading " + folder() + "a.veg...Please Wait", caption}));
     EXPECT_EQ(form.UsedFilesBox.listIndex(), -1);
     EXPECT_FALSE(ui.busyPointer);
-}
-
-TEST_F(SessionFolderTest, ASelectionDuringALoadIsLoadedAfterIt) {
-    useKind(SessionKindId::Xml);
-    writeSession("a.xml", SessionKindId::Xml, {"a.wav"});
-    writeSession("b.xml", SessionKindId::Xml, {"b.wav"});
     ui.whileBusy = [&] { form.SESFile.setListIndex(1); };
-    select("a.xml");
+    select("a.veg");
     EXPECT_EQ(usedLines(), QStringList{"[ ] b.wav"});
+    ui.whileBusy = [&] { form.selectTabByKey("SESXFiles"); };
+    select("b.veg");
+    EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
     EXPECT_FALSE(form.sessionLoadRunning());
 }
 
-TEST_F(SessionFolderTest, ATabSwitchDuringALoadLeavesBothListsEmpty) {
-    useKind(SessionKindId::Xml);
-    writeSession("a.xml", SessionKindId::Xml, {"a.wav"});
-    ui.whileBusy = [&] { form.selectTabByKey("SESXFiles"); };
-    select("a.xml");
-    EXPECT_EQ(form.UsedFiles.count(), 0);
-    EXPECT_EQ(form.UnusedFiles.count(), 0);
-    EXPECT_EQ(form.sessionFilePattern(), "*.sesx");
-}
-
-// Sizes are those of the listing until a mark changes: then that file is measured again.
-TEST_F(SessionFolderTest, CheckMarksMoveTheCountersAndAVanishedFileCountsZero) {
+// An other file's mark, set in the list, moves the counters; its size is that of the listing
+// until its mark changes, then it is measured again. A used line's mark snaps back to whether
+// its file exists.
+TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsedLines) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    useKind(SessionKindId::Xml);
     writeSession("s.xml", SessionKindId::Xml, {});
-    ASSERT_TRUE(test::writeFile(dir.filePath("a.wav"), QByteArray(3145728, 'a')));
-    ASSERT_TRUE(test::writeFile(dir.filePath("b.wav"), QByteArray(1024, 'b')));
+    ASSERT_TRUE(writeFile(dir.filePath("a.wav"), QByteArray(3145728, 'a')));
+    ASSERT_TRUE(writeFile(dir.filePath("t.wav"), QByteArray(1024, 't')));
     select("s.xml");
-    const auto mark = [this](int row, bool checked) {  // as the user does in the list
-        form.UnusedFiles.setData(form.UnusedFiles.index(row), checked ? Qt::Checked : Qt::Unchecked,
-                                 Qt::CheckStateRole);
-    };
     const QString sizes = "Listed Other Files: %1 - Selected Other Files: %2";
-    mark(0, true);
+    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Checked, Qt::CheckStateRole);
     EXPECT_EQ(form.InfoLabel.text(),
               sizes.arg("3,146,752 bytes (3.00Mb)", "3,145,728 bytes (3.00Mb)"));
     form.UnusedFiles_Click();
     EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
     ASSERT_TRUE(QFile::remove(dir.filePath("a.wav")));
-    mark(0, false);
-    mark(0, true);
+    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Unchecked, Qt::CheckStateRole);
+    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Checked, Qt::CheckStateRole);
     EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "0 bytes (0.00Mb)"));
     QLocale::setDefault(QLocale::c());
+
+    ASSERT_TRUE(writeFile(dir.filePath("Song_Recorded/t.wav")));
+    ASSERT_TRUE(writeFile(dir.filePath("<no media files found>")));
+    const std::tuple<QString, bool, bool> cases[] = {
+        // the line, trimmed, the file exists
+        {folder() + "t.wav", false, true},
+        {folder() + "gone.wav", false, false},
+        {"t.wav", false, true},  // a bare name lives in the session folder
+        {"Song_Recorded/t.wav", true, true},
+        {"<no media files found>", false, false}};
+    for (const auto& [line, trim, exists] : cases) {
+        form.UsedFiles.clear();
+        form.TrimFoldersFlag = trim;
+        form.UsedFiles.addItem(line, exists);
+        form.UsedFiles.setData(form.UsedFiles.index(0), exists ? Qt::Unchecked : Qt::Checked,
+                               Qt::CheckStateRole);
+        EXPECT_EQ(form.UsedFiles.isChecked(0), exists) << line.toStdString();
+    }
+    EXPECT_FALSE(ui.busyPointer);
 }
 
 }  // namespace
-}  // namespace tidewick
+}  // namespace tidewick::test

@@ -283,6 +283,24 @@ TEST_F(SweepTest, TheMediaTypeChoosesTheFilesAndOnlyAllFilesLetsPeakFilesIn) {
     }
 }
 
+TEST(ScanRange, FollowsTheSelectionOrTheWholeListHoweverLongTheListIs) {
+    // Whole folder, sessions listed, the one selected; the first and last session read.
+    const int cases[][5] = {{0, 3, 1, 1, 1},
+                            {0, 3, -1, 0, -1},
+                            {1, 3, 1, 0, 2},
+                            {1, 0, -1, 0, -1},
+                            {0, 40000, 32768, 32768, 32768}};
+    for (const auto& [whole, files, selected, first, last] : cases) {
+        SweepRequest r;
+        r.sessions = QStringList(files, "s.ses");
+        r.selected = selected;
+        r.wholeFolder = whole;
+        const ScanRange range = scanRange(r);
+        EXPECT_EQ(std::pair(range.first, range.last), std::pair(first, last))
+            << files << " files, " << selected << " selected";
+    }
+}
+
 // The selected session, or every scanned one, is left out in any letter case, and each scanned
 // session's recordings folder is gathered (mix_Recorded for mix.ses).
 TEST_F(SweepTest, LeavesOutTheSessionsAndGathersTheirRecordingsFolders) {
