@@ -33,8 +33,6 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     const QString song = f.write("song.ses", session);
     const QString odd = f.write("song.bak", session);
     const QString notSession = f.write("wave.ses", "RIFF....WAVEfmt ");
-    const QByteArray cool = SesWriter().version("Cool Edit 96").bytes();
-    const QByteArray empty = SesWriter().version("Audition 2.0").bytes();
     ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media"));
     const QString project =
         f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n");
@@ -58,21 +56,13 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     } rows[] = {
         {{}, 1, "", "usage: tidewick-cli media"},
         {{"--help"}, 0, "usage: tidewick-cli media", ""},
-        {{"frobnicate"}, 1, "", "unknown command 'frobnicate'"},
-        {{"media"}, 1, "", "usage: tidewick-cli media"},
         {{"media", song}, 0, media, ""},
-        {{"media", f.write("SONG.SES", session)}, 0, media, ""},  // the extension in any case
         {{"media", odd}, 1, "", "cannot tell the kind"},
-        {{"media", odd, "--kind", "ses"}, 0, media, ""},
-        {{"media", song, "--fast"}, 1, "", "unexpected argument '--fast'"},
         {{"media", "--verbose", song}, 0, media, "version: Audition 3.0\n"},
         {{"media", "--verbose", project}, 0, "", "record folder: " + recordFolder + "\n"},
         {{"media", f.dir.filePath("missing.ses")}, 1, "", "no such file"},
-        {{"media", notSession, "--kind", "wav"}, 1, "", "unknown kind 'wav'"},
         {{"media", notSession}, 2, "", "does not appear to be a valid session file"},
-        {{"media", f.write("old.ses", cool)}, 2, "", "Cool Edit 96 is not currently supported"},
         {{"media", f.write("broken.ses", session.left(40))}, 2, "", "File Error: An error"},
-        {{"media", f.write("empty.ses", empty)}, 0, "", ""},
 
         {{"scan", here, "--kind", "ses", "--session", "mix.ses"},
          0,
@@ -80,11 +70,9 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
              used + '\n',
          ""},
         {{"scan", "--kind", "ses", "--all"}, 1, "", "usage: tidewick-cli scan"},
-        {{"scan", here, "--kind", "ses"}, 1, "", "usage: tidewick-cli scan"},
         {{"scan", here, "--kind", "wav", "--all"}, 1, "", "unknown kind 'wav'"},
         {{"scan", here, "--kind", "ses", "--all", "--type", "24"}, 1, "", "from 0 to 23"},
         {{"scan", here, "--kind", "sesx", "--all", "--sub-folder", "A"}, 1, "", "needs --kind rpp"},
-        {{"scan", here, "--kind", "ses", "--all", "--fast"}, 1, "", "unexpected argument '--fast'"},
         {{"scan", "/no/such/folder", "--kind", "ses", "--all"}, 1, "", "no such folder: /no/"},
         {{"scan", here, "--kind", "rpp", "--all"}, 1, "", "no *.rpp files"},
         {{"scan", here, "--kind", "ses", "--session", "song.ses"}, 1, "", "no session file"},

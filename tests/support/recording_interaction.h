@@ -21,7 +21,6 @@ public:
     }
     void setBusyPointer(bool busy) override {
         busyPointer = busy;
-        pointerChanges.append(busy);
     }
     void processEvents() override {
         if (busyPointer && whileBusy) {
@@ -42,7 +41,6 @@ public:
 
     QList<MessageBoxRequest> messages;
     QList<MessageAnswer> answers;  // given out in order
-    QList<bool> pointerChanges;
     QList<FolderRequest> folderRequests;
     QStringList folderAnswers;  // chosen folders, given out in order; empty text is a cancel
     bool busyPointer = false;

@@ -3,7 +3,6 @@
 #include "support/recording_interaction.h"
 #include "sweep/check_list_model.h"
 #include "sweep/main_form.h"
-#include "sweep/media_types.h"
 
 namespace tidewick {
 namespace {
@@ -11,10 +10,6 @@ namespace {
 TEST(VersionCaption, WritesTheRevisionStraightAfterTheMinorVersion) {
     EXPECT_EQ(versionCaption("Tidewick", 6, 0, 0), "Tidewick - Version 6.00");
     EXPECT_EQ(versionCaption("Tidewick", 2, 10, 11), "Tidewick - Version 2.1011");
-}
-
-TEST(MediaTypes, PatternListsSplitAtTheSemicolonAndDropTheBlank) {
-    EXPECT_EQ(splitPatternList("*.au;*.snd; "), QStringList({"*.au", "*.snd"}));
 }
 
 // A position stored for another screen (or damaged) would open the window out of sight: it
@@ -48,24 +43,19 @@ TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
 
 TEST(CheckList, FindsTheFirstExactLineTakesManyAtOnceAndRaisesItemCheckOnlyForTheUser) {
     CheckListModel list;
-    int insertions = 0;
-    QList<int> raised;
-    QObject::connect(&list, &QAbstractItemModel::rowsInserted, [&insertions] { ++insertions; });
+    QList<int> raised, inserted;
+    QObject::connect(&list, &QAbstractItemModel::rowsInserted, [&] { inserted << 1; });
     QObject::connect(&list, &CheckListModel::itemCheck, [&raised](int row) { raised << row; });
-    QList<CheckItem> items = {{"Take.wav", false}};
-    for (int row = 0; row < 100000; ++row) {
-        items.append({QStringLiteral("take%1.wav").arg(row % 50000), row % 2 == 0});
-    }
-    list.addItems(items);
-    EXPECT_EQ(insertions, 1);
-    EXPECT_EQ(list.indexOf("take49999.wav"), 50000);
+    list.addItems({{"Take.wav", false}, {"b.wav", true}, {"c.wav", false}, {"b.wav", false}});
+    EXPECT_EQ(inserted.size(), 1);
+    EXPECT_EQ(list.indexOf("b.wav"), 1);
     EXPECT_EQ(list.indexOf("TAKE.WAV"), -1);
     list.setChecked(2, true);
     list.setAllChecked(false);
     EXPECT_TRUE(list.setData(list.index(1), Qt::Checked, Qt::CheckStateRole));
     EXPECT_EQ(raised, QList<int>({1}));
     list.clear();
-    EXPECT_FALSE(list.contains("take1.wav"));
+    EXPECT_FALSE(list.contains("b.wav"));
 }
 
 TEST(Control, ANewValueRaisesClickAndTheSameValueDoesNot) {

@@ -80,88 +80,61 @@ protected:
     QStringList told;
 };
 
-// A saved path and the line it gives. {S} is the session folder, {X} a folder elsewhere and {C}
-// the current folder, each with its separator.
-struct PathCase {
-    const char* name;
-    SessionKindId kind;
-    bool trim;
-    const char *saved, *line;
-    QStringList files = {};  // on disk before the load
-};
-
-class Resolution : public SweepTest, public ::testing::WithParamInterface<PathCase> {
-protected:
-    void SetUp() override {
-        SweepTest::SetUp();
-        ASSERT_TRUE(QDir::setCurrent(current.path()));
-    }
-    void TearDown() override { QDir::setCurrent(previousCurrent); }
-
-    QString expand(QString text) const {
+// Each saved path and the line it gives, checked when the file exists. {S} is the session
+// folder, {X} a folder elsewhere and {C} the current folder, each with its separator. A drive
+// letter or a leading "\" names a root this machine lacks: never looked for.
+TEST_F(SweepTest, ResolvesEachPathAgainstTheSessionFolderAndTheDisk) {
+    QTemporaryDir elsewhere, current;
+    const QString previousCurrent = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(current.path()));
+    const auto expand = [&](QString text) {
         return text.replace("{S}", folder())
             .replace("{X}", elsewhere.path() + hostSeparator())
             .replace("{C}", current.path() + hostSeparator());
-    }
-
-    QTemporaryDir elsewhere;
-    QTemporaryDir current;
-    const QString previousCurrent = QDir::currentPath();
-};
-
-TEST_P(Resolution, ListsTheResolvedPathCheckedWhenTheFileExists) {
-    const PathCase& c = GetParam();
-    for (const QString& file : c.files) {
-        ASSERT_TRUE(test::writeFile(expand(file), "RIFF"));
-    }
-    writeSession("s" + ext(c.kind), c.kind, {expand(c.saved)});
-    SweepRequest r = request(c.kind, "s" + ext(c.kind));
-    r.trimFolders = c.trim;
-    EXPECT_EQ(used(r), QStringList{expand(c.line)});
-    EXPECT_TRUE(told.isEmpty());
-}
-
-// A drive letter or a leading "\" names a root this machine lacks: never looked for.
-const PathCase kPaths[] = {
-    {"BareName", Xml, false, "a.wav", "[x] a.wav", {"{S}a.wav"}},
-    {"BareNameMissing", Rpp, false, "gone.wav", "[ ] gone.wav"},
-    {"Relative", Sesx, false, "Audio\\a.wav", "[x] {S}Audio/a.wav", {"{S}Audio/a.wav"}},
-    {"Absolute", Veg, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
-    {"Drive", Rpp, false, "C:\\M\\a.wav", "[ ] C:/M/a.wav", {"{C}C:/M/a.wav", "{S}C:/M/a.wav"}},
-    {"Rooted", Xml, false, "\\Audio\\a.wav", "[ ] /Audio/a.wav"},
-    {"SesAbsolute", Ses, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
-    {"SesBareName", Ses, false, "a.wav", "[ ] a.wav", {"{S}a.wav", "{C}a.wav"}},
-    {"TrimKeeps", Ses, true, "E:\\o\\X_Recorded\\t", "[x] X_Recorded/t", {"{S}X_Recorded/t"}},
-    {"TrimDrive", Xml, true, "C:\\M\\a.wav", "[x] a.wav", {"{S}a.wav"}},
-    {"TrimAbsolute", Sesx, true, "{X}R/t.wav", "[ ] t.wav", {"{X}R/t.wav"}},
-};
-INSTANTIATE_TEST_SUITE_P(Table, Resolution, ::testing::ValuesIn(kPaths),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(TrimFolders, KeepsTheFileNameAndAFolderEndingInTheRecordFolder) {
-    struct Case {
-        const char *record, *path, *trimmed;
     };
-    for (const Case& c : {
-             Case{"_Recorded", "D:\\Audio\\Song_Recorded\\Take 1.wav", "Song_Recorded\\Take 1.wav"},
-             Case{"_Recorded", "D:\\Audio\\Take 1.wav", "Take 1.wav"},
-             Case{"_Recorded", "Take 1.wav", "Take 1.wav"},
-             Case{"_Recorded", "C:\\Take 1.wav", "Take 1.wav"},
-             Case{"_Recorded", "/home/u/song_RECORDED/t.wav", "song_RECORDED/t.wav"},
-             Case{"", "/home/u/Audio/t.wav", "Audio/t.wav"},
-         }) {
-        EXPECT_EQ(trimFolders(c.path, c.record), c.trimmed) << c.path << " with " << c.record;
+    const struct {
+        SessionKindId kind;
+        bool trim;
+        const char *saved, *line;
+        QStringList files;  // on disk before the load
+    } rows[] = {
+        {Xml, false, "a.wav", "[x] a.wav", {"{S}a.wav"}},
+        {Rpp, false, "gone.wav", "[ ] gone.wav", {}},
+        {Sesx, false, "Audio\\a.wav", "[x] {S}Audio/a.wav", {"{S}Audio/a.wav"}},
+        {Veg, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
+        {Rpp, false, "C:\\M\\a.wav", "[ ] C:/M/a.wav", {"{C}C:/M/a.wav", "{S}C:/M/a.wav"}},
+        {Xml, false, "\\Audio\\a.wav", "[ ] /Audio/a.wav", {}},
+        {Ses, false, "{X}b.wav", "[x] {X}b.wav", {"{X}b.wav"}},
+        {Ses, false, "a.wav", "[ ] a.wav", {"{S}a.wav", "{C}a.wav"}},
+        {Ses, true, "E:\\o\\X_Recorded\\t", "[x] X_Recorded/t", {"{S}X_Recorded/t"}},
+        {Ses, true, "/o/x_RECORDED/t", "[ ] x_RECORDED/t", {}},  // the record folder in any case
+        {Xml, true, "C:\\M\\a.wav", "[x] a.wav", {"{S}a.wav"}},
+        {Sesx, true, "{X}R/t.wav", "[ ] t.wav", {"{X}R/t.wav"}},
+    };
+    for (const auto& row : rows) {
+        for (const QString& file : row.files) {
+            ASSERT_TRUE(test::writeFile(expand(file), "RIFF"));
+        }
+        writeSession("s" + ext(row.kind), row.kind, {expand(row.saved)});
+        SweepRequest r = request(row.kind, "s" + ext(row.kind));
+        r.trimFolders = row.trim;
+        EXPECT_EQ(used(r), QStringList{expand(row.line)}) << row.saved;
+        for (const QString& file : row.files) {
+            QFile::remove(expand(file));
+        }
     }
+    EXPECT_TRUE(told.isEmpty());
+    QDir::setCurrent(previousCurrent);
 }
 
 TEST_F(SweepTest, EachExactTextIsListedOnceInFirstSeenOrder) {
-    writeSession("s.ses", Ses,
-                 {"C:\\Media\\a.wav", "C:\\Media\\b.wav", "C:\\Media\\a.wav", "c:\\media\\A.WAV"});
-    EXPECT_EQ(used(request(Ses, "s.ses")),
-              QStringList({"[ ] C:/Media/a.wav", "[ ] C:/Media/b.wav", "[ ] c:/media/A.WAV"}));
-    writeSession("s.xml", Xml, {"Audio\\a.wav", "Audio/a.wav", "a.wav", folder() + "a.wav"});
-    EXPECT_EQ(used(request(Xml, "s.xml")), QStringList({"[ ] " + folder() + "Audio/a.wav",
-                                                        "[ ] a.wav", "[ ] " + folder() + "a.wav"}));
+    // Letter case makes another line; "\\" and "/" make the same one.
+    const QStringList saved = {"Audio\\a.wav", "Audio/a.wav", "AUDIO/a.wav", "a.wav",
+                               folder() + "a.wav"};
+    writeSession("s.xml", Xml, saved);
+    EXPECT_EQ(used(request(Xml, "s.xml")),
+              QStringList({"[ ] " + folder() + "Audio/a.wav", "[ ] " + folder() + "AUDIO/a.wav",
+                           "[ ] a.wav", "[ ] " + folder() + "a.wav"}));
 }
 
 // An empty session adds no no-media line.
@@ -283,21 +256,16 @@ TEST_F(SweepTest, TheMediaTypeChoosesTheFilesAndOnlyAllFilesLetsPeakFilesIn) {
     }
 }
 
+// Whole folder, sessions listed, the one selected; the first and last session read.
 TEST(ScanRange, FollowsTheSelectionOrTheWholeListHoweverLongTheListIs) {
-    // Whole folder, sessions listed, the one selected; the first and last session read.
-    const int cases[][5] = {{0, 3, 1, 1, 1},
-                            {0, 3, -1, 0, -1},
-                            {1, 3, 1, 0, 2},
-                            {1, 0, -1, 0, -1},
-                            {0, 40000, 32768, 32768, 32768}};
+    const int cases[][5] = {
+        {0, 3, 1, 1, 1}, {0, 3, -1, 0, -1}, {1, 3, 1, 0, 2}, {0, 40000, 32768, 32768, 32768}};
     for (const auto& [whole, files, selected, first, last] : cases) {
         SweepRequest r;
         r.sessions = QStringList(files, "s.ses");
         r.selected = selected;
         r.wholeFolder = whole;
-        const ScanRange range = scanRange(r);
-        EXPECT_EQ(std::pair(range.first, range.last), std::pair(first, last))
-            << files << " files, " << selected << " selected";
+        EXPECT_EQ(std::pair(scanRange(r).first, scanRange(r).last), std::pair(first, last));
     }
 }
 
@@ -367,18 +335,6 @@ TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
               QStringList({"mixdown.wav", withSeparator(records.path()) + "other.wav"}));
 }
 
-// A REAPER project lists its other files through the sub-folder row, and a load stopped by a
-// failed read lists none: its session was read only in part.
-TEST_F(SweepTest, OnlyACompleteLoadOfAnAuditionOrVegasSessionListsOtherFiles) {
-    touch({"spare.wav"}, 3000);
-    for (const SessionKindId kind : {Ses, Xml, Sesx, Veg, Rpp}) {
-        writeSession("s" + ext(kind), kind, {"a.wav"});
-        const Sweep sweep = sweepFolder(request(kind, "s" + ext(kind)), fs);
-        EXPECT_EQ(sweep.others.contains(OtherFile{"spare.wav", 3000}), kind != Rpp);
-        QFile::remove(dir.filePath("s" + ext(kind)));
-    }
-}
-
 #ifdef Q_OS_UNIX
 // A pipe would block a read and /dev/zero would never end one: neither is listed as a session,
 // and one named outright is refused, by name, before it is opened.
@@ -420,14 +376,14 @@ TEST_F(SweepTest, NamesThatAreNoUtf8LeadBackToTheirFiles) {
 
 #endif
 
+// Counts with their frame's caption; bytes in the locale's grouping, also past 2 GB.
 TEST(SweepCaptions, CountTheLinesAndTheBytes) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     const QString caption = "Media File(s) Used  (NB: Files with a check mark exist on Disk)";
-    EXPECT_EQ(usedFrameText(0, false, false, "mix.ses"), caption);
     EXPECT_EQ(usedFrameText(1, true, false, "mix.ses"), "0 " + caption);
-    EXPECT_EQ(usedFrameText(3, false, false, "mix.ses"), "mix.ses: 3 " + caption);
+    EXPECT_EQ(usedFrameText(3, false, false, "mix.ses", true),
+              "Reading stopped: mix.ses: 3 " + caption);
     EXPECT_EQ(usedFrameText(3, false, true, "mix.xml"), " Multiple SES files: 3 " + caption);
-    EXPECT_EQ(unusedFrameText(0, 0), "Files to be Moved");
     EXPECT_EQ(unusedFrameText(2, 5), "Files to be Moved - [2/5]");
     EXPECT_EQ(sizesText(3221225472, 1024),
               "Listed Other Files: 3,221,225,472 bytes (3,072.00Mb) - Selected Other Files: "
