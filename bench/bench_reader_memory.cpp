@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <functional>
 
+#include "cli_program.h"
+
 extern char** environ;
 
 namespace {
@@ -77,11 +79,7 @@ QByteArray number(qint64 i) {
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QString cli = qEnvironmentVariable("TIDEWICK_CLI");
-    if (cli.isEmpty()) {
-        cli = QDir(app.applicationDirPath())
-                  .absoluteFilePath(QStringLiteral("../src/app/tidewick-cli"));
-    }
+    const QString cli = tidewick::bench::cliProgram();
     bool ok = false;
     qint64 megabytes = qEnvironmentVariableIntValue("TIDEWICK_MEMORY_MB", &ok);
     if (!ok || megabytes <= 0) {

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "cli_program.h"
 #include "session_folder.h"
 
 namespace {
@@ -40,11 +41,7 @@ double median(std::vector<double> values) {
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
-    QString cli = qEnvironmentVariable("TIDEWICK_CLI");
-    if (cli.isEmpty()) {
-        cli = QDir(app.applicationDirPath())
-                  .absoluteFilePath(QStringLiteral("../src/app/tidewick-cli"));
-    }
+    const QString cli = tidewick::bench::cliProgram();
     const tidewick::bench::SessionFolder folder(tidewick::bench::kFiles, true);
     const QString path = folder.dir.path();
     const QStringList scan = {QStringLiteral("scan"),      path,
