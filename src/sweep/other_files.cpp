@@ -180,6 +180,10 @@ private:
 
 }  // namespace
 
+QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {
+    return trimmed || GetParentFolderName(text).isEmpty() ? sessionFolder + text : text;
+}
+
 QString usedKey(const QString& name) {
     for (const QChar c : name) {
         if (c.unicode() >= 0x80) {
@@ -197,9 +201,7 @@ UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, boo
     const QString folder = withSeparator(sessionFolder);
     files_.reserve(lines.size());
     for (const QString& text : lines) {
-        // The file a line stands for, as the load looked for it.
-        const bool inSessionFolder = trimmed || GetParentFolderName(text).isEmpty();
-        files_.insert(usedKey(inSessionFolder ? folder + text : text));
+        files_.insert(usedKey(usedLineFile(text, folder, trimmed)));
         if (trimmed) {
             lines_.insert(usedKey(text));
         }

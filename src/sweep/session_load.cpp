@@ -120,17 +120,11 @@ void MainForm::UsedFiles_ItemCheck(int item) {
     if (item < 0 || item >= UsedFiles.count()) {
         return;
     }
-    const QString sessionFolder = withSeparator(SESFile.text());
-    const QString& path = UsedFiles.text(item);
-    bool exists = false;
-    if (path != NoMediaText || UsedFiles.count() != 1) {
-        if (TrimFoldersFlag || GetParentFolderName(path).isEmpty()) {
-            exists = FSO.FileExists(sessionFolder + path);
-        } else {
-            exists = FSO.FileExists(path);
-        }
-    }
-    UsedFiles.setChecked(item, exists);
+    const QString& text = UsedFiles.text(item);
+    const bool placeholder = text == NoMediaText && UsedFiles.count() == 1;
+    UsedFiles.setChecked(
+        item, !placeholder && FSO.FileExists(usedLineFile(text, withSeparator(SESFile.text()),
+                                                          TrimFoldersFlag)));
 }
 
 // The window's list views size their horizontal scroll range to their widest line themselves.

@@ -121,6 +121,11 @@ private:
     QSet<QString> files_, lines_, wavOwners_, mediaOwners_;
 };
 
+/// The file a used line stands for: a line without a folder part, or any line shortened by
+/// "Ignore Leading Folder names", names the file of that name under the session folder
+/// `sessionFolder` (with its separator); any other line is the path itself.
+QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed);
+
 /// A name as the used test compares it: upper-cased, accented letters in one form.
 QString usedKey(const QString& name);
 

@@ -62,8 +62,8 @@ Resolved resolvePath(const QString& readPath, SessionKindId kind, const QString&
         return {path, path, firstChar(readPath)};
     }
     if (GetParentFolderName(path).isEmpty()) {
-        return {path, sessionFolder + path,
-                sessionDrive};  // a bare name lives in the session folder
+        // A bare name lives in the session folder.
+        return {path, sessionFolder + path, sessionDrive};
     }
     if (!path.contains(u':') && !isPathSeparator(firstChar(path))) {
         return {sessionFolder + path, sessionFolder + path, sessionDrive};

@@ -38,15 +38,13 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n");
     const QString recordFolder = QFileInfo(project).absolutePath() + hostSeparator() + "Media";
 
-    // A folder to scan: mix.ses uses a.wav, old.ses uses b.wav, and wave.ses is no session.
+    // A folder to scan: mix.ses uses a.wav, and wave.ses is no session.
     const QString here = f.dir.filePath("scan");
     for (const char* name : {"a.wav", "b.wav", "b.pk"}) {
         ASSERT_TRUE(test::writeFile(here + '/' + name, "RIFF"));
     }
     const QString used = QString(here + "/a.wav").replace(u'/', hostSeparator());
     ASSERT_TRUE(test::writeFile(here + "/mix.ses", test::sessionBytes(SessionKindId::Ses, {used})));
-    ASSERT_TRUE(
-        test::writeFile(here + "/old.ses", test::sessionBytes(SessionKindId::Ses, {"b.wav"})));
     ASSERT_TRUE(test::writeFile(here + "/wave.ses", "RIFF....WAVEfmt "));
 
     const struct {
