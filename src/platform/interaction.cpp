@@ -7,4 +7,14 @@ MessageAnswer showOk(UserInteraction& ui, const QString& text, const QString& ti
     return ui.showMessage({text, title, icon, MessageButtons::Ok, MessageAnswer::Ok});
 }
 
+QString fileManagerCommand() {
+#if defined(Q_OS_WIN)
+    return QStringLiteral("explorer.exe /e,");
+#elif defined(Q_OS_MACOS)
+    return QStringLiteral("open");
+#else
+    return QStringLiteral("xdg-open");
+#endif
+}
+
 }  // namespace tidewick

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 // Everything the user is asked or told goes through UserInteraction, so the logic runs the same
 // behind the Qt window, behind the command line and behind a scripted stand-in in tests.
@@ -9,6 +10,10 @@ namespace tidewick {
 enum class MessageIcon { None, Information, Exclamation, Question, Critical };
 enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel, AbortRetryIgnore };
 enum class MessageAnswer { Ok, Cancel, Yes, No, Abort, Retry, Ignore };
+
+/// The buttons of the overwrite question, by their index: "&Yes", "Yes to &All", "&No",
+/// "&Cancel".
+enum class OverwriteAnswer : qint16 { Yes = 0, YesToAll = 1, No = 2, Cancel = 3 };
 
 /// One message box: its text (CR LF between lines), title, icon, buttons and default button.
 struct MessageBoxRequest {
@@ -43,7 +48,32 @@ public:
         Q_UNUSED(startFolder);
         return {};
     }
+
+    /// Asks whether a file already in the target may be overwritten: `message` names it, and the
+    /// button `focus` has the keyboard focus. Nothing when the question was closed without an
+    /// answer (by the window frame); without a window there is no answer.
+    virtual std::optional<OverwriteAnswer> askOverwrite(const QString& message,
+                                                        OverwriteAnswer focus) {
+        Q_UNUSED(message);
+        Q_UNUSED(focus);
+        return std::nullopt;
+    }
+
+    /// Opens `folder` in the desktop's file manager; false when that cannot be done.
+    virtual bool openFolder(const QString& folder) {
+        Q_UNUSED(folder);
+        return false;
+    }
+
+    /// Puts `text` on the clipboard; false when the clipboard refuses it.
+    virtual bool setClipboardText(const QString& text) {
+        Q_UNUSED(text);
+        return false;
+    }
 };
+
+/// The command that opens a folder in the desktop's file manager, as messages name it.
+QString fileManagerCommand();
 
 /// Shorthand for the common OK box.
 MessageAnswer showOk(UserInteraction& ui, const QString& text, const QString& title,

@@ -1,5 +1,4 @@
-#include <QLocale>
-
+#include "platform/number_text.h"
 #include "platform/path_text.h"
 #include "sweep/main_form.h"
 #include "sweep/size_cache.h"
@@ -10,21 +9,10 @@ namespace tidewick {
 
 namespace {
 
-// Numbers follow the user's locale: QLocale() is the system locale unless QLocale::setDefault
-// has fixed another, as the tests do. Digits are always grouped, also in locales such as "C"
-// that leave the separator out by default.
-QLocale numberLocale() {
-    QLocale locale;
-    locale.setNumberOptions(locale.numberOptions() & ~QLocale::OmitGroupSeparator);
-    return locale;
-}
-
-constexpr double kBytesPerMegabyte = 1048576.0;
-
 // "3,145,728 bytes (3.00Mb)"
-QString bytesAndMegabytes(const QLocale& locale, qint64 bytes) {
-    return locale.toString(bytes) + QStringLiteral(" bytes (") +
-           locale.toString(double(bytes) / kBytesPerMegabyte, 'f', 2) + QStringLiteral("Mb)");
+QString bytesAndMegabytes(qint64 bytes) {
+    return groupedNumber(bytes) + QStringLiteral(" bytes (") + megabyteText(bytes) +
+           QStringLiteral("Mb)");
 }
 
 }  // namespace
@@ -59,9 +47,8 @@ QString unusedFrameText(qsizetype checked, qsizetype listed) {
 }
 
 QString sizesText(qint64 listed, qint64 checked) {
-    const QLocale locale = numberLocale();
-    return QStringLiteral("Listed Other Files: ") + bytesAndMegabytes(locale, listed) +
-           QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(locale, checked);
+    return QStringLiteral("Listed Other Files: ") + bytesAndMegabytes(listed) +
+           QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(checked);
 }
 
 void MainForm::UpdateSelCounter() {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "fileops/file_operations.h"
+#include "fileops/move_run.h"
 #include "platform/file_system.h"
 #include "platform/interaction.h"
 #include "sweep/check_list_model.h"
@@ -19,6 +21,7 @@
 namespace tidewick {
 
 class MainForm;
+class MoveForm;
 
 /// Where the main window's settings come from at load and go to at unload.
 class FormSettings {
@@ -113,7 +116,7 @@ public:
     CheckListModel UnusedFiles;
 
     // The values the window keeps.
-    FileSystem FSO;
+    FileOperations FSO;
     /// The session's recordings folder (see the session kinds); kept by TrimFolders.
     QString RecordFolder;
     /// True while every session of the folder is read at once ("Check All ... files").
@@ -191,6 +194,11 @@ public:
     void SubFolderButton_Click();
     void SubFolderName_GotFocus();
     void MoveButton_Click();
+    /// The move that "&Move Files" would start now.
+    MoveRequest moveRequest() const;
+    /// Shows the results window of a move, modal, and returns when it has closed; without it the
+    /// move runs to its end with no window.
+    std::function<void(MoveForm& form)> showMoveForm;
     /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
     /// The controls as a sweep request, and the window's answers to what a sweep reports.

@@ -13,7 +13,6 @@ void MainForm::UnusedFiles_DblClick() {}
 void MainForm::SubFolderCheck_Click() {}
 void MainForm::SubFolderButton_Click() {}
 void MainForm::SubFolderName_GotFocus() {}
-void MainForm::MoveButton_Click() {}
 void MainForm::UpdateSubFolder() {}
 void MainForm::GetRPPSubFolder() {}
 void MainForm::AddFolder() {}

@@ -26,6 +26,7 @@
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
 #include "ui/frame_style.h"
+#include "ui/move_window.h"
 #include "ui/twips.h"
 
 namespace tidewick {
@@ -110,6 +111,10 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
         }
     });
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
+    form_.showMoveForm = [this](MoveForm& move) {
+        MoveWindow results(move, this);
+        results.exec();
+    };
     connect(&form_, &MainForm::webPageRequested, this,
             [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
     // Escape closes the window from whichever control has the focus.
@@ -122,6 +127,7 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
 }
 
 MainWindow::~MainWindow() {
+    form_.showMoveForm = nullptr;
     // The folder model asks its icon provider for icons until it goes, so it goes first.
     delete folders_;
 }

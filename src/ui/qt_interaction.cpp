@@ -3,9 +3,15 @@
 #include <cstdio>
 
 #include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QProcess>
+#include <QUrl>
+
+#include "ui/move_window.h"
 
 #include <utility>
 
@@ -130,6 +136,40 @@ QString QtInteraction::browseForFolder(const QString& prompt, const QString& sta
     const QString start = QDir(startFolder).exists() ? startFolder : QString();
     const QString chosen = QFileDialog::getExistingDirectory(owner_, prompt, start);
     return chosen.isEmpty() ? QString() : QDir::toNativeSeparators(chosen);
+}
+
+std::optional<OverwriteAnswer> QtInteraction::askOverwrite(const QString& message,
+                                                           OverwriteAnswer focus) {
+    if (unattended_) {
+        std::fprintf(stderr, "%s\n", qUtf8Printable(message));
+        return std::nullopt;
+    }
+    OverwriteDialog dialog(message, focus, owner_);
+    const bool wasBusy = busy_;
+    setBusyPointer(false);
+    dialog.exec();
+    setBusyPointer(wasBusy);
+    return dialog.answer();
+}
+
+bool QtInteraction::openFolder(const QString& folder) {
+#ifdef Q_OS_WIN
+    // Explorer opens with its folder tree beside the folder.
+    return QProcess::startDetached(QStringLiteral("explorer.exe"),
+                                   {QStringLiteral("/e,"), QDir::toNativeSeparators(folder)});
+#else
+    return QDir(folder).exists() && QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+#endif
+}
+
+bool QtInteraction::setClipboardText(const QString& text) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    if (clipboard == nullptr) {
+        return false;
+    }
+    clipboard->clear();
+    clipboard->setText(text);
+    return clipboard->text() == text;
 }
 
 }  // namespace tidewick

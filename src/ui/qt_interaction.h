@@ -5,8 +5,8 @@
 
 #include "platform/interaction.h"
 
-// The user behind the Qt window: message boxes, the busy pointer, the event pump and the folder
-// picker.
+// The user behind the Qt window: message boxes, the busy pointer, the event pump, the folder
+// picker, the overwrite question, the file manager and the clipboard.
 namespace tidewick {
 
 class QtInteraction : public UserInteraction {
@@ -24,6 +24,10 @@ public:
     void setBusyPointer(bool busy) override;
     void processEvents() override;
     QString browseForFolder(const QString& prompt, const QString& startFolder) override;
+    std::optional<OverwriteAnswer> askOverwrite(const QString& message,
+                                                OverwriteAnswer focus) override;
+    bool openFolder(const QString& folder) override;
+    bool setClipboardText(const QString& text) override;
 
 private:
     QPointer<QWidget> owner_;

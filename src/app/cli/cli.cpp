@@ -7,9 +7,13 @@ namespace {
 const char* const kUsage =
     "usage: tidewick-cli media FILE [--kind ses|sesx|xml|rpp|veg] [--verbose]\n"
     "       tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH]\n"
+    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n"
+    "       tidewick-cli move FOLDER --kind K (--session NAME | --all) --to TARGET\n"
+    "                         [scan options] [--store-in-sub-folder] [--exclude PATTERN]...\n"
+    "                         [--only PATTERN]... [--overwrite no|yes] [--dry-run]\n"
     "  media   prints the media paths that a session file names, one a line\n"
-    "  scan    prints the used media and the files to be moved, as the window shows them\n";
+    "  scan    prints the used media and the files to be moved, as the window shows them\n"
+    "  move    moves the files to be moved to TARGET, their originals to the trash\n";
 
 }  // namespace
 
@@ -26,6 +30,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     if (command == QLatin1String("scan")) {
         return runScan(rest, out, err);
+    }
+    if (command == QLatin1String("move")) {
+        return runMove(rest, out, err);
     }
     err << "tidewick-cli: unknown command '" << command << "'\n" << kUsage;
     return UsageError;

@@ -7,7 +7,7 @@
 namespace tidewick::cli {
 
 /// Exit codes of every command.
-enum ExitCode : int { Success = 0, UsageError = 1, ReaderError = 2 };
+enum ExitCode : int { Success = 0, UsageError = 1, ReaderError = 2, MoveFailed = 4 };
 
 /// Runs the command line `arguments` (without the program name); output goes to `out`,
 /// messages to `err`. Returns the exit code.
@@ -20,5 +20,10 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// [--sub-folder PATH]`: the used media and the other files of a session folder, as the main
 /// window lists them, with the frame captions and the sizes line.
 int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
+/// `move FOLDER --kind K (--session NAME | --all) --to TARGET [scan options]
+/// [--store-in-sub-folder] [--exclude PATTERN]... [--only PATTERN]... [--overwrite no|yes]
+/// [--dry-run]`: moves the files to be moved, as the results window does, and prints its log.
+int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
 }  // namespace tidewick::cli

@@ -4,7 +4,7 @@
 #include <QJsonObject>
 
 #include "app/cli/cli.h"
-#include "app/cli/console_interaction.h"
+#include "app/cli/folder_scan.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
@@ -19,119 +19,6 @@ namespace {
 const char* const kScanUsage =
     "usage: tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
     "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n";
-
-// The console user, who also keeps count of the failures the load reports.
-class ScanInteraction : public ConsoleInteraction {
-public:
-    using ConsoleInteraction::ConsoleInteraction;
-
-    MessageAnswer showMessage(const MessageBoxRequest& request) override {
-        if (request.icon == MessageIcon::Critical || request.icon == MessageIcon::Exclamation) {
-            ++failures;
-        }
-        return ConsoleInteraction::showMessage(request);
-    }
-
-    int failures = 0;
-};
-
-struct ScanOptions {
-    QString folder;
-    const SessionKind* kind = nullptr;
-    QString session;
-    bool all = false;
-    bool trim = false;
-    int type = 0;
-    bool keepPeaks = false;
-    bool subFolderGiven = false;
-    QString subFolder;
-    bool json = false;
-};
-
-// Reads the arguments into `options`; on a mistake says what is wrong and returns false.
-bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTextStream& err) {
-    QString kindName;
-    bool sessionGiven = false;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString& argument = arguments[i];
-        const bool hasValue = i + 1 < arguments.size();
-        if (argument == QLatin1String("--all")) {
-            options.all = true;
-        } else if (argument == QLatin1String("--trim")) {
-            options.trim = true;
-        } else if (argument == QLatin1String("--keep-peaks")) {
-            options.keepPeaks = true;
-        } else if (argument == QLatin1String("--json")) {
-            options.json = true;
-        } else if (argument == QLatin1String("--kind") && hasValue) {
-            kindName = arguments[++i];
-        } else if (argument == QLatin1String("--session") && hasValue) {
-            options.session = arguments[++i];
-            sessionGiven = true;
-        } else if (argument == QLatin1String("--sub-folder") && hasValue) {
-            options.subFolder = arguments[++i];
-            options.subFolderGiven = true;
-        } else if (argument == QLatin1String("--type") && hasValue) {
-            bool number = false;
-            options.type = arguments[++i].toInt(&number);
-            if (!number || options.type < 0 || options.type > 23) {
-                err << "tidewick-cli scan: --type takes a media type from 0 to 23\n";
-                return false;
-            }
-        } else if (argument.startsWith(QLatin1String("--")) || !options.folder.isEmpty()) {
-            err << "tidewick-cli scan: unexpected argument '" << argument << "'\n" << kScanUsage;
-            return false;
-        } else {
-            options.folder = argument;
-        }
-    }
-    if (options.folder.isEmpty() || kindName.isEmpty() || sessionGiven == options.all) {
-        err << kScanUsage;
-        return false;
-    }
-    options.kind = sessionKindByCaption(kindName);
-    if (options.kind == nullptr) {
-        err << "tidewick-cli scan: unknown kind '" << kindName
-            << "'; use ses, sesx, xml, rpp or veg\n";
-        return false;
-    }
-    if (options.subFolderGiven && options.kind->id != SessionKindId::Rpp &&
-        options.kind->id != SessionKindId::Veg) {
-        err << "tidewick-cli scan: --sub-folder needs --kind rpp or veg, the kinds with a "
-               "sub-folder row\n";
-        return false;
-    }
-    return true;
-}
-
-// The request the window would make for these options: the tab switch gives the record
-// folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
-// row switched on with that folder.
-SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
-    const SessionKind& kind = *options.kind;
-    const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
-    SweepRequest request;
-    request.kind = &kind;
-    request.folder = folder;
-    request.sessions = sessionFiles(fs, folder, kind.sessionPattern);
-    request.wholeFolder = options.all;
-    request.selected = options.all ? (request.sessions.isEmpty() ? -1 : 0)
-                                   : int(request.sessions.indexOf(options.session));
-    request.trimFolders = options.trim;
-    request.recordFolder = projectKind ? folder : QStringLiteral("_Recorded");
-    if (options.all && kind.id == SessionKindId::Rpp) {
-        request.recordFolder.clear();
-    }
-    request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
-    request.peaksListed = options.type == 0;
-    request.keepPeaks = options.keepPeaks;
-    if (options.subFolderGiven) {
-        request.recordFolder = options.subFolder;
-        request.subFolderOn = true;
-        request.subFolder = options.subFolder;
-    }
-    return request;
-}
 
 // The captions of a scan as the window would show them, nothing checked.
 struct Captions {
@@ -192,37 +79,27 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
 
 int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     ScanOptions options;
-    if (!parseScanArguments(arguments, options, err)) {
+    bool json = false;
+    const auto jsonOption = [&json](const QStringList& all, qsizetype& at, bool&) {
+        json = all[at] == QLatin1String("--json");
+        return json;
+    };
+    if (!parseScanArguments(arguments, options, err, QStringLiteral("scan"), kScanUsage,
+                            jsonOption)) {
         return UsageError;
     }
-    const QFileInfo folderInfo(options.folder);
-    if (!folderInfo.isDir()) {
-        err << "tidewick-cli scan: no such folder: " << options.folder << '\n';
-        return UsageError;
+    int exitCode = UsageError;
+    const std::optional<FolderScan> scan =
+        scanFolder(options, err, QStringLiteral("scan"), exitCode);
+    if (!scan) {
+        return exitCode;
     }
-    const FileSystem fs;
-    const SweepRequest request = scanRequest(options, folderInfo.absoluteFilePath(), fs);
-    if (request.selected < 0) {
-        if (options.all) {
-            err << "tidewick-cli scan: no " << options.kind->sessionPattern << " files in "
-                << options.folder << '\n';
-        } else {
-            err << "tidewick-cli scan: no session file '" << options.session << "' in "
-                << options.folder << " (pattern " << options.kind->sessionPattern << ")\n";
-        }
-        return UsageError;
-    }
-
-    ScanInteraction ui(err);
-    SweepEvents events;
-    events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
-    const Sweep sweep = sweepFolder(request, fs, events);
-    if (options.json) {
-        printSweepJson(request, sweep, out);
+    if (json) {
+        printSweepJson(scan->request, scan->sweep, out);
     } else {
-        printSweep(request, sweep, out);
+        printSweep(scan->request, scan->sweep, out);
     }
-    return ui.failures > 0 ? ReaderError : Success;
+    return exitCode;
 }
 
 }  // namespace tidewick::cli

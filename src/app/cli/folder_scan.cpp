@@ -1,0 +1,152 @@
+#include "app/cli/folder_scan.h"
+
+#include <QFileInfo>
+
+#include "app/cli/cli.h"
+#include "app/cli/console_interaction.h"
+#include "sweep/media_types.h"
+
+namespace tidewick::cli {
+
+namespace {
+
+// The console user, who also keeps count of the failures the load reports.
+class ScanInteraction : public ConsoleInteraction {
+public:
+    using ConsoleInteraction::ConsoleInteraction;
+
+    MessageAnswer showMessage(const MessageBoxRequest& request) override {
+        if (request.icon == MessageIcon::Critical || request.icon == MessageIcon::Exclamation) {
+            ++failures;
+        }
+        return ConsoleInteraction::showMessage(request);
+    }
+
+    int failures = 0;
+};
+
+}  // namespace
+
+bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTextStream& err,
+                        const QString& command, const char* usage, const OwnOption& own) {
+    QString kindName;
+    bool sessionGiven = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString& argument = arguments[i];
+        const bool hasValue = i + 1 < arguments.size();
+        if (argument == QLatin1String("--all")) {
+            options.all = true;
+        } else if (argument == QLatin1String("--trim")) {
+            options.trim = true;
+        } else if (argument == QLatin1String("--keep-peaks")) {
+            options.keepPeaks = true;
+        } else if (argument == QLatin1String("--kind") && hasValue) {
+            kindName = arguments[++i];
+        } else if (argument == QLatin1String("--session") && hasValue) {
+            options.session = arguments[++i];
+            sessionGiven = true;
+        } else if (argument == QLatin1String("--sub-folder") && hasValue) {
+            options.subFolder = arguments[++i];
+            options.subFolderGiven = true;
+        } else if (argument == QLatin1String("--type") && hasValue) {
+            bool number = false;
+            options.type = arguments[++i].toInt(&number);
+            if (!number || options.type < 0 || options.type > 23) {
+                err << "tidewick-cli " << command << ": --type takes a media type from 0 to 23\n";
+                return false;
+            }
+        } else if (bool bad = false; own && own(arguments, i, bad)) {
+            if (bad) {
+                return false;
+            }
+        } else if (argument.startsWith(QLatin1String("--")) || !options.folder.isEmpty()) {
+            err << "tidewick-cli " << command << ": unexpected argument '" << argument << "'\n"
+                << usage;
+            return false;
+        } else {
+            options.folder = argument;
+        }
+    }
+    if (options.folder.isEmpty() || kindName.isEmpty() || sessionGiven == options.all) {
+        err << usage;
+        return false;
+    }
+    options.kind = sessionKindByCaption(kindName);
+    if (options.kind == nullptr) {
+        err << "tidewick-cli " << command << ": unknown kind '" << kindName
+            << "'; use ses, sesx, xml, rpp or veg\n";
+        return false;
+    }
+    if (options.subFolderGiven && options.kind->id != SessionKindId::Rpp &&
+        options.kind->id != SessionKindId::Veg) {
+        err << "tidewick-cli " << command
+            << ": --sub-folder needs --kind rpp or veg, the kinds with a "
+               "sub-folder row\n";
+        return false;
+    }
+    return true;
+}
+
+namespace {
+
+// The request the window would make for these options: the tab switch gives the record
+// folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
+// row switched on with that folder.
+SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
+    const SessionKind& kind = *options.kind;
+    const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
+    SweepRequest request;
+    request.kind = &kind;
+    request.folder = folder;
+    request.sessions = sessionFiles(fs, folder, kind.sessionPattern);
+    request.wholeFolder = options.all;
+    request.selected = options.all ? (request.sessions.isEmpty() ? -1 : 0)
+                                   : int(request.sessions.indexOf(options.session));
+    request.trimFolders = options.trim;
+    request.recordFolder = projectKind ? folder : QStringLiteral("_Recorded");
+    if (options.all && kind.id == SessionKindId::Rpp) {
+        request.recordFolder.clear();
+    }
+    request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
+    request.peaksListed = options.type == 0;
+    request.keepPeaks = options.keepPeaks;
+    if (options.subFolderGiven) {
+        request.recordFolder = options.subFolder;
+        request.subFolderOn = true;
+        request.subFolder = options.subFolder;
+    }
+    return request;
+}
+
+}  // namespace
+
+std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& err,
+                                     const QString& command, int& exitCode) {
+    exitCode = UsageError;
+    const QFileInfo folderInfo(options.folder);
+    if (!folderInfo.isDir()) {
+        err << "tidewick-cli " << command << ": no such folder: " << options.folder << '\n';
+        return std::nullopt;
+    }
+    const FileSystem fs;
+    FolderScan scan;
+    scan.request = scanRequest(options, folderInfo.absoluteFilePath(), fs);
+    if (scan.request.selected < 0) {
+        if (options.all) {
+            err << "tidewick-cli " << command << ": no " << options.kind->sessionPattern
+                << " files in " << options.folder << '\n';
+        } else {
+            err << "tidewick-cli " << command << ": no session file '" << options.session << "' in "
+                << options.folder << " (pattern " << options.kind->sessionPattern << ")\n";
+        }
+        return std::nullopt;
+    }
+    ScanInteraction ui(err);
+    SweepEvents events;
+    events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
+    scan.sweep = sweepFolder(scan.request, fs, events);
+    exitCode = ui.failures > 0 ? ReaderError : Success;
+    return scan;
+}
+
+}  // namespace tidewick::cli

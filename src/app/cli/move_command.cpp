@@ -1,0 +1,138 @@
+#include <QDir>
+#include <QFileInfo>
+
+#include "app/cli/cli.h"
+#include "app/cli/folder_scan.h"
+#include "fileops/move_run.h"
+#include "platform/path_text.h"
+#include "platform/wildcard.h"
+
+// `move`: what the window's "&Move Files" would move with the lines of "Files to be Moved"
+// checked, after the same scan as `scan`, by the same run as the results window, whose log it
+// prints.
+namespace tidewick::cli {
+
+namespace {
+
+const char* const kMoveUsage =
+    "usage: tidewick-cli move FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
+    "                         --to TARGET [--trim] [--type N] [--keep-peaks]\n"
+    "                         [--sub-folder PATH] [--store-in-sub-folder]\n"
+    "                         [--exclude PATTERN]... [--only PATTERN]...\n"
+    "                         [--overwrite no|yes] [--dry-run]\n";
+
+struct MoveOptions {
+    QString target;
+    bool storeInSubFolder = false;
+    QStringList excluded;
+    QStringList only;
+    OverwriteAnswer overwrite = OverwriteAnswer::No;
+    bool dryRun = false;
+};
+
+// The options of `move` beyond those of the scan.
+OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
+    return [&options, &err](const QStringList& arguments, qsizetype& at, bool& bad) {
+        const QString& argument = arguments[at];
+        if (argument == QLatin1String("--store-in-sub-folder")) {
+            options.storeInSubFolder = true;
+        } else if (argument == QLatin1String("--dry-run")) {
+            options.dryRun = true;
+        } else if (at + 1 >= arguments.size()) {
+            return false;
+        } else if (argument == QLatin1String("--to")) {
+            options.target = arguments[++at];
+        } else if (argument == QLatin1String("--exclude")) {
+            options.excluded.append(arguments[++at]);
+        } else if (argument == QLatin1String("--only")) {
+            options.only.append(arguments[++at]);
+        } else if (argument == QLatin1String("--overwrite")) {
+            const QString answer = arguments[++at];
+            bad = answer != QLatin1String("no") && answer != QLatin1String("yes");
+            if (bad) {
+                err << "tidewick-cli move: --overwrite takes no or yes\n";
+            }
+            options.overwrite =
+                answer == QLatin1String("yes") ? OverwriteAnswer::YesToAll : OverwriteAnswer::No;
+        } else {
+            return false;
+        }
+        return true;
+    };
+}
+
+bool matchesAny(const QString& text, const QStringList& patterns) {
+    const QString upper = text.toUpper();
+    return std::any_of(patterns.cbegin(), patterns.cend(), [&upper](const QString& pattern) {
+        return wildcardMatch(upper, pattern.toUpper());
+    });
+}
+
+MoveRequest moveRequest(const FolderScan& scan, const MoveOptions& options) {
+    MoveRequest request;
+    request.sessionFolder = scan.request.folder;
+    request.sessionFile = scan.request.sessions.value(scan.request.selected);
+    request.targetText = QDir::cleanPath(QFileInfo(options.target).absoluteFilePath());
+    request.storeInSubFolder = options.storeInSubFolder;
+    request.itemsMayBePaths = scan.request.kind->id == SessionKindId::Rpp;
+    request.excludeOn = !options.excluded.isEmpty();
+    request.excluded = options.excluded;
+    for (const OtherFile& file : scan.sweep.others) {
+        request.items.append(
+            {file.text, options.only.isEmpty() || matchesAny(file.text, options.only)});
+    }
+    return request;
+}
+
+void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& out) {
+    for (const MoveItem& item : request.items) {
+        if (item.checked) {
+            const PlannedMove planned = planMove(request, item.text, fs);
+            out << visibleText(planned.source) << " -> "
+                << (planned.excluded ? QStringLiteral("(excluded)")
+                                     : visibleText(planned.destination))
+                << '\n';
+        }
+    }
+}
+
+}  // namespace
+
+int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    ScanOptions scanOptions;
+    MoveOptions options;
+    if (!parseScanArguments(arguments, scanOptions, err, QStringLiteral("move"), kMoveUsage,
+                            moveOptions(options, err))) {
+        return UsageError;
+    }
+    if (options.target.isEmpty()) {
+        err << "tidewick-cli move: --to TARGET is missing\n" << kMoveUsage;
+        return UsageError;
+    }
+    int exitCode = UsageError;
+    const std::optional<FolderScan> scan =
+        scanFolder(scanOptions, err, QStringLiteral("move"), exitCode);
+    if (!scan || exitCode != Success) {
+        if (scan) {
+            err << "tidewick-cli move: nothing moved\n";
+        }
+        return exitCode;
+    }
+    const MoveRequest request = moveRequest(*scan, options);
+    FileOperations disk;
+    if (options.dryRun) {
+        printPlan(request, disk, out);
+        return Success;
+    }
+    MoveEvents events;
+    events.log = [&out](QString text) {
+        out << text.replace(kLogLineEnd, QStringLiteral("\n"));
+        out.flush();
+    };
+    events.askOverwrite = [&options](const QString&) { return options.overwrite; };
+    const MoveOutcome outcome = tidewick::runMove(request, disk, events);
+    out << '\n';
+    return outcome.failed ? MoveFailed : Success;
+}
+
+}  // namespace tidewick::cli

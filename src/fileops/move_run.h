@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+#include "fileops/file_operations.h"
+#include "platform/interaction.h"
+
+// One move as plain values: the files checked in "Files to be Moved" go to the target folder,
+// one by one in list order, each copied whole before its source goes to the trash, with a log
+// line for every file. The results window and the command line run it alike.
+namespace tidewick {
+
+/// One line of "Files to be Moved": the file's name after the sub-folder it was found in, or an
+/// absolute path, and whether it is checked.
+struct MoveItem {
+    QString text;
+    bool checked = false;
+};
+
+/// What to move, and where to.
+struct MoveRequest {
+    /// The session's folder, which holds the listed files.
+    QString sessionFolder;
+    /// The selected session's file name; its base name names the sub-folder of the target.
+    QString sessionFile;
+    /// The text of the target folder box.
+    QString targetText;
+    /// The files go into a sub-folder named after the session ("Store files in ...").
+    bool storeInSubFolder = false;
+    /// An item that names an existing file by itself is that file (the REAPER tab, whose record
+    /// folder may lie anywhere).
+    bool itemsMayBePaths = false;
+    /// The exclusion list applies, with these wildcard patterns.
+    bool excludeOn = false;
+    QStringList excluded;
+    QList<MoveItem> items;
+};
+
+/// The folder the files go to, as the log names it.
+QString moveTarget(const MoveRequest& request);
+
+/// Where one item of a move comes from and goes to, and whether the exclusion list keeps it.
+struct PlannedMove {
+    QString source;
+    QString destination;
+    bool excluded = false;
+};
+PlannedMove planMove(const MoveRequest& request, const QString& item, const FileSystem& disk);
+
+/// What a run reports while it goes on. Each may be left empty.
+struct MoveEvents {
+    /// Text to append to the log, line ends included.
+    std::function<void(const QString& text)> log;
+    /// A file of the same name is in the target: the question's text in, the answer out.
+    std::function<OverwriteAnswer(const QString& question)> askOverwrite;
+    /// Bytes done of the bytes to move.
+    std::function<void(qint64 done, qint64 total)> progress;
+};
+
+/// How a run ended.
+struct MoveOutcome {
+    /// Per item: copied, and its source gone.
+    QList<bool> moved;
+    /// Per item: what the log says of it after its name; empty for an item not checked.
+    QStringList results;
+    qint64 filesMoved = 0;
+    /// The sizes of the files copied, also of those whose source could not be removed.
+    qint64 bytesMoved = 0;
+    bool cancelled = false;
+    /// A copy or a removal failed (skipped and excluded files are no failures).
+    bool failed = false;
+};
+
+/// Runs the move of `request` on `disk`: the whole log from "Moving selected files to..." to
+/// "Finished ", told through `events`.
+MoveOutcome runMove(const MoveRequest& request, FileOperations& disk, const MoveEvents& events);
+
+/// The log's line ends.
+inline const QString kLogLineEnd = QStringLiteral("\r\n");
+
+/// The overwrite question for `destination`.
+QString overwriteQuestion(const QString& destination);
+
+/// The totals line: "Files Moved: 3 - Bytes Moved:  3,000 (0.00Mb)".
+QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved);
+
+/// The date and time as the log's "Commenced" and "Finished" lines write them.
+QString logTimestamp();
+
+}  // namespace tidewick

@@ -1,0 +1,28 @@
+#include "platform/number_text.h"
+
+#include <QLocale>
+
+namespace tidewick {
+
+namespace {
+
+// QLocale() is the system locale unless QLocale::setDefault has fixed another, as the tests do.
+QLocale numberLocale() {
+    QLocale locale;
+    locale.setNumberOptions(locale.numberOptions() & ~QLocale::OmitGroupSeparator);
+    return locale;
+}
+
+constexpr double kBytesPerMegabyte = 1048576.0;
+
+}  // namespace
+
+QString groupedNumber(qint64 number) {
+    return numberLocale().toString(number);
+}
+
+QString megabyteText(qint64 bytes) {
+    return numberLocale().toString(double(bytes) / kBytesPerMegabyte, 'f', 2);
+}
+
+}  // namespace tidewick

@@ -1,0 +1,77 @@
+#include <QDir>
+
+#include "fileops/move_form.h"
+#include "platform/path_text.h"
+#include "sweep/main_form.h"
+
+// "&Move Files": the checks and the confirmation before the results window runs the move, and
+// the reload of the session after it.
+namespace tidewick {
+
+MoveRequest MainForm::moveRequest() const {
+    MoveRequest request;
+    request.sessionFolder = SESFile.text();
+    request.sessionFile = SESFile.items().value(SESFile.listIndex());
+    request.targetText = TargetFolderName.text();
+    request.storeInSubFolder = StoreInSubFolderCheck.checked();
+    request.itemsMayBePaths = selectedTabKey() == QLatin1String("RPPFiles");
+    request.excludeOn = ExcludedCheck.checked();
+    request.excluded = ExcludedFiles;
+    for (int row = 0; row < UnusedFiles.count(); ++row) {
+        request.items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
+    }
+    return request;
+}
+
+void MainForm::MoveButton_Click() {
+    const MoveRequest request = moveRequest();
+    const auto checked = std::count_if(request.items.cbegin(), request.items.cend(),
+                                       [](const MoveItem& item) { return item.checked; });
+    if (checked == 0) {
+        showOk(ui(), QStringLiteral("You haven't selected any Other Files to move."),
+               QStringLiteral("Move Files"), MessageIcon::Information);
+        return;
+    }
+    // A target that is no whole path would depend on the program's current directory.
+    if (!QDir::isAbsolutePath(trimBlanks(request.targetText))) {
+        showOk(ui(),
+               QStringLiteral("Choose the folder to move the files to: the target folder must be "
+                              "a full path."),
+               QStringLiteral("Move Files"), MessageIcon::Exclamation);
+        return;
+    }
+    QString shownTarget = request.targetText;
+    if (request.storeInSubFolder) {
+        shownTarget += hostSeparator() + GetBaseName(request.sessionFile);
+    }
+    const QString crlf = QStringLiteral("\r\n");
+    const QString question =
+        QStringLiteral("Warning!  You are about to Move ") + QString::number(checked) +
+        QStringLiteral(" file(s) as follows:-") + crlf + crlf + QStringLiteral("From : \"") +
+        SESFile.text() + QLatin1Char('"') + crlf + QStringLiteral("To : \"") + shownTarget +
+        QLatin1Char('"') + crlf + crlf + QStringLiteral("Are you sure you wish to proceed?");
+    if (ui().showMessage({question, QStringLiteral("Move Selected Files"), MessageIcon::Question,
+                          MessageButtons::YesNo, MessageAnswer::No}) != MessageAnswer::Yes) {
+        return;
+    }
+
+    const QString session = request.sessionFile;
+    {
+        MoveForm form(ui(), FSO, request,
+                      showMoveForm ? MoveForm::Runner::Background : MoveForm::Runner::Inline);
+        if (showMoveForm) {
+            showMoveForm(form);
+        } else {
+            form.runToEnd();
+        }
+    }
+    // The lists show the folder as the move has left it.
+    UpdateSelCounter();
+    refreshSessionFiles();
+    const int index = int(SESFile.items().indexOf(session));
+    if (index >= 0) {
+        SESFile.setListIndex(index);
+    }
+}
+
+}  // namespace tidewick
