@@ -17,7 +17,7 @@ namespace {
 
 using test::SesWriter;
 
-// Both commands against files on disk: what each call prints on either stream and its exit
+// Each command against files on disk: what each call prints on either stream and its exit
 // code. An empty "out" or "err" cell means that stream stays empty; otherwise the output
 // starts with "out" and the error stream holds "err".
 TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
@@ -46,6 +46,10 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     const QString used = QString(here + "/a.wav").replace(u'/', hostSeparator());
     ASSERT_TRUE(test::writeFile(here + "/mix.ses", test::sessionBytes(SessionKindId::Ses, {used})));
     ASSERT_TRUE(test::writeFile(here + "/wave.ses", "RIFF....WAVEfmt "));
+    const QString old = f.dir.filePath("Old"), gone = f.dir.filePath("no/Old");
+    ASSERT_TRUE(QDir().mkpath(old));
+    qputenv("XDG_DATA_HOME", f.dir.filePath("data").toUtf8());
+    const QStringList move = {"move", here, "--kind", "ses", "--session", "mix.ses", "--to"};
 
     const struct {
         QStringList arguments;
@@ -79,6 +83,16 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          2,
          "used: ",
          "not appear to be a valid session"},
+
+        {move, 1, "", "usage: tidewick-cli move"},
+        {move + QStringList{old, "--overwrite", "maybe"}, 1, "", "--overwrite takes no or yes"},
+        {QStringList(move).replaceInStrings("mix.ses", "wave.ses") << old, 2, "", "nothing moved"},
+        {move + QStringList{old, "--only", "B.*", "--dry-run"}, 0,
+         here + "/b.wav -> " + old + "/b.wav\n" + here + "/b.pk -> " + old + "/b.pk\n", ""},
+        {move + QStringList{gone, "--only", "b.pk"}, 4,
+         "Moving selected files to..." + gone + "\nCommenced ", ""},
+        {move + QStringList{old, "--only", "b.pk"}, 0,
+         "Moving selected files to..." + old + "\nCommenced ", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments.join(' ').toStdString());

@@ -19,9 +19,7 @@ public:
         messages.append(request);
         return answers.isEmpty() ? request.defaultButton : answers.takeFirst();
     }
-    void setBusyPointer(bool busy) override {
-        busyPointer = busy;
-    }
+    void setBusyPointer(bool busy) override { busyPointer = busy; }
     void processEvents() override {
         if (busyPointer && whileBusy) {
             std::exchange(whileBusy, nullptr)();
@@ -30,6 +28,12 @@ public:
     QString browseForFolder(const QString& prompt, const QString& startFolder) override {
         folderRequests.append({prompt, startFolder});
         return folderAnswers.isEmpty() ? QString() : folderAnswers.takeFirst();
+    }
+
+    std::optional<OverwriteAnswer> askOverwrite(const QString& message,
+                                                OverwriteAnswer focus) override {
+        overwriteQuestions.append({message, focus});
+        return overwriteAnswers.isEmpty() ? std::nullopt : overwriteAnswers.takeFirst();
     }
 
     /// One call of the folder picker: its prompt and start folder.
@@ -43,6 +47,10 @@ public:
     QList<MessageAnswer> answers;  // given out in order
     QList<FolderRequest> folderRequests;
     QStringList folderAnswers;  // chosen folders, given out in order; empty text is a cancel
+    /// The overwrite questions asked, each with the button that had the focus, and the answers
+    /// given in order (nothing is a question closed by its frame).
+    QList<std::pair<QString, OverwriteAnswer>> overwriteQuestions;
+    QList<std::optional<OverwriteAnswer>> overwriteAnswers;
     bool busyPointer = false;
     std::function<void()> whileBusy;
 };

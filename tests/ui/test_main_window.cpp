@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/cli/cli.h"
+#include "fileops/move_form.h"
 #include "settings/settings.h"
 #include "support/reader_fixture.h"  // prints texts in failures; writes sessions
 #include "support/recording_interaction.h"
@@ -152,6 +153,63 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     stream.flush();
     EXPECT_EQ(out, onScreen);
     EXPECT_TRUE(onScreen.contains("Files to be Moved - [0/4]")) << onScreen.toStdString();
+}
+
+// "&Move Files" through the window: the confirmation, the overwrite question with the focus on
+// the first answer of a program run, the results window that comes alive when its run is over,
+// and the session read again after it closes.
+TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndReadsTheSessionAgain) {
+    qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
+    QTemporaryDir target;
+    for (const char* name : {"a.wav", "b.wav", "c.wav"}) {
+        ASSERT_TRUE(test::writeFile(dir.filePath(name), QByteArray(1000, 'x')));
+    }
+    ASSERT_TRUE(test::writeFile(target.filePath("b.wav"), "old"));
+    ASSERT_TRUE(test::writeFile(dir.filePath("mix.sesx"),
+                                test::sessionBytes(SessionKindId::Sesx, {"a.wav"})));
+    run->form.pointBrowserAt(dir.path());
+    find<QTabBar>("FileTypeTab")->setCurrentIndex(1);
+    auto* sessions = find<QListView>("SESFile");
+    sessions->setCurrentIndex(sessions->model()->index(0, 0));
+    QAbstractItemModel* others = find<QListView>("UnusedFiles")->model();
+    for (int row : {0, 1}) {  // b.wav, c.wav
+        others->setData(others->index(row, 0), Qt::Checked, Qt::CheckStateRole);
+    }
+    auto* targetBox = find<QLineEdit>("TargetFolderName");
+    targetBox->clear();
+    QTest::keyClicks(targetBox, target.path());
+
+    run->ui.answers = {MessageAnswer::Yes};
+    run->ui.overwriteAnswers = {OverwriteAnswer::No};
+    QString log;
+    QTimer closer;  // the user, who reads the log and closes the window once they can
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        auto* results = run->window.findChild<QDialog*>("MoveForm");
+        auto* close = results ? results->findChild<QPushButton*>("CloseButton") : nullptr;
+        if (close != nullptr && close->isEnabled()) {
+            log = results->findChild<QPlainTextEdit*>("ResultsBox")->toPlainText();
+            close->click();
+        }
+    });
+    closer.start(20);
+    find<QAbstractButton>("MoveButton")->click();
+
+    EXPECT_EQ(run->ui.messages.value(0).text,
+              "Warning!  You are about to Move 2 file(s) as follows:-\r\n\r\nFrom : \"" +
+                  dir.path() + "\"\r\nTo : \"" + target.path() +
+                  "\"\r\n\r\nAre you sure you wish to proceed?");
+    EXPECT_EQ(
+        run->ui.overwriteQuestions,
+        (QList<std::pair<QString, OverwriteAnswer>>{
+            {"File '" + target.filePath("b.wav") + "' Already Exists.  Overwrite Existing File?",
+             OverwriteAnswer::Yes}}));
+    const QString from = "Moving..." + dir.path() + '/';
+    EXPECT_TRUE(log.contains(from + "b.wavSkipped\n" + from +
+                             "c.wav...OK - 1,000 bytes moved.\n\n" +
+                             "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)\n"))
+        << log.toStdString();
+    EXPECT_EQ(shown("Unused"), "unused: Files to be Moved - [0/1]\n[ ] b.wav\n");
+    EXPECT_EQ(MoveForm::lastOverwriteAnswer, OverwriteAnswer::No);
 }
 
 }  // namespace
