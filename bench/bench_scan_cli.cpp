@@ -4,38 +4,19 @@
 // speed touches both alike; medians of each and the median of the pairs' ratios. The command
 // line program is found beside this benchmark's build folder, or at TIDEWICK_CLI.
 #include <QCoreApplication>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QProcess>
-#include <algorithm>
 #include <cstdio>
 #include <vector>
 
 #include "cli_program.h"
+#include "process_timing.h"
 #include "session_folder.h"
 
 namespace {
 
+using tidewick::bench::median;
+using tidewick::bench::timeRun;
+
 constexpr int kPairs = 9;
-
-// Wall seconds of one run of `program` with its output thrown away; negative on failure.
-double timeRun(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.setStandardOutputFile(QProcess::nullDevice());
-    QElapsedTimer timer;
-    timer.start();
-    process.start(program, arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0) {
-        return -1;
-    }
-    return double(timer.nsecsElapsed()) / 1e9;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 }  // namespace
 

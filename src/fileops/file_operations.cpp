@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "fileops/home_trash.h"
 #include "platform/path_text.h"
 
 #ifdef Q_OS_UNIX
@@ -169,7 +170,9 @@ FileResult copyData(int in, int out, qint64 size, const FileOperations::Progress
         }
         offset = std::max(hole, data + 1);
     }
-    return ::ftruncate(out, size) == 0 ? FileResult() : lastError();
+    // A file that ends in a hole gets its length from the last data on.
+    const bool endsInHole = ::lseek(out, 0, SEEK_END) < size;
+    return !endsInHole || ::ftruncate(out, size) == 0 ? FileResult() : lastError();
 }
 
 // Writes the file `source` (described by `info`) under the new name `copy`.
@@ -342,6 +345,9 @@ FileResult FileOperations::moveToTrash(const QString& path) {
     if (!QDir().mkpath(trash + QStringLiteral("/files")) ||
         !QDir().mkpath(trash + QStringLiteral("/info"))) {
         return FileError{EACCES, QStringLiteral("Cannot create the trash folder ") + trash};
+    }
+    if (const std::optional<FileResult> done = moveToHomeTrash(path, trash)) {
+        return *done;
     }
 #endif
     errno = 0;

@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 #include <QDirIterator>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <csignal>
 #include <functional>
@@ -209,6 +210,15 @@ TEST_P(MoveCases, LogFolderAndTrashTellTheSameStory) {
     EXPECT_EQ(listing(song), c.left);
     EXPECT_EQ(listing(request.storeInSubFolder ? old : moveTarget(request)), c.target);
     EXPECT_EQ(QDir(trash).entryList(QDir::Files | QDir::System).size(), c.trashed);
+    // Each file in the trash has its record of where it was.
+    for (const QFileInfo& info : QDir(trash + "/../info").entryInfoList(QDir::Files)) {
+        QFile record(info.filePath());
+        ASSERT_TRUE(record.open(QIODevice::ReadOnly));
+        EXPECT_TRUE(QRegularExpression("^\\[Trash Info\\]\nPath=(" + song + "|" + old +
+                                       ")/[^/\n]+\nDeletionDate=\\d{4}-\\d\\d-\\d\\dT")
+                        .match(record.readAll())
+                        .hasMatch());
+    }
     EXPECT_EQ(outcome.failed, QString(c.log).contains("Error"));
 }
 

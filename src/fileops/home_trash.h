@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "fileops/file_operations.h"
+
+// The freedesktop trash in the user's data folder ("~/.local/share/Trash"), written directly for
+// a file on the same file system: a ".trashinfo" record that claims a name in "info", then one
+// rename into "files". That costs two small writes a file, where the general route through
+// QFile::moveToTrash looks up the mounted volumes for every file.
+namespace tidewick {
+
+/// Puts `path` into the trash folder `trash` (which holds "files" and "info"). Nothing when the
+/// home trash cannot take it this way (another file system; a system without an atomic
+/// no-replace rename), so that the general route is taken.
+std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash);
+
+}  // namespace tidewick
