@@ -127,6 +127,29 @@ TEST_F(MainWindowTest, EscapeCloseAndExitCloseTheWindowAndSaveTheSettings) {
     }
 }
 
+// The drive list holds the user's places, home first and no pseudo file system (the home of
+// this test may lie on one); the folder tree shows the folders of the chosen place.
+TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
+    const QByteArray realHome = qgetenv("HOME");
+    qputenv("HOME", dir.path().toUtf8());
+    ASSERT_TRUE(QDir(dir.path()).mkpath("Music"));
+    run = std::make_unique<Run>(storeFile);
+    qputenv("HOME", realHome);
+    auto* drives = find<QComboBox>("SESDrive");
+    EXPECT_EQ(drives->itemText(0), dir.path());
+    for (int index = 1; index < drives->count(); ++index) {
+        const QString place = drives->itemText(index), type = QStorageInfo(place).fileSystemType();
+        EXPECT_FALSE(QStringList({"proc", "sysfs", "tmpfs", "overlay"}).contains(type) ||
+                     place.startsWith("/boot") || place.startsWith("/run/user"))
+            << place.toStdString();
+    }
+    Q_EMIT drives->activated(0);
+    auto* tree = find<QTreeView>("SESDir");
+    EXPECT_EQ(tree->rootIndex().data(QFileSystemModel::FilePathRole).toString(), dir.path());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tree->model()->rowCount(tree->rootIndex()) == 1; }));
+    EXPECT_EQ(tree->model()->index(0, 0, tree->rootIndex()).data().toString(), "Music");
+}
+
 TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in
     // the recordings folder and z.sesx (never read) are the other files.
