@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QIcon>
 #include <QMainWindow>
 #include <QTimer>
 
@@ -29,6 +30,8 @@ int main(int argc, char* argv[]) {
         return QApplication::exec();
     }
 
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tidewick.svg")));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.tidewick.Tidewick"));
     tidewick::QSettingsStore store;
     tidewick::StoredSettings settings(store);
     tidewick::QtInteraction ui;
