@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
 #include <cstdio>
@@ -22,7 +23,8 @@ QString optionValue(const QStringList& arguments, const QString& option) {
 
 // Tidewick's desktop program. Four options serve development and are not for users:
 //   --quit-when-shown   ends the program as soon as its window has been shown (start-up timing)
-//   --empty-window      shows an empty main window instead (the start-up timing's baseline)
+//   --label-window      shows a main window with one label instead (the start-up timing's
+//                       baseline: a window that draws text, and so loads the fonts too)
 //   --screenshot FILE   saves a picture of the window to FILE, then closes it
 //   --select NAME       selects the session file NAME of the folder shown at start, which
 //                       loads it (for the pictures)
@@ -33,9 +35,10 @@ int main(int argc, char* argv[]) {
     const QString screenshot = optionValue(arguments, QStringLiteral("--screenshot"));
     const QString selected = optionValue(arguments, QStringLiteral("--select"));
 
-    if (arguments.contains(QStringLiteral("--empty-window"))) {
+    if (arguments.contains(QStringLiteral("--label-window"))) {
         QMainWindow window;
         window.setWindowTitle(tidewick::programName());
+        window.setCentralWidget(new QLabel(tidewick::programName()));
         window.show();
         if (quitWhenShown) {
             QTimer::singleShot(0, &app, &QCoreApplication::quit);
