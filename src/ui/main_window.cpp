@@ -17,7 +17,6 @@
 #include <QShortcut>
 #include <QStringListModel>
 #include <QTabBar>
-#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 #include <QUrl>
@@ -174,36 +173,17 @@ void MainWindow::createControls() {
 
 QTreeView* MainWindow::createFolderTree(QWidget* container) {
     auto* tree = new QTreeView(container);
-    tree->setHeaderHidden(true);
-    folderIcons_ = std::make_unique<NoFolderIcons>();
-    // A click reads the tree afresh before it opens the folder, once the click is over.
-    connect(tree, &QTreeView::clicked, this, [this, tree](const QModelIndex& index) {
-        QTimer::singleShot(0, this, [this, tree, folder = folders_->filePath(index)] {
-            readFolders(tree, folders_->rootPath());
-            form_.SESDir_Click(folder);
-        });
-    });
-    return tree;
-}
-
-void MainWindow::readFolders(QTreeView* tree, const QString& place) {
-    // The tree does not watch the disk: a watch costs the program's start and end tens of
-    // milliseconds. Like the folder list it stands for, it is read again when the user clicks
-    // it or picks another drive, which gives it a fresh model.
-    QFileSystemModel* old = folders_;
-    QItemSelectionModel* oldSelection = tree->selectionModel();
     folders_ = new QFileSystemModel(this);
+    folderIcons_ = std::make_unique<NoFolderIcons>();
     folders_->setIconProvider(folderIcons_.get());
-    folders_->setOption(QFileSystemModel::DontWatchForChanges);
     folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-    folders_->setRootPath(place);
     tree->setModel(folders_);
-    tree->setRootIndex(folders_->index(place));
+    tree->setHeaderHidden(true);
     for (int column = 1; column < folders_->columnCount(); ++column) {
         tree->hideColumn(column);
     }
-    delete oldSelection;
-    delete old;
+    connect(tree, &QTreeView::clicked, this,
+            [this](const QModelIndex& index) { form_.SESDir_Click(folders_->filePath(index)); });
     // Folders load in the background and are sorted after they arrive; the current one
     // comes into view once it is there, and again once its siblings are in order.
     const auto bringIntoView = [this, tree] {
@@ -215,6 +195,7 @@ void MainWindow::readFolders(QTreeView* tree, const QString& place) {
     };
     connect(folders_, &QFileSystemModel::directoryLoaded, tree, bringIntoView);
     connect(folders_, &QAbstractItemModel::layoutChanged, tree, bringIntoView);
+    return tree;
 }
 
 QTabBar* MainWindow::createTabStrip(Control& control, QWidget* container) {
@@ -423,7 +404,7 @@ void MainWindow::syncContent(Control& control, QWidget* widget) {
             break;
         }
         case ControlKind::FolderTree:
-            if (!control.text().isEmpty()) {
+            if (folders_ && !control.text().isEmpty()) {
                 auto* tree = static_cast<QTreeView*>(widget);
                 rootTreeAt(tree, placeHolds(form_.SESDrive.text(), control.text())
                                      ? form_.SESDrive.text()
@@ -450,8 +431,9 @@ void MainWindow::syncContent(Control& control, QWidget* widget) {
 
 void MainWindow::rootTreeAt(QTreeView* tree, const QString& place) {
     // The tree shows what lies in the chosen place, not the place itself.
-    if (!folders_ || folders_->rootPath() != place) {
-        readFolders(tree, place);
+    if (folders_->rootPath() != place) {
+        folders_->setRootPath(place);
+        tree->setRootIndex(folders_->index(place));
     }
 }
 

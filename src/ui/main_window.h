@@ -58,8 +58,6 @@ private:
     void syncTabStrip(Control& control, QWidget* widget);
     /// Shows the folders of `place` at the top of the folder tree.
     void rootTreeAt(QTreeView* tree, const QString& place);
-    /// Gives the folder tree a fresh model rooted at `place`.
-    void readFolders(QTreeView* tree, const QString& place);
     void syncWindow();
     void showAbout();
 };
