@@ -25,13 +25,9 @@ TEST(UserPlaces, AreHomeThenRootThenTheUsersDisksWithoutPseudoFileSystems) {
         }
         EXPECT_EQ(userPlaces(mounts, home, "me"), test::texts(places)) << home;
     }
-}
-
-TEST(PlaceOf, IsTheDeepestPlaceThatHoldsTheFolder) {
-    const QStringList places = {"/home/me", "/", "/media/me/Disk"};
-    EXPECT_EQ(placeOf(places, "/home/me/Music"), "/home/me");
-    EXPECT_EQ(placeOf(places, "/home/meg"), "/");
-    EXPECT_EQ(placeOf(places, "/media/me/Disk/x"), "/media/me/Disk");
+    // A folder belongs to the deepest place that holds it, by whole names.
+    EXPECT_EQ(placeOf({"/home/me", "/"}, "/home/meg"), "/");
+    EXPECT_EQ(placeOf({"/", "/media/me/Disk", "/media"}, "/media/me/Disk/x"), "/media/me/Disk");
 }
 
 }  // namespace

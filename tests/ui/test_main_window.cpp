@@ -143,7 +143,6 @@ TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
     }
     Q_EMIT drives->activated(0);
     auto* tree = find<QTreeView>("SESDir");
-    EXPECT_EQ(tree->rootIndex().data(QFileSystemModel::FilePathRole).toString(), dir.path());
     EXPECT_TRUE(QTest::qWaitFor([&] { return tree->model()->rowCount(tree->rootIndex()) == 1; }));
     EXPECT_EQ(tree->model()->index(0, 0, tree->rootIndex()).data().toString(), "Music");
 }
