@@ -1,6 +1,9 @@
 #include <QApplication>
+#include <QIcon>
+#include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
+#include <cstdio>
 
 #include "settings/settings.h"
 #include "settings/settings_store.h"
@@ -8,20 +11,34 @@
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
 
-// Tidewick's desktop program. Three options serve development and are not for users:
+namespace {
+
+// The value after `option` on the command line, or empty text.
+QString optionValue(const QStringList& arguments, const QString& option) {
+    const qsizetype at = arguments.indexOf(option);
+    return at > 0 ? arguments.value(at + 1) : QString();
+}
+
+}  // namespace
+
+// Tidewick's desktop program. Four options serve development and are not for users:
 //   --quit-when-shown   ends the program as soon as its window has been shown (start-up timing)
-//   --empty-window      shows an empty main window instead (the start-up timing's baseline)
+//   --label-window      shows a main window with one label instead (the start-up timing's
+//                       baseline: a window that draws text, and so loads the fonts too)
 //   --screenshot FILE   saves a picture of the window to FILE, then closes it
+//   --select NAME       selects the session file NAME of the folder shown at start, which
+//                       loads it (for the pictures)
 int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     const bool quitWhenShown = arguments.contains(QStringLiteral("--quit-when-shown"));
-    const qsizetype screenshotAt = arguments.indexOf(QStringLiteral("--screenshot"));
-    const QString screenshot = screenshotAt > 0 ? arguments.value(screenshotAt + 1) : QString();
+    const QString screenshot = optionValue(arguments, QStringLiteral("--screenshot"));
+    const QString selected = optionValue(arguments, QStringLiteral("--select"));
 
-    if (arguments.contains(QStringLiteral("--empty-window"))) {
+    if (arguments.contains(QStringLiteral("--label-window"))) {
         QMainWindow window;
         window.setWindowTitle(tidewick::programName());
+        window.setCentralWidget(new QLabel(tidewick::programName()));
         window.show();
         if (quitWhenShown) {
             QTimer::singleShot(0, &app, &QCoreApplication::quit);
@@ -29,6 +46,8 @@ int main(int argc, char* argv[]) {
         return QApplication::exec();
     }
 
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tidewick.svg")));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.tidewick.Tidewick"));
     tidewick::QSettingsStore store;
     tidewick::StoredSettings settings(store);
     tidewick::QtInteraction ui;
@@ -37,6 +56,15 @@ int main(int argc, char* argv[]) {
     ui.setOwner(&window);
     ui.setUnattended(quitWhenShown || !screenshot.isEmpty());
     window.load();
+    if (!selected.isEmpty()) {
+        const auto index = form.SESFile.items().indexOf(selected);
+        if (index < 0) {
+            std::fprintf(stderr, "tidewick: no session file %s in %s\n", qPrintable(selected),
+                         qPrintable(form.SESFile.text()));
+            return 1;
+        }
+        form.SESFile.setListIndex(static_cast<int>(index));
+    }
 
     if (!screenshot.isEmpty()) {
         QTimer::singleShot(500, &window, [&window, screenshot] {

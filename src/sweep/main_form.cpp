@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QStorageInfo>
 
+#include "platform/places.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 #include "sweep/size_cache.h"
@@ -199,25 +200,18 @@ void MainForm::connectEvents() {
 
 // The session browser.
 
-QStringList MainForm::mountedDrives() {
-    QStringList drives;
-    for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
-        if (volume.isValid() && volume.isReady() && !drives.contains(volume.rootPath())) {
-            drives.append(volume.rootPath());
-        }
+QString MainForm::driveOf(const QString& folder) const {
+    const QString place = placeOf(SESDrive.items(), folder);
+    if (!place.isEmpty()) {
+        return place;
     }
-    drives.sort();
-    return drives;
-}
-
-QString MainForm::driveOf(const QString& folder) {
-    const QStorageInfo volume(folder);
+    const QStorageInfo volume(folder);  // a drive that came after the list was made
     return volume.isValid() ? volume.rootPath() : QString();
 }
 
 void MainForm::pointBrowserAt(const QString& folder) {
     if (SESDrive.items().isEmpty()) {
-        SESDrive.setItems(mountedDrives());
+        SESDrive.setItems(drivePlaces());
     }
     SESDrive.setText(driveOf(folder));
     SESDir.setText(folder);

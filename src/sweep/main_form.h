@@ -150,10 +150,8 @@ public:
     void setSessionFilePattern(const QString& pattern);
     /// Lists the files of the session-file list's folder that match its pattern.
     void refreshSessionFiles();
-    /// The mounted drives, each by its root.
-    static QStringList mountedDrives();
-    /// The drive that holds `folder`.
-    static QString driveOf(const QString& folder);
+    /// The drive (on Linux and macOS: the place, see drivePlaces) that holds `folder`.
+    QString driveOf(const QString& folder) const;
 
     // Window events and commands.
     void Form_Load();

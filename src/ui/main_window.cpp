@@ -22,6 +22,7 @@
 #include <QUrl>
 
 #include "platform/path_text.h"
+#include "platform/places.h"
 #include "readers/session_kinds.h"
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
@@ -182,7 +183,6 @@ QTreeView* MainWindow::createFolderTree(QWidget* container) {
     folderIcons_ = std::make_unique<NoFolderIcons>();
     folders_->setIconProvider(folderIcons_.get());
     folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
-    folders_->setRootPath(QDir::rootPath());
     tree->setModel(folders_);
     tree->setHeaderHidden(true);
     for (int column = 1; column < folders_->columnCount(); ++column) {
@@ -412,6 +412,9 @@ void MainWindow::syncContent(Control& control, QWidget* widget) {
         case ControlKind::FolderTree:
             if (folders_ && !control.text().isEmpty()) {
                 auto* tree = static_cast<QTreeView*>(widget);
+                rootTreeAt(tree, placeHolds(form_.SESDrive.text(), control.text())
+                                     ? form_.SESDrive.text()
+                                     : QDir::rootPath());
                 const QModelIndex folder = folders_->index(control.text());
                 tree->setCurrentIndex(folder);
                 tree->scrollTo(folder);
@@ -429,6 +432,14 @@ void MainWindow::syncContent(Control& control, QWidget* widget) {
         case ControlKind::Menu:
         case ControlKind::MenuItem:
             break;
+    }
+}
+
+void MainWindow::rootTreeAt(QTreeView* tree, const QString& place) {
+    // The tree shows what lies in the chosen place, not the place itself.
+    if (folders_->rootPath() != place) {
+        folders_->setRootPath(place);
+        tree->setRootIndex(folders_->index(place));
     }
 }
 

@@ -56,6 +56,8 @@ private:
     void syncContent(Control& control, QWidget* widget);
     void syncFileList(Control& control, QWidget* widget);
     void syncTabStrip(Control& control, QWidget* widget);
+    /// Shows the folders of `place` at the top of the folder tree.
+    void rootTreeAt(QTreeView* tree, const QString& place);
     void syncWindow();
     void showAbout();
 };

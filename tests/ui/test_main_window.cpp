@@ -128,6 +128,26 @@ TEST_F(MainWindowTest, EscapeCloseAndExitCloseTheWindowAndSaveTheSettings) {
     }
 }
 
+// The drive list holds the user's places, home first and no pseudo file system (the home of
+// this test may lie on one); the folder tree shows the folders of the chosen place.
+TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
+    ASSERT_TRUE(QDir(dir.path()).mkpath("Music"));
+    const QByteArray realHome = qgetenv("HOME");
+    qputenv("HOME", dir.path().toUtf8());
+    run = std::make_unique<Run>(storeFile);
+    qputenv("HOME", realHome);
+    auto* drives = find<QComboBox>("SESDrive");
+    EXPECT_EQ(drives->itemText(0), dir.path());
+    for (int index = 1; index < drives->count(); ++index) {
+        const QString type = QStorageInfo(drives->itemText(index)).fileSystemType();
+        EXPECT_FALSE(QStringList({"proc", "sysfs", "tmpfs", "overlay"}).contains(type)) << index;
+    }
+    Q_EMIT drives->activated(0);
+    auto* tree = find<QTreeView>("SESDir");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return tree->model()->rowCount(tree->rootIndex()) == 1; }));
+    EXPECT_EQ(tree->model()->index(0, 0, tree->rootIndex()).data().toString(), "Music");
+}
+
 TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in
     // the recordings folder and z.sesx (never read) are the other files.
