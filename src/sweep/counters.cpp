@@ -64,6 +64,14 @@ QString sizesText(qint64 listed, qint64 checked) {
            QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(locale, checked);
 }
 
+QString stoppedText(const UsedMedia& used, qsizetype scanned) {
+    QString text = QStringLiteral("Reading stopped at \"") + used.stoppedAt + u'"';
+    if (scanned > 1) {
+        text += QStringLiteral(" (%1 of %2 sessions not read)").arg(used.unread).arg(scanned);
+    }
+    return text + QStringLiteral(": no other files are listed");
+}
+
 void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);
     const bool noMedia = UsedFiles.count() > 0 && UsedFiles.text(0) == NoMediaText;

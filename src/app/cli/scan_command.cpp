@@ -18,7 +18,9 @@ namespace {
 
 const char* const kScanUsage =
     "usage: tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n";
+    "                         [--trim] [--type N] [--keep-peaks] [--add-folder | --sub-folder "
+    "PATH]\n"
+    "                         [--json]\n";
 
 // The console user, who also keeps count of the failures the load reports.
 class ScanInteraction : public ConsoleInteraction {
@@ -43,6 +45,7 @@ struct ScanOptions {
     bool trim = false;
     int type = 0;
     bool keepPeaks = false;
+    bool addFolder = false;  // the sub-folder row switched on
     bool subFolderGiven = false;
     QString subFolder;
     bool json = false;
@@ -61,6 +64,8 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             options.trim = true;
         } else if (argument == QLatin1String("--keep-peaks")) {
             options.keepPeaks = true;
+        } else if (argument == QLatin1String("--add-folder")) {
+            options.addFolder = true;
         } else if (argument == QLatin1String("--json")) {
             options.json = true;
         } else if (argument == QLatin1String("--kind") && hasValue) {
@@ -95,18 +100,18 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             << "'; use ses, sesx, xml, rpp or veg\n";
         return false;
     }
-    if (options.subFolderGiven && options.kind->id != SessionKindId::Rpp &&
+    if ((options.addFolder || options.subFolderGiven) && options.kind->id != SessionKindId::Rpp &&
         options.kind->id != SessionKindId::Veg) {
-        err << "tidewick-cli scan: --sub-folder needs --kind rpp or veg, the kinds with a "
-               "sub-folder row\n";
+        err << "tidewick-cli scan: --add-folder and --sub-folder need --kind rpp or veg, the kinds "
+               "with a sub-folder row\n";
         return false;
     }
     return true;
 }
 
 // The request the window would make for these options: the tab switch gives the record
-// folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
-// row switched on with that folder.
+// folder and the sub-folder row their starting value, "Check All" empties the record folder for
+// REAPER, and --add-folder switches the row on.
 SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
     const SessionKind& kind = *options.kind;
     const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
@@ -125,11 +130,8 @@ SweepRequest scanRequest(const ScanOptions& options, const QString& folder, cons
     request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
     request.peaksListed = options.type == 0;
     request.keepPeaks = options.keepPeaks;
-    if (options.subFolderGiven) {
-        request.recordFolder = options.subFolder;
-        request.subFolderOn = true;
-        request.subFolder = options.subFolder;
-    }
+    request.subFolderOn = options.addFolder;
+    request.subFolder = projectKind ? folder : QString();
     return request;
 }
 
@@ -143,9 +145,32 @@ Captions captionsOf(const SweepRequest& request, const Sweep& sweep) {
     for (const OtherFile& file : sweep.others) {
         listed += file.size;
     }
+    const ScanRange range = scanRange(request);
     return {usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
                           request.sessions.value(request.selected), sweep.used.stopped),
-            unusedFrameText(0, sweep.others.size()), sizesText(listed, 0)};
+            unusedFrameText(0, sweep.others.size()),
+            sweep.used.stopped ? stoppedText(sweep.used, range.last - range.first + 1)
+                               : sizesText(listed, 0)};
+}
+
+// The folder chosen for the sub-folder row after the load, as its "Select Folder" button does:
+// its files join those of the load, each once, with the lines that lead to it.
+void addChosenFolder(const SweepRequest& request, const QString& chosen, Sweep& sweep,
+                     const FileSystem& fs) {
+    SweepRequest withFolder = request;
+    withFolder.subFolderOn = true;
+    withFolder.subFolder = chosen;
+    QStringList used, listed;
+    for (const UsedLine& line : sweep.used.lines) {
+        used.append(line.text);
+    }
+    for (const OtherFile& file : sweep.others) {
+        listed.append(file.text);
+    }
+    const QList<OtherFile> more =
+        listSubFolder(withFolder, UsedIndex(used, request.folder, request.trimFolders),
+                      sweep.used.recordFolder, fs);
+    sweep.others.append(otherFilesNotListed(listed, more, withSeparator(request.folder)));
 }
 
 void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
@@ -175,7 +200,7 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
     for (const OtherFile& file : sweep.others) {
         others.append(QJsonObject{{QStringLiteral("text"), file.text},
                                   {QStringLiteral("size"), file.size},
-                                  {QStringLiteral("path"), folder + file.text}});
+                                  {QStringLiteral("path"), otherFilePath(folder, file.text)}});
     }
     const QJsonObject document{
         {QStringLiteral("used"),
@@ -216,11 +241,20 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     ScanInteraction ui(err);
     SweepEvents events;
     events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
-    const Sweep sweep = sweepFolder(request, fs, events);
+    Sweep sweep = sweepFolder(request, fs, events);
+    if (options.subFolderGiven && !sweep.used.stopped) {
+        addChosenFolder(request, options.subFolder, sweep, fs);
+    }
     if (options.json) {
         printSweepJson(request, sweep, out);
     } else {
         printSweep(request, sweep, out);
+    }
+    if (sweep.used.stopped) {
+        const ScanRange range = scanRange(request);
+        err << "tidewick-cli scan: " << stoppedText(sweep.used, range.last - range.first + 1)
+            << '\n';
+        return ReaderError;
     }
     return ui.failures > 0 ? ReaderError : Success;
 }
