@@ -90,6 +90,10 @@ void MainForm::UpdateSizes() {
     // Each line's size comes from the listing that added it (or from the disk, once, for a line
     // added otherwise), so a change of check mark adds up cached numbers instead of asking the
     // disk about every listed file; UnusedFiles_ItemCheck reads the changed file again.
+    if (loadStopped_) {
+        InfoLabel.setText(stopNote_);  // nothing is listed, and the line says why
+        return;
+    }
     const SizeCache::Totals totals = sizeCache_->totals(withSeparator(SESDir.text()));
     InfoLabel.setText(sizesText(totals.listed, totals.checked));
 }
@@ -100,8 +104,20 @@ void MainForm::UnusedFiles_Click() {
 
 void MainForm::UnusedFiles_ItemCheck(int item) {
     // The file whose mark changed is looked at again: one that has vanished since the list was
-    // filled counts 0 from now on.
+    // filled counts 0 from now on. The mark may have changed by mouse or by keyboard: the
+    // counter follows either way.
     sizeCache_->forgetSize(item);
+    UpdateSelCounter();
+}
+
+void MainForm::Form_Activate() {
+    remeasureOtherFiles();
+}
+
+void MainForm::remeasureOtherFiles() {
+    // The sizes are kept between check marks for speed; files may have been changed or deleted
+    // behind the program's back while the user was elsewhere.
+    sizeCache_->forgetAll();
     UpdateSizes();
 }
 

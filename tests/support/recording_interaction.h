@@ -19,13 +19,15 @@ public:
         messages.append(request);
         return answers.isEmpty() ? request.defaultButton : answers.takeFirst();
     }
-    void setBusyPointer(bool busy) override {
-        busyPointer = busy;
-    }
+    void setBusyPointer(bool busy) override { busyPointer = busy; }
     void processEvents() override {
         if (busyPointer && whileBusy) {
             std::exchange(whileBusy, nullptr)();
         }
+    }
+    bool openFile(const QString& path) override {
+        opened.append(path);
+        return true;
     }
     QString browseForFolder(const QString& prompt, const QString& startFolder) override {
         folderRequests.append({prompt, startFolder});
@@ -43,6 +45,7 @@ public:
     QList<MessageAnswer> answers;  // given out in order
     QList<FolderRequest> folderRequests;
     QStringList folderAnswers;  // chosen folders, given out in order; empty text is a cancel
+    QStringList opened;         // files opened in the desktop's program for them
     bool busyPointer = false;
     std::function<void()> whileBusy;
 };
