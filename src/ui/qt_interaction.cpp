@@ -3,9 +3,11 @@
 #include <cstdio>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QUrl>
 
 #include <utility>
 
@@ -123,6 +125,10 @@ void QtInteraction::setBusyPointer(bool busy) {
 
 void QtInteraction::processEvents() {
     QCoreApplication::processEvents();
+}
+
+bool QtInteraction::openFile(const QString& path) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 QString QtInteraction::browseForFolder(const QString& prompt, const QString& startFolder) {
