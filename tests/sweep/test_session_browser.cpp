@@ -167,8 +167,7 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
     EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
     EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "1,024 bytes (0.00Mb)"));
     EXPECT_EQ(form.UnusedFilesBox.listIndex(), -1);
-    form.UnusedFiles_DblClick();  // no line is current
-    for (const int row : {1, 0}) {
+    for (const int row : {-1, 1, 0}) {  // no line current, a file, a file deleted meanwhile
         form.UnusedFilesBox.setListIndex(row);
         form.UnusedFiles_DblClick();
     }
