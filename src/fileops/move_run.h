@@ -30,8 +30,8 @@ struct MoveRequest {
     QString targetText;
     /// The files go into a sub-folder named after the session ("Store files in ...").
     bool storeInSubFolder = false;
-    /// An item that names an existing file by itself is that file (the REAPER tab, whose record
-    /// folder may lie anywhere).
+    /// An item that is a whole path naming an existing file is that file (the tabs with a
+    /// sub-folder row, whose folder may lie anywhere).
     bool itemsMayBePaths = false;
     /// The exclusion list applies, with these wildcard patterns.
     bool excludeOn = false;

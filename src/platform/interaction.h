@@ -37,6 +37,13 @@ public:
     /// Shows the busy (hourglass) pointer, or the default pointer again.
     virtual void setBusyPointer(bool busy) = 0;
 
+    /// Opens the file `path` in the desktop's program for it; false when that cannot be done.
+    /// Without a desktop nothing opens.
+    virtual bool openFile(const QString& path) {
+        Q_UNUSED(path);
+        return false;
+    }
+
     /// Lets pending window events run, at the points where a long operation allows it.
     virtual void processEvents() {}
 

@@ -1,6 +1,7 @@
 #include "sweep/check_list_model.h"
 
 #include "platform/path_text.h"
+#include "sweep/sweep.h"
 
 namespace tidewick {
 
@@ -42,6 +43,16 @@ void CheckListModel::setAllChecked(bool checked) {
     Q_EMIT dataChanged(index(0), index(count() - 1), {Qt::CheckStateRole});
 }
 
+void CheckListModel::invertChecks() {
+    if (items_.isEmpty()) {
+        return;
+    }
+    for (CheckItem& item : items_) {
+        item.checked = !item.checked;
+    }
+    Q_EMIT dataChanged(index(0), index(count() - 1), {Qt::CheckStateRole});
+}
+
 void CheckListModel::clear() {
     beginResetModel();
     items_.clear();
@@ -60,8 +71,10 @@ QVariant CheckListModel::data(const QModelIndex& index, int role) const {
     const CheckItem& line = items_.at(index.row());
     switch (role) {
         case Qt::DisplayRole:
-        case Qt::ToolTipRole:  // the whole line, also where the list is too narrow for it
             return visibleText(line.text);
+        case Qt::ToolTipRole:  // the whole line, also where the list is too narrow for it
+            return visibleText(tooltipFolder_.isEmpty() ? line.text
+                                                        : otherFilePath(tooltipFolder_, line.text));
         case Qt::CheckStateRole:
             return line.checked ? Qt::Checked : Qt::Unchecked;
         default:

@@ -40,6 +40,11 @@ public:
     void setChecked(int row, bool checked);
     /// Sets the check mark of every line by code; raises no itemCheck().
     void setAllChecked(bool checked);
+    /// Turns every line's check mark over, by code; raises no itemCheck().
+    void invertChecks();
+    /// Each line's tooltip is its whole text; with a folder set here (with its separator), the
+    /// whole path of the file that the line names in that folder.
+    void setTooltipFolder(const QString& folder) { tooltipFolder_ = folder; }
     void clear();
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -55,6 +60,7 @@ Q_SIGNALS:
 private:
     QList<CheckItem> items_;
     QHash<QString, int> firstRow_;
+    QString tooltipFolder_;
 };
 
 }  // namespace tidewick

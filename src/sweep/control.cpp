@@ -66,7 +66,8 @@ void Control::setItems(const QStringList& items) {
 }
 
 void Control::setListIndex(int index) {
-    if (index < -1 || index >= items_.size()) {
+    // A check-box list's lines live in its CheckListModel; its handlers check the index.
+    if (index < -1 || (kind_ != ControlKind::CheckList && index >= items_.size())) {
         index = -1;
     }
     if (listIndex_ != index) {

@@ -51,6 +51,14 @@ QString sizesText(qint64 listed, qint64 checked) {
            QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(checked);
 }
 
+QString stoppedText(const UsedMedia& used, qsizetype scanned) {
+    QString text = QStringLiteral("Reading stopped at \"") + used.stoppedAt + u'"';
+    if (scanned > 1) {
+        text += QStringLiteral(" (%1 of %2 sessions not read)").arg(used.unread).arg(scanned);
+    }
+    return text + QStringLiteral(": no other files are listed");
+}
+
 void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);
     const bool noMedia = UsedFiles.count() > 0 && UsedFiles.text(0) == NoMediaText;
@@ -69,6 +77,10 @@ void MainForm::UpdateSizes() {
     // Each line's size comes from the listing that added it (or from the disk, once, for a line
     // added otherwise), so a change of check mark adds up cached numbers instead of asking the
     // disk about every listed file; UnusedFiles_ItemCheck reads the changed file again.
+    if (loadStopped_) {
+        InfoLabel.setText(stopNote_);  // nothing is listed, and the line says why
+        return;
+    }
     const SizeCache::Totals totals = sizeCache_->totals(withSeparator(SESDir.text()));
     InfoLabel.setText(sizesText(totals.listed, totals.checked));
 }
@@ -79,8 +91,20 @@ void MainForm::UnusedFiles_Click() {
 
 void MainForm::UnusedFiles_ItemCheck(int item) {
     // The file whose mark changed is looked at again: one that has vanished since the list was
-    // filled counts 0 from now on.
+    // filled counts 0 from now on. The mark may have changed by mouse or by keyboard: the
+    // counter follows either way.
     sizeCache_->forgetSize(item);
+    UpdateSelCounter();
+}
+
+void MainForm::Form_Activate() {
+    remeasureOtherFiles();
+}
+
+void MainForm::remeasureOtherFiles() {
+    // The sizes are kept between check marks for speed; files may have been changed or deleted
+    // behind the program's back while the user was elsewhere.
+    sizeCache_->forgetAll();
     UpdateSizes();
 }
 

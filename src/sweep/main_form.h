@@ -191,6 +191,14 @@ public:
     void SubFolderCheck_Click();
     void SubFolderButton_Click();
     void SubFolderName_GotFocus();
+    /// Loads the selected session again, then gathers the sub-folder row's folder.
+    void UnusedListRefresh();
+    /// The window became the active one again: the listed files are measured afresh, as files
+    /// may have changed on disk meanwhile.
+    void Form_Activate();
+    /// Measures every line of UnusedFiles on disk again and shows the sizes; to be called before
+    /// a move or copy starts, so that it works from what the disk holds now.
+    void remeasureOtherFiles();
     void MoveButton_Click();
     /// The move that "&Move Files" would start now.
     MoveRequest moveRequest() const;
@@ -209,15 +217,20 @@ public:
 Q_SIGNALS:
     /// The control called `controlName` is to get the keyboard focus.
     void focusRequested(const QString& controlName);
+    /// The whole text of the text box called `controlName` is to be selected, so that typing
+    /// replaces it.
+    void textSelectionRequested(const QString& controlName);
 
 public:
     /// The frame captions with their counts, then UpdateSizes.
     void UpdateSelCounter();
     void UpdateSizes();
     void UpdateSubFolder();
-    /// After a REAPER load: the other files of the project folder and the sub-folder text.
+    /// After a REAPER load, whose sweep listed the project folder and the row's folder: the
+    /// record folder loses its double quotes, and SubFolderName shows the folder it names.
     void GetRPPSubFolder();
-    /// Gathers the files of the folder in SubFolderName into UnusedFiles.
+    /// With the sub-folder row on, gathers the files of the folder in SubFolderName into
+    /// UnusedFiles (those that no line leads to yet).
     void AddFolder();
     /// A media path reduced to its file name, or to the RecordFolder level and the file name.
     QString TrimFolders(const QString& fullFileName) const;
@@ -242,10 +255,16 @@ private:
     LoadGuard load_;
 
     void runSessionLoad();
-    /// The last load stopped at a read failure; the used frame's caption says so.
+    /// The last load stopped at a read failure; the used frame's caption says so, and the
+    /// information line says where (stopNote_).
     bool loadStopped_ = false;
+    QString stopNote_;
     /// Fills UnusedFiles with `files`.
     void showOtherFiles(const QList<OtherFile>& files);
+    /// Appends those of `files` that lead to a file no line of UnusedFiles leads to yet.
+    void appendOtherFiles(const QList<OtherFile>& files);
+    /// The lines of UsedFiles, for the used test of the other files.
+    UsedIndex usedIndex() const;
     void noteBrowserChange() {
         ++load_.browserChanges;
         loadStopped_ = false;

@@ -14,7 +14,7 @@ MoveRequest MainForm::moveRequest() const {
     request.sessionFile = SESFile.items().value(SESFile.listIndex());
     request.targetText = TargetFolderName.text();
     request.storeInSubFolder = StoreInSubFolderCheck.checked();
-    request.itemsMayBePaths = selectedTabKey() == QLatin1String("RPPFiles");
+    request.itemsMayBePaths = SubFolderCheck.visible();
     request.excludeOn = ExcludedCheck.checked();
     request.excluded = ExcludedFiles;
     for (int row = 0; row < UnusedFiles.count(); ++row) {
@@ -24,6 +24,7 @@ MoveRequest MainForm::moveRequest() const {
 }
 
 void MainForm::MoveButton_Click() {
+    remeasureOtherFiles();  // the sizes the user reads are those of the disk now
     const MoveRequest request = moveRequest();
     const auto checked = std::count_if(request.items.cbegin(), request.items.cend(),
                                        [](const MoveItem& item) { return item.checked; });

@@ -1,3 +1,5 @@
+#include <QDir>
+
 #include "platform/path_text.h"
 #include "platform/wildcard.h"
 #include "sweep/pattern_list.h"
@@ -17,6 +19,28 @@ bool isProjectKind(SessionKindId id) {
     return id == SessionKindId::Rpp || id == SessionKindId::Veg;
 }
 
+// A path in one spelling, without "." and ".." steps or doubled separators: "/s/x/../Audio/a"
+// and "/s/./Audio/a" are both "/s/Audio/a".
+QString cleanPath(const QString& path) {
+    return QDir::toNativeSeparators(QDir::cleanPath(path));
+}
+
+// Whether `path` begins at a root of this machine: "/" (or "\\", "C:" on Windows). Anything
+// else is taken in the session folder.
+bool isRooted(const QString& path) {
+    if (path.isEmpty()) {
+        return false;
+    }
+#ifdef Q_OS_WIN
+    if (path.size() >= 2 && path[1] == u':' && path[0].isLetter()) {
+        return true;
+    }
+    return isPathSeparator(path.front());
+#else
+    return path.front() == u'/';
+#endif
+}
+
 // One computation of the other files: the folders are listed one after another into one list,
 // in which no text stands twice.
 class OtherFilesListing {
@@ -34,61 +58,58 @@ public:
           peakSuffix_(QLatin1Char('.') + kind_.peakExtension) {}
 
     QList<OtherFile> run() {
-        const QString selected = request_.sessions.value(request_.selected);
         const bool whole = request_.wholeFolder;
-        if (kind_.id == SessionKindId::Rpp) {
-            const QString ignore = whole ? QStringLiteral("*.rpp") : selected;
-            addFolder({}, ignore);
-            const QString subFolder = trimBlanks(request_.subFolder);
-            if (request_.subFolderOn && fs_.FolderExists(subFolder)) {
-                idle();
-                addFolder(subFolder, ignore);
-            }
-        } else {
-            addFolder({}, whole ? kind_.sessionPattern : selected);
-        }
+        const QString selected = request_.sessions.value(request_.selected);
+        // The selected session, or with "Check All" every session of the kind ("*.rpp").
+        const QString sessionsToIgnore = whole ? kind_.sessionPattern : selected;
+        addFolder(sessionFolder_, {}, sessionsToIgnore);
         if (isAuditionKind(kind_.id)) {
             // Each scanned session's recordings folder: mix_Recorded for mix.ses.
             const ScanRange range = scanRange(request_);
             for (int i = range.first; i <= range.last; ++i) {
                 const QString recorded =
                     GetBaseName(request_.sessions.at(i)) + recordFolder_ + hostSeparator();
-                addFolder(recorded, whole ? QString() : selected);
+                addFolder(sessionFolder_ + recorded, recorded, whole ? QString() : selected);
             }
         }
-        if (request_.subFolderOn) {
-            addFolder(request_.subFolder,
-                      whole ? QStringLiteral("*.") + kind_.tabCaption.toLower() : selected);
-        }
+        addSubFolder(sessionsToIgnore);
+        return std::move(files_);
+    }
+
+    // The sub-folder row's folder, when the row is on; the lines begin with the folder as the
+    // row names it, so that each leads back to its file.
+    QList<OtherFile> runSubFolder() {
+        addSubFolder(request_.wholeFolder ? kind_.sessionPattern
+                                          : request_.sessions.value(request_.selected));
         return std::move(files_);
     }
 
 private:
-    // Adds the files of the session folder's sub-folder `subFolder` (the session folder itself
-    // when empty) that no session uses, leaving out names that match `sessionToIgnore`. In
-    // REAPER's sub-folder mode `subFolder` is a folder of its own, listed as it stands.
-    void addFolder(QString subFolder, const QString& sessionToIgnore) {
-        const bool reaperFolder = kind_.id == SessionKindId::Rpp && request_.subFolderOn &&
-                                  fs_.FolderExists(trimBlanks(withoutQuotes(recordFolder_)));
-        QString folder;
-        if (reaperFolder) {
-            // The folder's own path, with its separator, stands before each of its files.
-            if (!subFolder.isEmpty()) {
-                subFolder = withSeparator(subFolder);
-            }
-            folder = subFolder.isEmpty() ? sessionFolder_ : subFolder;
-        } else {
-            folder = sessionFolder_ + subFolder;
-            if (!fs_.FolderExists(folder)) {
-                return;  // a session without a recordings folder
-            }
+    void addSubFolder(const QString& sessionsToIgnore) {
+        if (!request_.subFolderOn) {
+            return;
         }
+        const QString folder = subFolderPath(sessionFolder_, request_.subFolder, fs_);
+        if (!folder.isEmpty()) {
+            idle();
+            addFolder(folder, withSeparator(trimBlanks(request_.subFolder)), sessionsToIgnore);
+        }
+    }
+
+    // Adds the files of the folder `named` (with its separator) that no session uses, leaving out
+    // names that match `sessionToIgnore`; each line is `prefix` and the name, a text that leads
+    // back to the file from the session folder. A folder listed already adds nothing: the
+    // sub-folder row may name the session folder itself, or REAPER's record folder may be the
+    // project's.
+    void addFolder(const QString& named, const QString& prefix, const QString& sessionToIgnore) {
+        const QString folder = withSeparator(cleanPath(named));
+        if (listedFolders_.contains(folder) || !fs_.FolderExists(folder)) {
+            return;  // a folder gathered already, or a session without a recordings folder
+        }
+        listedFolders_.insert(folder);
         const QList<FolderEntry> entries = fs_.listFiles(folder);
-        // Where the listed folder is the one a line's text names under the session folder, the
-        // listing's size is the line's size and needs no second look at the disk.
-        const bool listedSizesHold = sessionFolder_ + subFolder == folder;
         const QString ignoreUpper = sessionToIgnore.toUpper();
-        const QString folderKey = usedKey(candidatePath(subFolder, reaperFolder, {}));
+        const QString usedFolderKey = usedKey(folder);
 
         QList<const FolderEntry*> peakFiles;
         for (const FolderEntry& entry : entries) {
@@ -103,24 +124,22 @@ private:
             if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
                 continue;
             }
-            const QString nameKey = usedKey(entry.name);
             if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
                 continue;
             }
-            if (!used_.names(folderKey, entry.name, nameKey, recordFolder_)) {
-                add(subFolder + entry.name, entry, listedSizesHold);
+            if (!used_.names(usedFolderKey, entry.name, usedKey(entry.name), recordFolder_)) {
+                add(prefix + entry.name, entry);
             }
         }
         if (request_.peaksListed) {
-            addPeakFiles(subFolder, peakFiles, listedSizesHold);
+            addPeakFiles(prefix, peakFiles);
         }
     }
 
     // A peak file belongs to the used media of the same base name: song.pk to song.wav, and
     // for REAPER and Vegas song.wav.reapeaks to song.flac as well as to song.wav. Kept back
     // with "Keep Used ... Files", listed otherwise.
-    void addPeakFiles(const QString& subFolder, const QList<const FolderEntry*>& peakFiles,
-                      bool listedSizesHold) {
+    void addPeakFiles(const QString& prefix, const QList<const FolderEntry*>& peakFiles) {
         const bool secondTrim = isProjectKind(kind_.id);
         if (secondTrim) {
             idle();
@@ -133,31 +152,16 @@ private:
             if (request_.keepPeaks && used_.peakOwners(secondTrim).contains(base.toUpper())) {
                 continue;
             }
-            add(subFolder + entry->name, *entry, listedSizesHold);
+            add(prefix + entry->name, *entry);
         }
     }
 
-    void add(const QString& text, const FolderEntry& entry, bool listedSizesHold) {
-        if (texts_.contains(text)) {
-            return;
+    void add(const QString& text, const FolderEntry& entry) {
+        if (!texts_.contains(text)) {
+            texts_.insert(text);
+            files_.append({text, entry.size});  // the listing's size is the file's
         }
-        texts_.insert(text);
-        qint64 size = entry.size;
-        if (!listedSizesHold) {
-            size = qMax<qint64>(fs_.fileSize(sessionFolder_ + text), 0);
-        }
-        files_.append({text, size});
     }
-
-    // The path of the file `name` of the folder being listed, as a used line would name it.
-    QString candidatePath(const QString& subFolder, bool reaperFolder, const QString& name) const {
-        if (reaperFolder && !subFolder.isEmpty()) {
-            return subFolder + name;  // REAPER's own folder, listed as it stands
-        }
-        return sessionFolder_ + subFolder + name;
-    }
-
-    static QString withoutQuotes(QString text) { return text.remove(u'"'); }
 
     void idle() const {
         if (events_.idle) {
@@ -176,9 +180,59 @@ private:
     const QString peakSuffix_;
     QList<OtherFile> files_;
     QSet<QString> texts_;
+    QSet<QString> listedFolders_;
 };
 
 }  // namespace
+
+QString otherFilePath(const QString& sessionFolder, const QString& text) {
+    return isRooted(text) ? text : sessionFolder + text;
+}
+
+QList<OtherFile> otherFilesNotListed(const QStringList& listed, const QList<OtherFile>& more,
+                                     const QString& sessionFolder) {
+    const auto fileOf = [&sessionFolder](const QString& text) {
+        return cleanPath(otherFilePath(sessionFolder, text));
+    };
+    QSet<QString> files;
+    files.reserve(listed.size() + more.size());
+    for (const QString& text : listed) {
+        files.insert(fileOf(text));
+    }
+    QList<OtherFile> fresh;
+    for (const OtherFile& file : more) {
+        const QString path = fileOf(file.text);
+        if (!files.contains(path)) {
+            files.insert(path);
+            fresh.append(file);
+        }
+    }
+    return fresh;
+}
+
+QString subFolderPath(const QString& sessionFolder, const QString& text, const FileSystem& fs) {
+    const QString name = trimBlanks(text);
+    if (name.isEmpty()) {
+        return {};
+    }
+    const QString folder = withSeparator(otherFilePath(withSeparator(sessionFolder), name));
+    return fs.FolderExists(folder) ? folder : QString();
+}
+
+QString reaperSubFolder(const QString& recordFolder, const QString& projectFolder,
+                        const FileSystem& fs) {
+    const QString record = trimBlanks(QString(recordFolder).remove(u'"'));
+    const QString project = withSeparator(projectFolder);
+    // A relative record path is a folder of the project, never one of the program's current
+    // folder: that could be any folder, and its files would be offered for moving.
+    if (isRooted(record) && fs.FolderExists(record)) {
+        return record;
+    }
+    if (!record.isEmpty() && !isRooted(record) && fs.FolderExists(project + record)) {
+        return project + record;
+    }
+    return project;
+}
 
 QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {
     return trimmed || GetParentFolderName(text).isEmpty() ? sessionFolder + text : text;
@@ -201,7 +255,8 @@ UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, boo
     const QString folder = withSeparator(sessionFolder);
     files_.reserve(lines.size());
     for (const QString& text : lines) {
-        files_.insert(usedKey(usedLineFile(text, folder, trimmed)));
+        // "x/../take.wav" names the same file as "take.wav", and is compared as such.
+        files_.insert(usedKey(cleanPath(usedLineFile(text, folder, trimmed))));
         if (trimmed) {
             lines_.insert(usedKey(text));
         }
@@ -235,6 +290,11 @@ QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& us
                                 const QString& recordFolder, const FileSystem& fs,
                                 const SweepEvents& events) {
     return OtherFilesListing(request, used, recordFolder, fs, events).run();
+}
+
+QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,
+                               const QString& recordFolder, const FileSystem& fs) {
+    return OtherFilesListing(request, used, recordFolder, fs, {}).runSubFolder();
 }
 
 }  // namespace tidewick

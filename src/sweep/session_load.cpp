@@ -91,12 +91,16 @@ void MainForm::runSessionLoad() {
 
     UsedFilesBox.setListIndex(-1);
     loadStopped_ = sweep.used.stopped;
-    UpdateSelCounter();
-    if (!loadStopped_) {
-        UpdateSubFolder();
-        SetListHorizontalExtent(UsedFiles);
-        SetListHorizontalExtent(UnusedFiles);
+    if (loadStopped_) {
+        const ScanRange range = scanRange(request);
+        stopNote_ = stoppedText(sweep.used, range.last - range.first + 1);
+    } else if (request.kind->id == SessionKindId::Rpp && scanRange(request).last >= 0) {
+        GetRPPSubFolder();
     }
+    UpdateSelCounter();
+    UpdateSubFolder();
+    SetListHorizontalExtent(UsedFiles);
+    SetListHorizontalExtent(UnusedFiles);
     SESVersionLabel.setText(sweep.used.version);
     ui_.setBusyPointer(false);
     Main.setText(savedCaption);
@@ -114,6 +118,24 @@ void MainForm::showOtherFiles(const QList<OtherFile>& files) {
     }
     UnusedFiles.addItems(lines);
     sizeCache_->appendedSizes(withSeparator(SESDir.text()), sizes);
+    UnusedFiles.setTooltipFolder(withSeparator(SESDir.text()));
+}
+
+void MainForm::appendOtherFiles(const QList<OtherFile>& files) {
+    QStringList listed;
+    listed.reserve(UnusedFiles.count());
+    for (int row = 0; row < UnusedFiles.count(); ++row) {
+        listed.append(UnusedFiles.text(row));
+    }
+    const QString folder = withSeparator(SESDir.text());
+    QList<CheckItem> lines;
+    std::vector<qint64> sizes;
+    for (const OtherFile& file : otherFilesNotListed(listed, files, folder)) {
+        lines.append({file.text, false});
+        sizes.push_back(file.size);
+    }
+    UnusedFiles.addItems(lines);
+    sizeCache_->appendedSizes(folder, sizes);
 }
 
 void MainForm::UsedFiles_ItemCheck(int item) {

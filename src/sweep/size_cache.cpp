@@ -47,7 +47,7 @@ MainForm::SizeCache::Totals MainForm::SizeCache::totals(const QString& sessionFo
     for (int row = 0; row < unused_.count(); ++row) {
         qint64& size = sizes_[static_cast<size_t>(row)];
         if (size < 0) {
-            size = qMax<qint64>(fs_.fileSize(sessionFolder + unused_.text(row)), 0);
+            size = qMax<qint64>(fs_.fileSize(otherFilePath(sessionFolder, unused_.text(row))), 0);
         }
         totals.listed += size;
         if (unused_.isChecked(row)) {

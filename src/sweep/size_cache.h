@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <algorithm>
 #include <vector>
 
 #include "sweep/main_form.h"
@@ -23,13 +24,15 @@ public:
     void appendedSizes(const QString& sessionFolder, const std::vector<qint64>& sizes);
     /// Forgets the size of one line: it is read from the disk again at the next total.
     void forgetSize(int row);
+    /// Forgets every size: each line is read from the disk again at the next total.
+    void forgetAll() { std::fill(sizes_.begin(), sizes_.end(), -1); }
 
     struct Totals {
         qint64 listed = 0;
         qint64 checked = 0;
     };
     /// The sum of the sizes of all lines and of the checked lines. A line whose size is not
-    /// known is read now: its length when `sessionFolder` joined with it names a file, else 0.
+    /// known is read now: the length of the file it names (otherFilePath), 0 when it has none.
     Totals totals(const QString& sessionFolder);
 
 private:

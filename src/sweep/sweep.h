@@ -45,7 +45,9 @@ struct SweepRequest {
     bool peaksListed = true;
     /// The peak files of used media are kept back.
     bool keepPeaks = false;
-    /// The sub-folder row is switched on, with the folder it names.
+    /// The sub-folder row is switched on, with the folder it names: one of its own, or a folder
+    /// of the session folder when relative. A REAPER load replaces it with the project's record
+    /// folder (reaperSubFolder).
     bool subFolderOn = false;
     QString subFolder;
 };
@@ -73,6 +75,10 @@ struct UsedMedia {
     /// A read failed: the lines read before it stay, but the other files must not be computed
     /// from a session read only in part.
     bool stopped = false;
+    /// The session file at which reading stopped, and how many of the scanned ones, from it on,
+    /// were not read.
+    QString stoppedAt;
+    int unread = 0;
     /// The version text of the binary session read last; empty in whole-folder mode.
     QString version;
     /// The record folder once every REAPER project read has had its say.
@@ -126,6 +132,21 @@ private:
 /// `sessionFolder` (with its separator); any other line is the path itself.
 QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed);
 
+/// The file a line of "Files to be Moved" names: a line that begins at a root ("/rec/take.wav",
+/// gathered by the sub-folder row from a folder of its own) is that file; any other line lies in
+/// the session folder `sessionFolder` (with its separator).
+QString otherFilePath(const QString& sessionFolder, const QString& text);
+
+/// The folder, with its separator, that the sub-folder row names with `text` (blanks trimmed; a
+/// relative name is a folder of the session folder); empty when no such folder exists.
+QString subFolderPath(const QString& sessionFolder, const QString& text, const FileSystem& fs);
+
+/// The sub-folder text after a REAPER load: the record folder (double quotes removed) where it is
+/// an existing folder, else the project folder's existing sub-folder of that name, else the
+/// project folder (with its separator).
+QString reaperSubFolder(const QString& recordFolder, const QString& projectFolder,
+                        const FileSystem& fs);
+
 /// A name as the used test compares it: upper-cased, accented letters in one form.
 QString usedKey(const QString& name);
 
@@ -151,8 +172,19 @@ QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& us
                                 const QString& recordFolder, const FileSystem& fs,
                                 const SweepEvents& events = {});
 
+/// The files of the sub-folder row's folder alone that no line of `used` names, when the row
+/// is on and its folder exists; each line leads back to its file (otherFilePath).
+QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,
+                               const QString& recordFolder, const FileSystem& fs);
+
+/// Those of `more` that lead to a file that no line of `listed` leads to (otherFilePath, for the
+/// session folder `sessionFolder` with its separator): one folder may be named two ways.
+QList<OtherFile> otherFilesNotListed(const QStringList& listed, const QList<OtherFile>& more,
+                                     const QString& sessionFolder);
+
 /// A whole load: the used media, then the other files where the kind and the load call for
-/// them.
+/// them. A REAPER load lists its project folder and, with the sub-folder row on, the folder that
+/// reaperSubFolder gives for the record folder it settled on.
 struct Sweep {
     UsedMedia used;
     QList<OtherFile> others;
@@ -168,6 +200,9 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
 QString unusedFrameText(qsizetype checked, qsizetype listed);
 /// The information line: "Listed Other Files: 1,024 bytes (0.00Mb) - Selected Other Files: ...".
 QString sizesText(qint64 listed, qint64 checked);
+/// The information line after a load that stopped at a session it could not read, instead of
+/// the sizes: where it stopped, how many sessions were not read, and that no other files show.
+QString stoppedText(const UsedMedia& used, qsizetype scanned);
 
 /// The session files of `folder` that the session-file list shows for `pattern` ("*.ses"),
 /// sorted by name ignoring case: ordinary files and links to them, hidden ones included.

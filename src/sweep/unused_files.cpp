@@ -5,16 +5,22 @@
 namespace tidewick {
 
 void MainForm::UpdateUnusedFileSpec() {
+    if (loadStopped_) {
+        return;  // the media of a session read only in part are unknown: nothing is offered
+    }
+    ui_.setBusyPointer(true);
+    showOtherFiles(listOtherFiles(sweepRequest(), usedIndex(), RecordFolder, FSO, sweepEvents()));
+    ui_.setBusyPointer(false);
+    UnusedFilesBox.setListIndex(-1);
+}
+
+UsedIndex MainForm::usedIndex() const {
     QStringList used;
     used.reserve(UsedFiles.count());
     for (int row = 0; row < UsedFiles.count(); ++row) {
         used.append(UsedFiles.text(row));
     }
-    ui_.setBusyPointer(true);
-    showOtherFiles(listOtherFiles(sweepRequest(), UsedIndex(used, SESFile.text(), TrimFoldersFlag),
-                                  RecordFolder, FSO, sweepEvents()));
-    ui_.setBusyPointer(false);
-    UnusedFilesBox.setListIndex(-1);
+    return UsedIndex(used, SESFile.text(), TrimFoldersFlag);
 }
 
 void MainForm::KeepPKCheck_Click() {

@@ -89,6 +89,10 @@ public:
         const ScanRange range = scanRange(request_);
         for (int index = range.first; index <= range.last && !media_.stopped; ++index) {
             readSession(request_.sessions.at(index));
+            if (media_.stopped) {
+                media_.stoppedAt = request_.sessions.at(index);
+                media_.unread = range.last - index + 1;
+            }
         }
         if (request_.wholeFolder) {
             media_.version.clear();
@@ -207,7 +211,7 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     // The session folder is listed for the other files anyway; listed first, it also tells
     // which of the used files there exist, without a question to the disk for each.
     const ListedDisk disk(fs);
-    if (kind != SessionKindId::Rpp && !nothingSelected) {
+    if (!nothingSelected) {
         disk.listFiles(request.folder);
     }
     Sweep sweep;
@@ -216,17 +220,21 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     // nothing read, every file would look unused.
     const bool longExtension =
         !request.wholeFolder && sweep.used.lastExtension.size() > extensionLength(kind);
-    // REAPER projects list their other files through the sub-folder row.
-    if (sweep.used.stopped || nothingSelected || kind == SessionKindId::Rpp ||
-        (kind != SessionKindId::Ses && longExtension)) {
+    if (sweep.used.stopped || nothingSelected || (kind != SessionKindId::Ses && longExtension)) {
         return sweep;
+    }
+    SweepRequest listed = request;
+    if (kind == SessionKindId::Rpp) {
+        // The record folder the projects settled on is what the sub-folder row gathers.
+        sweep.used.recordFolder.remove(u'"');
+        listed.subFolder = reaperSubFolder(sweep.used.recordFolder, request.folder, disk);
     }
     QStringList texts;
     texts.reserve(sweep.used.lines.size());
     for (const UsedLine& line : sweep.used.lines) {
         texts.append(line.text);
     }
-    sweep.others = listOtherFiles(request, UsedIndex(texts, request.folder, request.trimFolders),
+    sweep.others = listOtherFiles(listed, UsedIndex(texts, request.folder, request.trimFolders),
                                   sweep.used.recordFolder, disk, events);
     return sweep;
 }

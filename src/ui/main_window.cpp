@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStringListModel>
+#include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QToolButton>
 #include <QTreeView>
@@ -76,6 +77,45 @@ public:
 // The page of the tab strip: a panel below the tabs, on which the session-file list lies.
 constexpr auto kTabPage = "FileTypeTabPage";
 
+// A check-box list gives every line the size of one (which keeps a list of many thousand lines
+// quick); that one is its widest line, so the list scrolls sideways to the end of every line.
+class WidestLineDelegate : public QStyledItemDelegate {
+public:
+    explicit WidestLineDelegate(QListView* view) : QStyledItemDelegate(view), view_(view) {
+        const QAbstractItemModel* model = view->model();
+        connect(model, &QAbstractItemModel::modelReset, this, [this] { widest_ = {-1, 0}; });
+        connect(model, &QAbstractItemModel::rowsInserted, this,
+                [this](const QModelIndex&, int first, int last) { measure(first, last); });
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const QModelIndex widest = index.siblingAtRow(widest_.row);
+        return QStyledItemDelegate::sizeHint(option, widest.isValid() ? widest : index);
+    }
+
+private:
+    // Runs after the view has heard of the new lines and before it lays them out.
+    void measure(int first, int last) {
+        if (widest_.row >= first) {
+            widest_.row += last - first + 1;
+        }
+        const QFontMetrics metrics = view_->fontMetrics();
+        const QAbstractItemModel* model = view_->model();
+        for (int row = first; row <= last; ++row) {
+            const int width = metrics.horizontalAdvance(model->index(row, 0).data().toString());
+            if (width > widest_.width) {
+                widest_ = {row, width};
+            }
+        }
+    }
+
+    QListView* view_;
+    struct {
+        int row = -1;
+        int width = 0;
+    } widest_;
+};
+
 }  // namespace
 
 MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), form_(form) {
@@ -109,6 +149,12 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
     connect(&form_, &MainForm::focusRequested, this, [this](const QString& controlName) {
         if (auto* widget = qobject_cast<QWidget*>(objects_.value(controlName))) {
             widget->setFocus();
+        }
+    });
+    connect(&form_, &MainForm::textSelectionRequested, this, [this](const QString& controlName) {
+        // After the click that brought the focus has placed the cursor.
+        if (auto* edit = qobject_cast<QLineEdit*>(objects_.value(controlName))) {
+            QMetaObject::invokeMethod(edit, &QLineEdit::selectAll, Qt::QueuedConnection);
         }
     });
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
@@ -259,6 +305,9 @@ QWidget* MainWindow::createWidget(Control& control, QWidget* container) {
             return new QLabel(container);
         case ControlKind::CheckBox: {
             auto* box = new QCheckBox(container);
+            // A check box that lies over another control hides it, as ScanAll hides the
+            // version label.
+            box->setAutoFillBackground(true);
             connect(box, &QCheckBox::clicked, &control, &Control::setChecked);
             return box;
         }
@@ -309,7 +358,12 @@ void MainWindow::bindList(Control& control, QWidget* widget) {
     view->setUniformItemSizes(true);  // keeps a list of many thousand lines quick
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    view->setItemDelegate(new WidestLineDelegate(view));
     view->viewport()->setMouseTracking(true);
+    connect(view->selectionModel(), &QItemSelectionModel::currentRowChanged, &control,
+            [&control](const QModelIndex& current) {
+                control.setListIndex(current.isValid() ? current.row() : -1);
+            });
     if (!used) {
         connect(view, &QListView::clicked, &form_, &MainForm::UnusedFiles_Click);
         connect(view, &QListView::doubleClicked, &form_, &MainForm::UnusedFiles_DblClick);
@@ -426,8 +480,16 @@ void MainWindow::syncContent(Control& control, QWidget* widget) {
         case ControlKind::TabStrip:
             syncTabStrip(control, widget);
             break;
+        case ControlKind::CheckList: {
+            auto* view = static_cast<QListView*>(widget);
+            if (control.listIndex() < 0) {
+                const QSignalBlocker selection(view->selectionModel());
+                view->selectionModel()->clearCurrentIndex();
+                view->viewport()->update();
+            }
+            break;
+        }
         case ControlKind::PictureButton:
-        case ControlKind::CheckList:
         case ControlKind::Window:
         case ControlKind::Menu:
         case ControlKind::MenuItem:
@@ -449,6 +511,13 @@ void MainWindow::syncWindow() {
     if (pos() != place.topLeft()) {
         move(place.topLeft());
     }
+}
+
+bool MainWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) {
+        form_.Form_Activate();
+    }
+    return QMainWindow::event(event);
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -32,6 +32,7 @@ public:
     QObject* controlObject(const QString& name) const { return objects_.value(name); }
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;

@@ -131,6 +131,10 @@ void QtInteraction::processEvents() {
     QCoreApplication::processEvents();
 }
 
+bool QtInteraction::openFile(const QString& path) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
 QString QtInteraction::browseForFolder(const QString& prompt, const QString& startFolder) {
     // A start folder that does not exist opens the picker at its own default place.
     const QString start = QDir(startFolder).exists() ? startFolder : QString();

@@ -23,6 +23,7 @@ public:
     MessageAnswer showMessage(const MessageBoxRequest& request) override;
     void setBusyPointer(bool busy) override;
     void processEvents() override;
+    bool openFile(const QString& path) override;
     QString browseForFolder(const QString& prompt, const QString& startFolder) override;
     std::optional<OverwriteAnswer> askOverwrite(const QString& message,
                                                 OverwriteAnswer focus) override;

@@ -74,7 +74,7 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {{"scan", "--kind", "ses", "--all"}, 1, "", "usage: tidewick-cli scan"},
         {{"scan", here, "--kind", "wav", "--all"}, 1, "", "unknown kind 'wav'"},
         {{"scan", here, "--kind", "ses", "--all", "--type", "24"}, 1, "", "from 0 to 23"},
-        {{"scan", here, "--kind", "sesx", "--all", "--sub-folder", "A"}, 1, "", "needs --kind rpp"},
+        {{"scan", here, "--kind", "sesx", "--all", "--sub-folder", "A"}, 1, "", "need --kind rpp"},
         {{"scan", "/no/such/folder", "--kind", "ses", "--all"}, 1, "", "no such folder: /no/"},
         {{"scan", here, "--kind", "rpp", "--all"}, 1, "", "no *.rpp files"},
         {{"scan", here, "--kind", "ses", "--session", "song.ses"}, 1, "", "no session file"},
@@ -82,7 +82,7 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {{"scan", here, "--kind", "ses", "--session", "wave.ses"},
          2,
          "used: ",
-         "not appear to be a valid session"},
+         "Reading stopped at \"wave.ses\""},
 
         {move, 1, "", "usage: tidewick-cli move"},
         {move + QStringList{old, "--overwrite", "maybe"}, 1, "", "--overwrite takes no or yes"},

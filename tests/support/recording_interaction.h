@@ -25,6 +25,10 @@ public:
             std::exchange(whileBusy, nullptr)();
         }
     }
+    bool openFile(const QString& path) override {
+        opened.append(path);
+        return true;
+    }
     QString browseForFolder(const QString& prompt, const QString& startFolder) override {
         folderRequests.append({prompt, startFolder});
         return folderAnswers.isEmpty() ? QString() : folderAnswers.takeFirst();
@@ -51,6 +55,7 @@ public:
     /// given in order (nothing is a question closed by its frame).
     QList<std::pair<QString, OverwriteAnswer>> overwriteQuestions;
     QList<std::optional<OverwriteAnswer>> overwriteAnswers;
+    QStringList opened;  // files opened in the desktop's program for them
     bool busyPointer = false;
     std::function<void()> whileBusy;
 };

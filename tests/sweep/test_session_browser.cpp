@@ -145,9 +145,9 @@ TEST_F(SessionFolderTest, ALoadNamesItsFileAndAChoiceMadeDuringItWaitsForItsEnd)
     EXPECT_FALSE(form.sessionLoadRunning());
 }
 
-// An other file's mark, set in the list, moves the counters; its size is that of the listing
-// until its mark changes, then it is measured again. A used line's mark snaps back to whether
-// its file exists.
+// An other file's mark, set in the list by mouse or keyboard or by the selection buttons, moves
+// the counters; sizes are those of the listing until the window is active again. A double-click
+// opens a listed file that exists. A used line's mark snaps back to whether its file exists.
 TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsedLines) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     writeSession("s.xml", SessionKindId::Xml, {});
@@ -158,12 +158,23 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
     form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Checked, Qt::CheckStateRole);
     EXPECT_EQ(form.InfoLabel.text(),
               sizes.arg("3,146,752 bytes (3.00Mb)", "3,145,728 bytes (3.00Mb)"));
-    form.UnusedFiles_Click();
     EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
     ASSERT_TRUE(QFile::remove(dir.filePath("a.wav")));
-    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Unchecked, Qt::CheckStateRole);
-    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Checked, Qt::CheckStateRole);
+    form.Form_Activate();
     EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "0 bytes (0.00Mb)"));
+    form.UnusedFilesBox.setListIndex(1);
+    form.SelectButton(2).click();
+    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
+    EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "1,024 bytes (0.00Mb)"));
+    EXPECT_EQ(form.UnusedFilesBox.listIndex(), -1);
+    for (const int row : {-1, 1, 0}) {  // no line current, a file, a file deleted meanwhile
+        form.UnusedFilesBox.setListIndex(row);
+        form.UnusedFiles_DblClick();
+    }
+    EXPECT_EQ(ui.opened, QStringList{folder() + "t.wav"});
+    EXPECT_EQ(ui.messages, QList<MessageBoxRequest>({{"The selected file could not be loaded into "
+                                                      "an asociated program.",
+                                                      "Launch Error"}}));
     QLocale::setDefault(QLocale::c());
 
     ASSERT_TRUE(writeFile(dir.filePath("Song_Recorded/t.wav")));
@@ -184,6 +195,52 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
         EXPECT_EQ(form.UsedFiles.isChecked(0), exists) << line.toStdString();
     }
     EXPECT_FALSE(ui.busyPointer);
+}
+
+// Checked without a session the row empties the list; browsing while it is off only changes its
+// folder; checked with a REAPER session it reloads it and gathers that folder. The store option
+// follows the selected session.
+TEST_F(SessionFolderTest, TheSubFolderRowGathersItsFolderAndTheStoreOptionFollowsTheSession) {
+    writeSession("mix.rpp", SessionKindId::Rpp, {});
+    ASSERT_TRUE(writeFile(dir.filePath("Rec/take.wav")));
+    form.UnusedFiles.addItem("old.wav");
+    form.SubFolderCheck.setChecked(true);
+    EXPECT_EQ(form.UnusedFiles.count(), 0);
+    EXPECT_EQ(form.StoreInSubFolderCheck.text(), "Store in sub-folder...");
+    EXPECT_FALSE(form.StoreInSubFolderCheck.enabled());
+    form.SubFolderCheck.setChecked(false);
+    form.TargetFolderName.setText("/old");
+    select("mix.rpp");
+    EXPECT_EQ(form.SubFolderName.text(), dir.path());
+    EXPECT_EQ(form.StoreInSubFolderCheck.text(),
+              "Store in sub-folder \"..." + folder().right(1) + "mix\"");
+    EXPECT_EQ(form.StoreInSubFolderCheck.tooltip(), "Sub-folder: /old" + folder().right(1) + "mix");
+    ui.folderAnswers = {dir.filePath("Rec")};
+    form.SubFolderButton.click();
+    EXPECT_EQ(form.RecordFolder, dir.filePath("Rec"));
+    EXPECT_EQ(form.UnusedFiles.count(), 0);
+    form.SubFolderCheck.setChecked(true);
+    ASSERT_EQ(form.UnusedFiles.count(), 1);
+    EXPECT_EQ(form.UnusedFiles.text(0), folder() + "Rec" + folder().right(1) + "take.wav");
+    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [0/1]");
+}
+
+// A "Check All" load that stops at a session it cannot read lists no other files, says where it
+// stopped, and a change of media type lists none either.
+TEST_F(SessionFolderTest, AStoppedLoadSaysWhereAndOffersNothing) {
+    writeSession("a.ses", SessionKindId::Ses, {"x.wav"});
+    ASSERT_TRUE(
+        writeFile(dir.filePath("b.ses"), sessionBytes(SessionKindId::Ses, {"y.wav"}).left(40)));
+    ASSERT_TRUE(writeFile(dir.filePath("c.ses"), sessionBytes(SessionKindId::Ses, {})));
+    ASSERT_TRUE(writeFile(dir.filePath("z.wav")));
+    form.ScanAll.setChecked(true);
+    select("a.ses");
+    form.FileTypesCombo.setListIndex(1);
+    EXPECT_EQ(form.UnusedFiles.count(), 0);
+    EXPECT_TRUE(form.UsedFrame.text().startsWith("Reading stopped: "));
+    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved");
+    EXPECT_EQ(form.InfoLabel.text(),
+              "Reading stopped at \"b.ses\" (2 of 3 sessions not read): no other files are listed");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 #include <QTemporaryDir>
 
@@ -324,15 +325,51 @@ TEST_F(SweepTest, UnicodeFormsAndShortenedLinesNameTheSameFile) {
     EXPECT_EQ(others(r, {take, composed}), QStringList{"mix.ses"});
 }
 
-TEST_F(SweepTest, ReaperSubFolderIsListedOnceWithItsPathInFront) {
+// Each line from the sub-folder row leads back to its file: a relative folder lies in the
+// session folder, any other stands as it is, and a folder listed already adds nothing. A REAPER
+// load gathers its record folder ({R} an absolute one); with "Check All" the first project's.
+TEST_F(SweepTest, TheSubFolderRowListsEachFileOnceByAPathThatLeadsToIt) {
     QTemporaryDir records;
-    touch({"song.rpp", "mixdown.wav", records.path() + "/take.wav", records.path() + "/other.wav"});
-    SweepRequest r = request(Rpp, "song.rpp");
-    r.recordFolder = "\" " + records.path() + " \"";
-    r.subFolderOn = true;
-    r.subFolder = records.path();
-    EXPECT_EQ(others(r, {records.path() + "/TAKE.wav"}),
-              QStringList({"mixdown.wav", withSeparator(records.path()) + "other.wav"}));
+    touch({"mix.wav", "Media/take.wav", "Media/used.wav", records.path() + "/r.wav"});
+    const QString r = withSeparator(records.path()), media = folder() + "Media/";
+    const struct {
+        SessionKindId kind;
+        QString row;
+        QStringList recordPaths;  // one project each
+        QStringList lines;
+    } rows[] = {
+        {Veg, " Media ", {""}, {"mix.wav", "Media/take.wav"}},
+        {Veg, r, {""}, {"mix.wav", r + "r.wav"}},
+        {Veg, folder() + "./", {""}, {"mix.wav"}},
+        {Rpp, "", {"Media"}, {"mix.wav", media + "take.wav"}},
+        {Rpp, "", {records.path()}, {"mix.wav", r + "r.wav"}},
+        {Rpp, "", {"Gone"}, {"mix.wav"}},
+        {Rpp, "", {"Gone", "Media"}, {"mix.wav", media + "take.wav"}},
+        {Rpp, "", {records.path(), "Media"}, {"mix.wav", media + "take.wav"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.recordPaths.join(',').toStdString() + row.row.toStdString());
+        for (int i = 0; i < row.recordPaths.size(); ++i) {
+            const QByteArray project =
+                "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"" + row.recordPaths[i].toUtf8() +
+                "\" \"\"\r\n<SOURCE WAVE\r\nFILE \"x/../Media/used.wav\"\r\n";
+            ASSERT_TRUE(test::writeFile(
+                dir.filePath(QString("p%1").arg(i) + ext(row.kind)),
+                row.kind == Rpp ? project : test::sessionBytes(Veg, {"Media/used.wav"})));
+        }
+        SweepRequest req = request(row.kind, "p0" + ext(row.kind), row.recordPaths.size() > 1);
+        req.subFolderOn = true;
+        req.subFolder = row.row;
+        QStringList lines;
+        for (const OtherFile& file : sweepFolder(req, fs).others) {
+            lines.append(file.text);
+            EXPECT_TRUE(QFileInfo(otherFilePath(folder(), file.text)).isFile())
+                << qPrintable(file.text);
+        }
+        EXPECT_EQ(lines, row.lines);
+        QFile::remove(dir.filePath("p0" + ext(row.kind)));
+        QFile::remove(dir.filePath("p1" + ext(row.kind)));
+    }
 }
 
 #ifdef Q_OS_UNIX

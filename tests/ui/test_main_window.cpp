@@ -148,31 +148,56 @@ TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
     EXPECT_EQ(tree->rootIndex().data(QFileSystemModel::FilePathRole).toString(), dir.path());
 }
 
+// mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in the
+// recordings folder, z.sesx (never read) and a name wider than the list are the other files. A
+// REAPER project with its sub-folder row on also lists its record folder.
 TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
-    // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in
-    // the recordings folder and z.sesx (never read) are the other files.
-    for (const char* name : {"a.wav", "a.pkf", "b.wav", "b.pkf", "z.sesx", "mix_Recorded/t.wav"}) {
+    const QString wide = QString(120, 'w') + ".wav";
+    for (const QString& name : QStringList{"a.wav", "a.pkf", "b.wav", "b.pkf", "z.sesx",
+                                           "mix_Recorded/t.wav", "Media/m.wav", wide}) {
         ASSERT_TRUE(test::writeFile(dir.filePath(name), QByteArray(1000, 'x')));
     }
     ASSERT_TRUE(test::writeFile(
         dir.filePath("mix.sesx"),
         test::sessionBytes(SessionKindId::Sesx, {dir.filePath("a.wav"), "Audio\\gone.wav"})));
+    ASSERT_TRUE(
+        test::writeFile(dir.filePath("s.rpp"), "<REAPER_PROJECT\n\nRECORD_PATH \"Media\" \"\"\n"));
     find<QAbstractButton>("KeepPKCheck")->click();
     run->form.pointBrowserAt(dir.path());
-    find<QTabBar>("FileTypeTab")->setCurrentIndex(1);  // SESX, second in the strip
-    auto* sessions = find<QListView>("SESFile");
-    sessions->setCurrentIndex(sessions->model()->index(0, 0));  // mix.sesx, before z.sesx
+    const auto compare = [this](int tab, QStringList args) {
+        find<QTabBar>("FileTypeTab")->setCurrentIndex(tab);
+        auto* sessions = find<QListView>("SESFile");
+        sessions->setCurrentIndex(sessions->model()->index(0, 0));  // mix.sesx before z.sesx
+        const QString onScreen =
+            shown("Used") + shown("Unused") + "info: " + find<QLabel>("InfoLabel")->text() + '\n';
+        QString out;
+        QTextStream stream(&out);  // a message on the error stream shows as a difference
+        EXPECT_EQ(cli::run(QStringList{"scan", dir.path(), "--session"} + args, stream, stream), 0);
+        stream.flush();
+        EXPECT_EQ(out, onScreen);
+        return onScreen;
+    };
+    const QString sesx = compare(1, {"mix.sesx", "--kind", "sesx", "--keep-peaks"});
+    EXPECT_TRUE(sesx.contains("Files to be Moved - [0/6]")) << sesx.toStdString();
+    QApplication::processEvents();  // the list lays its lines out
+    EXPECT_GT(find<QListView>("UnusedFiles")->horizontalScrollBar()->maximum(), 0);
+    find<QTabBar>("FileTypeTab")->setCurrentIndex(3);
+    find<QAbstractButton>("SubFolderCheck")->click();
+    const QString rpp = compare(3, {"s.rpp", "--kind", "rpp", "--keep-peaks", "--add-folder"});
+    EXPECT_TRUE(rpp.contains(dir.filePath("Media/m.wav"))) << rpp.toStdString();
+}
 
-    const QString onScreen =
-        shown("Used") + shown("Unused") + "info: " + find<QLabel>("InfoLabel")->text() + '\n';
-    QString out;
-    QTextStream stream(&out);  // a message on the error stream shows as a difference
-    const QStringList args = {"scan",      dir.path(), "--kind",      "sesx",
-                              "--session", "mix.sesx", "--keep-peaks"};
-    EXPECT_EQ(cli::run(args, stream, stream), 0);
-    stream.flush();
-    EXPECT_EQ(out, onScreen);
-    EXPECT_TRUE(onScreen.contains("Files to be Moved - [0/4]")) << onScreen.toStdString();
+// "Check All" hides the version label below it; "Keep other files..." hands the keyboard to the
+// list of other files.
+TEST_F(MainWindowTest, ScanAllHidesTheLabelBelowAndExcludedCheckFocusesTheList) {
+    const QRect scanAll = find("ScanAll")->geometry();
+    const QImage before = find("UsedFrame")->grab(scanAll).toImage();
+    run->form.SESVersionLabel.setText("Audition 3.0 Audition 3.0");
+    EXPECT_EQ(find("UsedFrame")->grab(scanAll).toImage(), before);
+    run->window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&run->window));
+    find<QAbstractButton>("ExcludedCheck")->click();
+    EXPECT_TRUE(find("UnusedFiles")->hasFocus());
 }
 
 // "&Move Files" through the window: the confirmation, the overwrite question with the focus on

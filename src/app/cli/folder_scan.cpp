@@ -4,6 +4,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "platform/path_text.h"
 #include "sweep/media_types.h"
 
 namespace tidewick::cli {
@@ -40,6 +41,8 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             options.trim = true;
         } else if (argument == QLatin1String("--keep-peaks")) {
             options.keepPeaks = true;
+        } else if (argument == QLatin1String("--add-folder")) {
+            options.addFolder = true;
         } else if (argument == QLatin1String("--kind") && hasValue) {
             kindName = arguments[++i];
         } else if (argument == QLatin1String("--session") && hasValue) {
@@ -77,10 +80,10 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             << "'; use ses, sesx, xml, rpp or veg\n";
         return false;
     }
-    if (options.subFolderGiven && options.kind->id != SessionKindId::Rpp &&
+    if ((options.addFolder || options.subFolderGiven) && options.kind->id != SessionKindId::Rpp &&
         options.kind->id != SessionKindId::Veg) {
         err << "tidewick-cli " << command
-            << ": --sub-folder needs --kind rpp or veg, the kinds with a "
+            << ": --add-folder and --sub-folder need --kind rpp or veg, the kinds with a "
                "sub-folder row\n";
         return false;
     }
@@ -90,8 +93,8 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
 namespace {
 
 // The request the window would make for these options: the tab switch gives the record
-// folder its starting value, "Check All" empties it for REAPER, and the sub-folder option is the
-// row switched on with that folder.
+// folder and the sub-folder row their starting value, "Check All" empties the record folder for
+// REAPER, and --add-folder switches the row on.
 SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
     const SessionKind& kind = *options.kind;
     const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
@@ -110,12 +113,29 @@ SweepRequest scanRequest(const ScanOptions& options, const QString& folder, cons
     request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
     request.peaksListed = options.type == 0;
     request.keepPeaks = options.keepPeaks;
-    if (options.subFolderGiven) {
-        request.recordFolder = options.subFolder;
-        request.subFolderOn = true;
-        request.subFolder = options.subFolder;
-    }
+    request.subFolderOn = options.addFolder;
+    request.subFolder = projectKind ? folder : QString();
     return request;
+}
+
+// The folder chosen for the sub-folder row after the load, as its "Select Folder" button does:
+// its files join those of the load, each once, with the lines that lead to it.
+void addChosenFolder(const SweepRequest& request, const QString& chosen, Sweep& sweep,
+                     const FileSystem& fs) {
+    SweepRequest withFolder = request;
+    withFolder.subFolderOn = true;
+    withFolder.subFolder = chosen;
+    QStringList used, listed;
+    for (const UsedLine& line : sweep.used.lines) {
+        used.append(line.text);
+    }
+    for (const OtherFile& file : sweep.others) {
+        listed.append(file.text);
+    }
+    const QList<OtherFile> more =
+        listSubFolder(withFolder, UsedIndex(used, request.folder, request.trimFolders),
+                      sweep.used.recordFolder, fs);
+    sweep.others.append(otherFilesNotListed(listed, more, withSeparator(request.folder)));
 }
 
 }  // namespace
@@ -145,7 +165,15 @@ std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& er
     SweepEvents events;
     events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
     scan.sweep = sweepFolder(scan.request, fs, events);
-    exitCode = ui.failures > 0 ? ReaderError : Success;
+    if (options.subFolderGiven && !scan.sweep.used.stopped) {
+        addChosenFolder(scan.request, options.subFolder, scan.sweep, fs);
+    }
+    if (scan.sweep.used.stopped) {
+        const ScanRange range = scanRange(scan.request);
+        err << "tidewick-cli " << command << ": "
+            << stoppedText(scan.sweep.used, range.last - range.first + 1) << '\n';
+    }
+    exitCode = ui.failures > 0 || scan.sweep.used.stopped ? ReaderError : Success;
     return scan;
 }
 

@@ -20,6 +20,7 @@ struct ScanOptions {
     bool trim = false;
     int type = 0;
     bool keepPeaks = false;
+    bool addFolder = false;  // the sub-folder row switched on
     bool subFolderGiven = false;
     QString subFolder;
 };

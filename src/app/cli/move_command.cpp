@@ -17,7 +17,7 @@ namespace {
 const char* const kMoveUsage =
     "usage: tidewick-cli move FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
     "                         --to TARGET [--trim] [--type N] [--keep-peaks]\n"
-    "                         [--sub-folder PATH] [--store-in-sub-folder]\n"
+    "                         [--add-folder | --sub-folder PATH] [--store-in-sub-folder]\n"
     "                         [--exclude PATTERN]... [--only PATTERN]...\n"
     "                         [--overwrite no|yes] [--dry-run]\n";
 
@@ -74,7 +74,8 @@ MoveRequest moveRequest(const FolderScan& scan, const MoveOptions& options) {
     request.sessionFile = scan.request.sessions.value(scan.request.selected);
     request.targetText = QDir::cleanPath(QFileInfo(options.target).absoluteFilePath());
     request.storeInSubFolder = options.storeInSubFolder;
-    request.itemsMayBePaths = scan.request.kind->id == SessionKindId::Rpp;
+    request.itemsMayBePaths =
+        scan.request.kind->id == SessionKindId::Rpp || scan.request.kind->id == SessionKindId::Veg;
     request.excludeOn = !options.excluded.isEmpty();
     request.excluded = options.excluded;
     for (const OtherFile& file : scan.sweep.others) {

@@ -18,7 +18,9 @@ namespace {
 
 const char* const kScanUsage =
     "usage: tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n";
+    "                         [--trim] [--type N] [--keep-peaks] [--add-folder | --sub-folder "
+    "PATH]\n"
+    "                         [--json]\n";
 
 // The captions of a scan as the window would show them, nothing checked.
 struct Captions {
@@ -30,9 +32,12 @@ Captions captionsOf(const SweepRequest& request, const Sweep& sweep) {
     for (const OtherFile& file : sweep.others) {
         listed += file.size;
     }
+    const ScanRange range = scanRange(request);
     return {usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
                           request.sessions.value(request.selected), sweep.used.stopped),
-            unusedFrameText(0, sweep.others.size()), sizesText(listed, 0)};
+            unusedFrameText(0, sweep.others.size()),
+            sweep.used.stopped ? stoppedText(sweep.used, range.last - range.first + 1)
+                               : sizesText(listed, 0)};
 }
 
 void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
@@ -62,7 +67,7 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
     for (const OtherFile& file : sweep.others) {
         others.append(QJsonObject{{QStringLiteral("text"), file.text},
                                   {QStringLiteral("size"), file.size},
-                                  {QStringLiteral("path"), folder + file.text}});
+                                  {QStringLiteral("path"), otherFilePath(folder, file.text)}});
     }
     const QJsonObject document{
         {QStringLiteral("used"),

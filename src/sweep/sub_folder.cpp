@@ -1,0 +1,85 @@
+#include "platform/path_text.h"
+#include "sweep/main_form.h"
+
+// The sub-folder row of the REAPER and Vegas tabs, which gathers one more folder into "Files to
+// be Moved", and the move's store-in-sub-folder option, which follows the selected session.
+namespace tidewick {
+
+void MainForm::UpdateSubFolder() {
+    const QString session = SESFile.items().value(SESFile.listIndex());
+    if (SESFile.listIndex() < 0 || session.isEmpty()) {
+        StoreInSubFolderCheck.setText(QStringLiteral("Store in sub-folder..."));
+        StoreInSubFolderCheck.setEnabled(false);
+        StoreInSubFolderCheck.setTooltip({});
+        return;
+    }
+    const QString base = GetBaseName(session);
+    StoreInSubFolderCheck.setText(QStringLiteral("Store in sub-folder \"...") + hostSeparator() +
+                                  base + u'"');
+    StoreInSubFolderCheck.setEnabled(true);
+    StoreInSubFolderCheck.setTooltip(QStringLiteral("Sub-folder: ") +
+                                     withSeparator(TargetFolderName.text()) + base);
+}
+
+void MainForm::GetRPPSubFolder() {
+    RecordFolder.remove(u'"');
+    SubFolderName.setText(reaperSubFolder(RecordFolder, SESFile.text(), FSO));
+}
+
+void MainForm::AddFolder() {
+    if (!SubFolderCheck.enabled() || !SubFolderCheck.checked() || loadStopped_ ||
+        SESFile.listIndex() < 0) {
+        return;
+    }
+    if (subFolderPath(SESFile.text(), SubFolderName.text(), FSO).isEmpty()) {
+        return;  // no such folder: nothing to gather, nothing to say
+    }
+    ui_.processEvents();
+    appendOtherFiles(listSubFolder(sweepRequest(), usedIndex(), RecordFolder, FSO));
+}
+
+void MainForm::SubFolderCheck_Click() {
+    UnusedListRefresh();
+}
+
+void MainForm::UnusedListRefresh() {
+    if (SESFile.listIndex() < 0) {
+        UnusedFiles.clear();
+        UpdateSelCounter();
+        return;
+    }
+    // A load that is running lets this one wait; the waiting load gathers the row's folder.
+    const bool queued = load_.running;
+    SESFile_Click();
+    if (!queued) {
+        AddFolder();
+        UpdateSelCounter();
+        SetListHorizontalExtent(UnusedFiles);
+    }
+}
+
+void MainForm::SubFolderButton_Click() {
+    const QString typed = trimBlanks(SubFolderName.text());
+    const QString typedFolder = subFolderPath(SESFile.text(), typed, FSO);
+    const QString start = typedFolder.isEmpty() ? SESDir.text() : typed;
+    const QString chosen =
+        ui_.browseForFolder(QStringLiteral("Please select a folder to move the unused files."),
+                            typedFolder.isEmpty() ? start : typedFolder);
+    const QString folder = chosen.isEmpty() ? start : chosen;
+    SubFolderName.setText(folder);
+    if (SubFolderCheck.checked() && SESFile.listIndex() >= 0 && !load_.running) {
+        // The session folder and the chosen folder, for the used lines as they are. Those were
+        // shortened for the record folder of their load, so the listing compares with that one;
+        // the chosen folder becomes the record folder only afterwards.
+        UpdateUnusedFileSpec();
+        UpdateSelCounter();
+        SetListHorizontalExtent(UnusedFiles);
+    }
+    RecordFolder = folder;
+}
+
+void MainForm::SubFolderName_GotFocus() {
+    Q_EMIT textSelectionRequested(SubFolderName.name());
+}
+
+}  // namespace tidewick
