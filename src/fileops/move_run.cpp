@@ -32,16 +32,6 @@ QString sourcePath(const MoveRequest& request, const QString& item, const FileSy
     return withSeparator(request.sessionFolder) + item;
 }
 
-bool isExcluded(const MoveRequest& request, const QString& item) {
-    if (!request.excludeOn) {
-        return false;
-    }
-    const QString upper = item.toUpper();
-    return std::any_of(
-        request.excluded.cbegin(), request.excluded.cend(),
-        [&upper](const QString& entry) { return wildcardMatch(upper, entry.toUpper()); });
-}
-
 QString errorText(const FileError& error) {
     return QString::number(error.code) + QStringLiteral(" (") + error.description +
            QLatin1Char(')');
@@ -54,11 +44,13 @@ public:
         : request_(request), disk_(disk), events_(events) {
         outcome_.moved.resize(request.items.size());
         outcome_.results.resize(request.items.size());
+        plans_.resize(request.items.size());
         sizes_.resize(request.items.size());
         for (qsizetype index = 0; index < request.items.size(); ++index) {
             FileError ignored;
             if (request.items[index].checked) {
-                sizes_[index] = disk.entrySize(source(request.items[index]), &ignored).value_or(0);
+                plans_[index] = planMove(request, request.items[index].text, disk);
+                sizes_[index] = disk.entrySize(plans_[index].source, &ignored).value_or(0);
                 total_ += sizes_[index];
             }
         }
@@ -71,13 +63,11 @@ private:
     FileOperations& disk_;
     const MoveEvents& events_;
     MoveOutcome outcome_;
-    QList<qint64> sizes_;  // of the checked files, as the run begins
+    QList<PlannedMove> plans_;  // of the checked files, as the run begins
+    QList<qint64> sizes_;
     qint64 total_ = 0;
     qint64 done_ = 0;
 
-    QString source(const MoveItem& item) const {
-        return planMove(request_, item.text, disk_).source;
-    }
     void log(const QString& text) const {
         if (events_.log) {
             events_.log(text);
@@ -113,7 +103,7 @@ MoveOutcome MoveRun::run() {
         }
         const qint64 doneBefore = done_;
         bool proceed = true;
-        const QString destination = planMove(request_, item.text, disk_).destination;
+        const QString& destination = plans_[index].destination;
         if (!yesToAll && disk_.FileExists(destination)) {
             const OverwriteAnswer answer = ask(destination);
             if (answer == OverwriteAnswer::Cancel) {
@@ -146,7 +136,7 @@ MoveOutcome MoveRun::run() {
 }
 
 void MoveRun::moveFile(qsizetype index) {
-    const PlannedMove planned = planMove(request_, request_.items[index].text, disk_);
+    const PlannedMove& planned = plans_[index];
     const QString& sourceFile = planned.source;
     const QString& destination = planned.destination;
     if (planned.excluded) {
@@ -205,7 +195,7 @@ QString moveTarget(const MoveRequest& request) {
 PlannedMove planMove(const MoveRequest& request, const QString& item, const FileSystem& disk) {
     return {sourcePath(request, item, disk),
             withSeparator(destinationFolder(request)) + GetFileName(item),
-            isExcluded(request, item)};
+            request.excludeOn && wildcardMatchesAny(item, request.excluded)};
 }
 
 MoveOutcome runMove(const MoveRequest& request, FileOperations& disk, const MoveEvents& events) {

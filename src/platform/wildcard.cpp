@@ -1,5 +1,7 @@
 #include "platform/wildcard.h"
 
+#include <algorithm>
+
 namespace tidewick {
 
 namespace {
@@ -114,6 +116,13 @@ bool wildcardMatch(QStringView text, QStringView pattern) {
         }
     }
     return true;
+}
+
+bool wildcardMatchesAny(const QString& text, const QStringList& patterns) {
+    const QString upper = text.toUpper();
+    return std::any_of(patterns.cbegin(), patterns.cend(), [&upper](const QString& pattern) {
+        return wildcardMatch(upper, pattern.toUpper());
+    });
 }
 
 }  // namespace tidewick

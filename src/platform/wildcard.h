@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStringList>
 #include <QStringView>
 
 namespace tidewick {
@@ -9,5 +10,8 @@ namespace tidewick {
 /// else stands for itself. Letter case counts: callers upper-case both sides to ignore it.
 /// A "[" without its "]" stands for itself; "[]" stands for no character at all.
 bool wildcardMatch(QStringView text, QStringView pattern);
+
+/// True when `text` matches one of `patterns`, ignoring letter case.
+bool wildcardMatchesAny(const QString& text, const QStringList& patterns);
 
 }  // namespace tidewick

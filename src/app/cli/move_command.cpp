@@ -61,13 +61,6 @@ OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
     };
 }
 
-bool matchesAny(const QString& text, const QStringList& patterns) {
-    const QString upper = text.toUpper();
-    return std::any_of(patterns.cbegin(), patterns.cend(), [&upper](const QString& pattern) {
-        return wildcardMatch(upper, pattern.toUpper());
-    });
-}
-
 MoveRequest moveRequest(const FolderScan& scan, const MoveOptions& options) {
     MoveRequest request;
     request.sessionFolder = scan.request.folder;
@@ -80,7 +73,7 @@ MoveRequest moveRequest(const FolderScan& scan, const MoveOptions& options) {
     request.excluded = options.excluded;
     for (const OtherFile& file : scan.sweep.others) {
         request.items.append(
-            {file.text, options.only.isEmpty() || matchesAny(file.text, options.only)});
+            {file.text, options.only.isEmpty() || wildcardMatchesAny(file.text, options.only)});
     }
     return request;
 }
