@@ -61,6 +61,11 @@ bool isTrashFilesFolder(const QString& folder) {
 
 }  // namespace
 
+QString errorText(const FileError& error) {
+    return QString::number(error.code) + QStringLiteral(" (") + error.description +
+           QLatin1Char(')');
+}
+
 #ifdef Q_OS_UNIX
 
 namespace {
@@ -249,6 +254,9 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
     if (replacing && present.st_dev == info.st_dev && present.st_ino == info.st_ino) {
         return FileError{EEXIST, QStringLiteral("The file is already in the target folder")};
     }
+    if (replacing && S_ISDIR(present.st_mode)) {
+        return errorOf(EISDIR);  // a folder of that name is never put aside for a file
+    }
 
     const QString temporary = temporaryNameBeside(destination);
     const QByteArray copy = encodeFileName(temporary);
@@ -309,6 +317,10 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
     if (QFileInfo(temporary).size() != QFileInfo(source).size()) {
         QFile::remove(temporary);
         return FileError{EIO, QStringLiteral("The copy's size differs from the file's")};
+    }
+    if (QFileInfo(destination).isDir()) {
+        QFile::remove(temporary);
+        return FileError{EISDIR, QStringLiteral("Is a directory")};
     }
     if (QFileInfo::exists(destination)) {
         if (const FileResult failed = moveToTrash(destination)) {

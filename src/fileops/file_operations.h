@@ -18,6 +18,9 @@ struct FileError {
     bool operator==(const FileError&) const = default;
 };
 
+/// A failure as messages show it: "2 (No such file or directory)".
+QString errorText(const FileError& error);
+
 /// What a change of the disk came to: nothing when it succeeded.
 using FileResult = std::optional<FileError>;
 
@@ -36,7 +39,8 @@ public:
 
     /// Copies the file `source` to `destination` so that a file under that name is always whole:
     /// the data goes to a temporary name beside it, the copy must have the source's size, and
-    /// only then does it take the final name. A file already there is put into the trash first;
+    /// only then does it take the final name. A file already there is put into the trash first (a
+    /// folder there makes the copy fail);
     /// a failure at any step leaves no temporary file, the old file in place and the source
     /// untouched. A symbolic link is copied as a link; its target is never read.
     virtual FileResult copyFile(const QString& source, const QString& destination,

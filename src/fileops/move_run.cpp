@@ -32,11 +32,6 @@ QString sourcePath(const MoveRequest& request, const QString& item, const FileSy
     return withSeparator(request.sessionFolder) + item;
 }
 
-QString errorText(const FileError& error) {
-    return QString::number(error.code) + QStringLiteral(" (") + error.description +
-           QLatin1Char(')');
-}
-
 // One run: the per-item state and the bytes done.
 class MoveRun {
 public:

@@ -66,6 +66,20 @@ public:
         return std::nullopt;
     }
 
+    /// Shows how far a long piece of work has come: `title`, the item in hand, and `done` of
+    /// `total` bytes, in a window that appears once the work lasts longer than a moment. It lets
+    /// pending window events run.
+    virtual void showProgress(const QString& title, const QString& item, qint64 done,
+                              qint64 total) {
+        Q_UNUSED(title);
+        Q_UNUSED(item);
+        Q_UNUSED(done);
+        Q_UNUSED(total);
+    }
+
+    /// The work is over: its progress window goes.
+    virtual void endProgress() {}
+
     /// Opens `folder` in the desktop's file manager; false when that cannot be done.
     virtual bool openFolder(const QString& folder) {
         Q_UNUSED(folder);

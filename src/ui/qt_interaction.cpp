@@ -1,5 +1,6 @@
 #include "ui/qt_interaction.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <QApplication>
@@ -154,6 +155,30 @@ std::optional<OverwriteAnswer> QtInteraction::askOverwrite(const QString& messag
     dialog.exec();
     setBusyPointer(wasBusy);
     return dialog.answer();
+}
+
+void QtInteraction::showProgress(const QString& title, const QString& item, qint64 done,
+                                 qint64 total) {
+    if (progress_ == nullptr) {
+        progress_ = new QProgressDialog(owner_);
+        progress_->setObjectName(QStringLiteral("CopyProgress"));
+        progress_->setWindowModality(Qt::WindowModal);
+        progress_->setCancelButton(nullptr);
+        progress_->setAutoClose(false);
+        progress_->setAutoReset(false);
+        progress_->setMinimumDuration(400);
+        progress_->setMinimumWidth(480);
+    }
+    progress_->setWindowTitle(title);
+    progress_->setLabelText(item);
+    // The bar counts kilobytes, so that any size fits its range.
+    progress_->setRange(0, int(std::max<qint64>(total / 1024, 1)));
+    progress_->setValue(int(std::min(done, total) / 1024));
+    QCoreApplication::processEvents();
+}
+
+void QtInteraction::endProgress() {
+    delete progress_;
 }
 
 bool QtInteraction::openFolder(const QString& folder) {

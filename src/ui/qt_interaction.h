@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <QProgressDialog>
 #include <QWidget>
 
 #include "platform/interaction.h"
@@ -27,11 +28,15 @@ public:
     QString browseForFolder(const QString& prompt, const QString& startFolder) override;
     std::optional<OverwriteAnswer> askOverwrite(const QString& message,
                                                 OverwriteAnswer focus) override;
+    void showProgress(const QString& title, const QString& item, qint64 done,
+                      qint64 total) override;
+    void endProgress() override;
     bool openFolder(const QString& folder) override;
     bool setClipboardText(const QString& text) override;
 
 private:
     QPointer<QWidget> owner_;
+    QPointer<QProgressDialog> progress_;
     bool busy_ = false;
     bool unattended_ = false;
 };

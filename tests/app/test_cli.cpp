@@ -50,6 +50,8 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     ASSERT_TRUE(QDir().mkpath(old));
     qputenv("XDG_DATA_HOME", f.dir.filePath("data").toUtf8());
     const QStringList move = {"move", here, "--kind", "ses", "--session", "mix.ses", "--to"};
+    const QStringList copy = {"copy-used", here, "--kind", "ses", "--session", "mix.ses"};
+    const QString collect = f.dir.filePath("Collect");
 
     const struct {
         QStringList arguments;
@@ -93,6 +95,11 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          "Moving selected files to..." + gone + "\nCommenced ", ""},
         {move + QStringList{old, "--only", "b.pk"}, 0,
          "Moving selected files to..." + old + "\nCommenced ", ""},
+
+        {copy, 1, "", "--to TARGET is missing"},
+        {copy + QStringList{"--to", gone}, 4, "", "cannot create " + gone + ": Error 2 ("},
+        {copy + QStringList{"--to", collect}, 0,
+         "1 File(s) successfully copied to " + collect + "/.\n", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments.join(' ').toStdString());
@@ -105,6 +112,26 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
             << out.toStdString();
         EXPECT_TRUE(row.err.isEmpty() ? err.isEmpty() : err.contains(row.err)) << err.toStdString();
     }
+}
+
+// A real project copied with the one of its recordings that is on disk.
+TEST(Cli, CopyUsedCopiesTheFilesOfARealSessionThatAreOnDisk) {
+    if (!test::haveCorpus()) {
+        GTEST_SKIP() << "no session corpus at " << test::corpusPath({}).toStdString();
+    }
+    test::ReaderFixture f;
+    const QString studio = f.dir.filePath("studio"), collect = f.dir.filePath("Collect");
+    ASSERT_TRUE(test::writeFile(studio + "/Audio Files/Vox - 002-02.wav", "RIFF vox"));
+    ASSERT_TRUE(QFile::copy(test::corpusPath("rpp/lordb8r_Call_Routing.rpp"), studio + "/p.rpp"));
+    QString out, err;
+    QTextStream outStream(&out), errStream(&err);
+    EXPECT_EQ(cli::run({"copy-used", studio, "--kind", "rpp", "--all", "--to", collect}, outStream,
+                       errStream),
+              0);
+    outStream.flush();
+    EXPECT_EQ(out, "1 File(s) successfully copied to " + collect + "/.\n");
+    EXPECT_EQ(test::readFile(collect + "/Vox - 002-02.wav"), "RIFF vox");
+    EXPECT_EQ(QDir(collect).entryList(QDir::Files), QStringList{"Vox - 002-02.wav"});
 }
 
 // A file name may hold any byte but "/": printed raw, a line feed would split a line and an

@@ -17,6 +17,9 @@ class RecordingInteraction : public UserInteraction {
 public:
     MessageAnswer showMessage(const MessageBoxRequest& request) override {
         messages.append(request);
+        if (beforeAnswer) {
+            beforeAnswer(request);
+        }
         return answers.isEmpty() ? request.defaultButton : answers.takeFirst();
     }
     void setBusyPointer(bool busy) override { busyPointer = busy; }
@@ -56,6 +59,8 @@ public:
     QList<std::pair<QString, OverwriteAnswer>> overwriteQuestions;
     QList<std::optional<OverwriteAnswer>> overwriteAnswers;
     QStringList opened;  // files opened in the desktop's program for them
+    /// Done when a message box is shown, before its answer: as the user acting meanwhile.
+    std::function<void(const MessageBoxRequest&)> beforeAnswer;
     bool busyPointer = false;
     std::function<void()> whileBusy;
 };

@@ -31,4 +31,7 @@ QByteArray vegRecord(qint32 type, const QByteArray& path);
 /// Writes `bytes` to `path`, creating its folders; false when that fails.
 bool writeFile(const QString& path, const QByteArray& bytes = {});
 
+/// What the file `path` holds; empty when it cannot be read.
+QByteArray readFile(const QString& path);
+
 }  // namespace tidewick::test

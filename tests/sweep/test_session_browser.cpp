@@ -243,5 +243,93 @@ TEST_F(SessionFolderTest, AStoppedLoadSaysWhereAndOffersNothing) {
               "Reading stopped at \"b.ses\" (2 of 3 sessions not read): no other files are listed");
 }
 
+// "Cop&y Files" from the picker to the last message. In the target a folder holds the name of
+// c.wav, so its copy fails until the scripted user takes that folder away.
+TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
+    using A = MessageAnswer;
+    qputenv("XDG_DATA_HOME", dir.filePath("data").toUtf8());
+    for (const char* file : {"A/take.wav", "B/take.wav", "c.wav"}) {
+        ASSERT_TRUE(writeFile(dir.filePath(file), file));
+    }
+    writeSession("gone.sesx", SessionKindId::Sesx, {folder() + "missing.wav"});
+    writeSession("s.sesx", SessionKindId::Sesx,
+                 {folder() + "A/take.wav", folder() + "missing.wav", folder() + "B/take.wav",
+                  folder() + "c.wav"});
+    const QString target = dir.filePath("Collect"), shown = target + hostSeparator();
+    const QString warning = "WARNING! You are about to copy 3 file(s) to " + target +
+                            ".\r\nAny files with the same file names that are already in that "
+                            "folder will be overwritten.\r\nAre you sure you wish to proceed?";
+    const QString failure =
+        "Error 21 (Is a directory) has occurreed while attempting to copy c.wav.";
+    const auto result = [](const QString& line) {
+        return line + "\r\nWould you like to open the target folder in Explorer?";
+    };
+    const struct {
+        const char* session;
+        QStringList folderAnswers;
+        QList<A> answers;
+        QStringList messages;
+        QString copied;  // what the target's take.wav and c.wav hold afterwards
+        QString copyFolder;
+    } rows[] = {
+        {"gone.sesx",
+         {},
+         {},
+         {"There are no used files found on disk.  Nothing to copy."},
+         "",
+         "/old"},
+        {"s.sesx", {""}, {}, {"Operation cancelled."}, "", "/old"},
+        {"s.sesx",
+         {target},
+         {A::No, A::No},
+         {warning, result("0 File(s) successfully copied to " + target + ".")},
+         "",
+         target},
+        {"s.sesx",
+         {target},
+         {A::Yes, A::Ignore, A::No},
+         {warning, failure, result("2 File(s) successfully copied to " + shown + ".")},
+         "B/take.wav|",
+         shown},
+        {"s.sesx",
+         {target},
+         {A::Yes, A::Retry, A::Retry, A::No},
+         {warning, failure, failure, result("3 File(s) successfully copied to " + shown + ".")},
+         "B/take.wav|c.wav",
+         shown},
+        {"s.sesx", {target}, {A::Yes, A::Abort}, {warning, failure}, "B/take.wav|", shown},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.answers.size());
+        QDir(target).removeRecursively();
+        ASSERT_TRUE(QDir().mkpath(target + "/c.wav"));
+        int failures = 0;
+        ui.beforeAnswer = [&](const MessageBoxRequest& request) {
+            if (request.text == failure && ++failures == 2) {
+                QDir(target + "/c.wav").removeRecursively();  // the second Retry succeeds
+            }
+        };
+        select(row.session);
+        form.CopyFolder = "/old";
+        form.Main.setText("Tidewick");
+        ui.messages.clear();
+        ui.folderAnswers = row.folderAnswers;
+        ui.answers = row.answers;
+        form.CopyFilesButton_Click();
+
+        QStringList texts;
+        for (const MessageBoxRequest& message : ui.messages) {
+            EXPECT_EQ(message.title, "Copy Used Files");
+            texts << message.text;
+        }
+        EXPECT_EQ(texts, row.messages);
+        EXPECT_EQ(readFile(target + "/take.wav") + '|' + readFile(target + "/c.wav"),
+                  row.copied.isEmpty() ? "|" : row.copied);
+        EXPECT_EQ(form.CopyFolder, row.copyFolder);
+        EXPECT_EQ(form.Main.text(), "Tidewick");
+        EXPECT_TRUE(form.UsedFrame.enabled() && !ui.busyPointer);
+    }
+}
+
 }  // namespace
 }  // namespace tidewick::test

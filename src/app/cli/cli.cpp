@@ -11,9 +11,12 @@ const char* const kUsage =
     "       tidewick-cli move FOLDER --kind K (--session NAME | --all) --to TARGET\n"
     "                         [scan options] [--store-in-sub-folder] [--exclude PATTERN]...\n"
     "                         [--only PATTERN]... [--overwrite no|yes] [--dry-run]\n"
+    "       tidewick-cli copy-used FOLDER --kind K (--session NAME | --all) --to TARGET\n"
+    "                              [--trim]\n"
     "  media   prints the media paths that a session file names, one a line\n"
     "  scan    prints the used media and the files to be moved, as the window shows them\n"
-    "  move    moves the files to be moved to TARGET, their originals to the trash\n";
+    "  move    moves the files to be moved to TARGET, their originals to the trash\n"
+    "  copy-used  copies the used files present on disk to TARGET\n";
 
 }  // namespace
 
@@ -33,6 +36,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     if (command == QLatin1String("move")) {
         return runMove(rest, out, err);
+    }
+    if (command == QLatin1String("copy-used")) {
+        return runCopyUsed(rest, out, err);
     }
     err << "tidewick-cli: unknown command '" << command << "'\n" << kUsage;
     return UsageError;

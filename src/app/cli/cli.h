@@ -6,7 +6,7 @@
 // tidewick-cli: the command-line companion, on the same logic as the window.
 namespace tidewick::cli {
 
-/// Exit codes of every command.
+/// Exit codes of every command. MoveFailed: a file could not be moved or copied.
 enum ExitCode : int { Success = 0, UsageError = 1, ReaderError = 2, MoveFailed = 4 };
 
 /// Runs the command line `arguments` (without the program name); output goes to `out`,
@@ -25,5 +25,9 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// [--store-in-sub-folder] [--exclude PATTERN]... [--only PATTERN]... [--overwrite no|yes]
 /// [--dry-run]`: moves the files to be moved, as the results window does, and prints its log.
 int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
+/// `copy-used FOLDER --kind K (--session NAME | --all) --to TARGET [--trim]`: copies the used
+/// files present on disk into TARGET (made when missing, one level deep) and prints how many.
+int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
 }  // namespace tidewick::cli

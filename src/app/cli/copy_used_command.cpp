@@ -1,0 +1,74 @@
+#include <QDir>
+#include <QFileInfo>
+
+#include "app/cli/cli.h"
+#include "app/cli/folder_scan.h"
+#include "fileops/copy_used.h"
+#include "platform/path_text.h"
+
+// `copy-used`: what the window's "Cop&y Files" copies (the used files present on disk), after
+// the same scan as `scan`; a file that fails is reported and left out, as "Ignore" does.
+namespace tidewick::cli {
+
+namespace {
+
+const char* const kCopyUsedUsage =
+    "usage: tidewick-cli copy-used FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
+    "                              --to TARGET [--trim]\n";
+
+}  // namespace
+
+int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    ScanOptions scanOptions;
+    QString target;
+    const OwnOption to = [&target](const QStringList& arguments, qsizetype& at, bool&) {
+        if (arguments[at] != QLatin1String("--to") || at + 1 >= arguments.size()) {
+            return false;
+        }
+        target = arguments[++at];
+        return true;
+    };
+    if (!parseScanArguments(arguments, scanOptions, err, QStringLiteral("copy-used"),
+                            kCopyUsedUsage, to)) {
+        return UsageError;
+    }
+    if (target.isEmpty()) {
+        err << "tidewick-cli copy-used: --to TARGET is missing\n" << kCopyUsedUsage;
+        return UsageError;
+    }
+    int exitCode = UsageError;
+    const std::optional<FolderScan> scan =
+        scanFolder(scanOptions, err, QStringLiteral("copy-used"), exitCode);
+    if (!scan || exitCode != Success) {
+        if (scan) {
+            err << "tidewick-cli copy-used: nothing copied\n";
+        }
+        return exitCode;
+    }
+
+    FileOperations disk;
+    QString folder = QDir::cleanPath(QFileInfo(target).absoluteFilePath());
+    if (!disk.FolderExists(folder)) {
+        if (const FileResult error = disk.createFolder(folder)) {
+            err << "tidewick-cli copy-used: cannot create " << visibleText(folder) << ": Error "
+                << errorText(*error) << '\n';
+            return MoveFailed;
+        }
+    }
+    QList<CopyItem> items;
+    for (const UsedLine& line : scan->sweep.used.lines) {
+        if (line.exists) {
+            items.append({line.text, line.path});
+        }
+    }
+    CopyEvents events;
+    events.failed = [&err](const CopyItem& item, const FileError& error) {
+        err << visibleText(copyFailureText(error, item.text)) << '\n';
+        return CopyFailureAnswer::Ignore;
+    };
+    const CopyOutcome outcome = copyUsedFiles(items, AddBackslash(folder), disk, events);
+    out << visibleText(copiedFilesLine(outcome.copied, folder)) << '\n';
+    return outcome.failed > 0 ? MoveFailed : Success;
+}
+
+}  // namespace tidewick::cli

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <functional>
+
+#include "fileops/file_operations.h"
+
+// Copying the media a session uses into one folder, for the window's "Cop&y Files" and the
+// command line's copy-used: the same engine as the move, so each copy is whole before it takes
+// its name, and a file it replaces goes to the trash.
+namespace tidewick {
+
+/// One file to copy: the line of the used list, and the file on disk it leads to.
+struct CopyItem {
+    QString text;
+    QString source;
+};
+
+/// What comes after a file that could not be copied.
+enum class CopyFailureAnswer { Abort, Retry, Ignore };
+
+struct CopyEvents {
+    /// File `number` of `count` is next; the number counts the files copied so far, so the file
+    /// after a failed one shows the same number.
+    std::function<void(int number, int count, const CopyItem& item)> starting;
+    /// `done` of `total` bytes are copied.
+    std::function<void(qint64 done, qint64 total)> progress;
+    /// Copying `item` failed. Without an answer the file is left out and the run goes on.
+    std::function<CopyFailureAnswer(const CopyItem& item, const FileError& error)> failed;
+};
+
+struct CopyOutcome {
+    int copied = 0;
+    int failed = 0;        ///< files left out after a failure
+    bool aborted = false;  ///< the user stopped the run at a failure
+};
+
+/// Copies each item into `folder` (which ends in a separator) under the last component of its
+/// line, in list order: a later file of the same name replaces an earlier one.
+CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, FileOperations& disk,
+                          const CopyEvents& events);
+
+/// "Error 2 (No such file or directory) has occurreed while attempting to copy take.wav."
+QString copyFailureText(const FileError& error, const QString& text);
+
+/// "2 File(s) successfully copied to /home/me/Collect/."
+QString copiedFilesLine(int count, const QString& folder);
+
+}  // namespace tidewick

@@ -1,0 +1,123 @@
+#include "fileops/copy_used.h"
+#include "platform/number_text.h"
+#include "platform/path_text.h"
+#include "sweep/main_form.h"
+
+// "Cop&y Files": the used files present on disk (the checked lines of the used list) copied into
+// a folder the user picks.
+namespace tidewick {
+
+namespace {
+
+const QString kCopyTitle = QStringLiteral("Copy Used Files");
+
+CopyFailureAnswer copyFailureAnswer(MessageAnswer answer) {
+    switch (answer) {
+        case MessageAnswer::Retry:
+            return CopyFailureAnswer::Retry;
+        case MessageAnswer::Ignore:
+            return CopyFailureAnswer::Ignore;
+        default:
+            return CopyFailureAnswer::Abort;
+    }
+}
+
+}  // namespace
+
+void MainForm::CopyFilesButton_Click() {
+    const QString savedCaption = Main.text();
+    const QString sessionFolder = withSeparator(SESFile.text());
+    QList<CopyItem> items;
+    for (int row = 0; row < UsedFiles.count(); ++row) {
+        if (UsedFiles.isChecked(row)) {
+            const QString& text = UsedFiles.text(row);
+            items.append({text, usedLineFile(text, sessionFolder, TrimFoldersFlag)});
+        }
+    }
+    const auto finish = [this] {
+        ui_.setBusyPointer(false);
+        for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
+            frame->setEnabled(true);
+        }
+        ui_.processEvents();
+    };
+    if (items.isEmpty()) {
+        showOk(ui_, QStringLiteral("There are no used files found on disk.  Nothing to copy."),
+               kCopyTitle, MessageIcon::Information);
+        return finish();
+    }
+    const QString picked = ui_.browseForFolder(
+        QStringLiteral("Choose the folder that is to receive the copied used files."), CopyFolder);
+    if (picked.isEmpty()) {
+        showOk(ui_, QStringLiteral("Operation cancelled."), kCopyTitle, MessageIcon::Information);
+        return finish();
+    }
+    CopyFolder = picked;
+
+    const QString crlf = QStringLiteral("\r\n");
+    const QString count = QString::number(items.size());
+    const QString warning =
+        QStringLiteral("WARNING! You are about to copy ") + count + QStringLiteral(" file(s) to ") +
+        CopyFolder + QLatin1Char('.') + crlf +
+        QStringLiteral(
+            "Any files with the same file names that are already in that folder will "
+            "be overwritten.") +
+        crlf + QStringLiteral("Are you sure you wish to proceed?");
+    int copied = 0;
+    if (ui_.showMessage({warning, kCopyTitle, MessageIcon::Exclamation, MessageButtons::YesNo,
+                         MessageAnswer::Yes}) == MessageAnswer::Yes) {
+        for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
+            frame->setEnabled(false);
+        }
+        ui_.setBusyPointer(true);
+        AddBackslash(CopyFolder);
+        QString caption;
+        CopyEvents events;
+        events.starting = [&](int number, int total, const CopyItem& item) {
+            caption = QStringLiteral("Copying file ") + QString::number(number) +
+                      QStringLiteral(" of ") + QString::number(total) + QStringLiteral(" - ") +
+                      item.text;
+            Main.setText(caption);
+        };
+        events.progress = [&](qint64 done, qint64 total) {
+            ui_.showProgress(kCopyTitle,
+                             caption + QLatin1Char('\n') + megabyteText(done) +
+                                 QStringLiteral(" of ") + megabyteText(total) +
+                                 QStringLiteral(" Mb"),
+                             done, total);
+        };
+        events.failed = [&](const CopyItem& item, const FileError& error) {
+            ui_.setBusyPointer(false);
+            const MessageAnswer answer = ui_.showMessage(
+                {copyFailureText(error, item.text), kCopyTitle, MessageIcon::Question,
+                 MessageButtons::AbortRetryIgnore, MessageAnswer::Abort});
+            ui_.setBusyPointer(true);
+            return copyFailureAnswer(answer);
+        };
+        const CopyOutcome outcome = copyUsedFiles(items, CopyFolder, FSO, events);
+        ui_.endProgress();
+        Main.setText(savedCaption);
+        ui_.setBusyPointer(false);
+        if (outcome.aborted) {
+            return finish();
+        }
+        copied = outcome.copied;
+    }
+
+    const QString result = copiedFilesLine(copied, CopyFolder) + crlf +
+                           QStringLiteral("Would you like to open the target folder in Explorer?");
+    if (ui_.showMessage({result, kCopyTitle, MessageIcon::Information, MessageButtons::YesNo,
+                         MessageAnswer::Yes}) == MessageAnswer::Yes) {
+        AddBackslash(CopyFolder);
+        if (!ui_.openFolder(CopyFolder)) {
+            showOk(ui_,
+                   QStringLiteral("Error Running  '") + fileManagerCommand() +
+                       QStringLiteral(" with ") + CopyFolder +
+                       QStringLiteral(" as the target folder."),
+                   QStringLiteral("Explorer Error"), MessageIcon::Critical);
+        }
+    }
+    finish();
+}
+
+}  // namespace tidewick
