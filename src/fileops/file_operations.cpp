@@ -159,8 +159,13 @@ FileResult copyRange(int in, int out, off_t offset, qint64 length,
 }
 
 // Copies the data of `in` (`size` bytes) to `out`; holes stay holes, so a sparse file costs
-// only its data.
+// only its data. A hole counts as done as soon as it is passed.
 FileResult copyData(int in, int out, qint64 size, const FileOperations::Progress& progress) {
+    const auto passHole = [&progress](qint64 length) {
+        if (progress && length > 0) {
+            progress(length);
+        }
+    };
     off_t offset = 0;
     while (offset < size) {
         off_t data = ::lseek(in, offset, SEEK_DATA);
@@ -170,11 +175,13 @@ FileResult copyData(int in, int out, qint64 size, const FileOperations::Progress
         off_t hole = data < 0 ? size : ::lseek(in, data, SEEK_HOLE);
         data = std::max<off_t>(data, offset);
         hole = hole < 0 ? size : std::min<off_t>(hole, size);
+        passHole(data - offset);
         if (const FileResult failed = copyRange(in, out, data, hole - data, progress)) {
             return failed;
         }
         offset = std::max(hole, data + 1);
     }
+    passHole(size - offset);
     // A file that ends in a hole gets its length from the last data on.
     const bool endsInHole = ::lseek(out, 0, SEEK_END) < size;
     return !endsInHole || ::ftruncate(out, size) == 0 ? FileResult() : lastError();

@@ -1,0 +1,158 @@
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QPainter>
+#include <QProgressDialog>
+#include <QTimer>
+#include <cstdio>
+#include <functional>
+
+#include "settings/settings.h"
+#include "settings/settings_store.h"
+#include "sweep/main_form.h"
+#include "ui/main_window.h"
+#include "ui/qt_interaction.h"
+
+// tidewick-shots: pictures of Tidewick's dialogs for the README, taken of the real windows over
+// the folder and settings of the user running it (scripts/screenshots gives it a demo studio).
+// It plays the user: every question is answered "Yes", the folder picker picks the folder given
+// with --to, and the file manager is never started.
+//
+//   tidewick-shots results|exclusion|copy FILE [--select NAME] [--to FOLDER]
+namespace {
+
+using namespace tidewick;
+
+bool save(const QPixmap& picture, const QString& file) {
+    const bool saved = picture.save(file);
+    std::fprintf(stderr, "%s %s\n", saved ? "wrote" : "cannot write", qUtf8Printable(file));
+    return saved;
+}
+
+// The window with `dialog` in its middle, as the user sees the two.
+QPixmap over(QWidget& window, QWidget* dialog) {
+    QPixmap picture = window.grab();
+    const QPixmap top = dialog->grab();
+    QPainter painter(&picture);
+    const QRect place(QPoint(), top.deviceIndependentSize().toSize());
+    const QRect centred = place.translated(window.rect().center() - place.center());
+    painter.fillRect(centred.adjusted(-1, -1, 1, 1), Qt::darkGray);  // the dialog's frame
+    painter.drawPixmap(centred.topLeft(), top);
+    return picture;
+}
+
+class ShotUser : public QtInteraction {
+public:
+    QString folder;
+    /// Called as a copy goes on, with the fraction done.
+    std::function<void(double done)> progressed;
+
+    MessageAnswer showMessage(const MessageBoxRequest& request) override {
+        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(request.title),
+                     qUtf8Printable(request.text));
+        const bool hasYes = request.buttons == MessageButtons::YesNo ||
+                            request.buttons == MessageButtons::YesNoCancel;
+        return hasYes ? MessageAnswer::Yes : request.defaultButton;
+    }
+    QString browseForFolder(const QString&, const QString&) override { return folder; }
+    std::optional<OverwriteAnswer> askOverwrite(const QString&, OverwriteAnswer) override {
+        return OverwriteAnswer::YesToAll;
+    }
+    bool openFolder(const QString&) override { return true; }
+    void showProgress(const QString& title, const QString& item, qint64 done,
+                      qint64 total) override {
+        QtInteraction::showProgress(title, item, done, total);
+        if (progressed && total > 0) {
+            progressed(double(done) / double(total));
+        }
+    }
+};
+
+// Calls `found` with the dialog called `name` once it is open and `ready` says so.
+void whenOpen(const QString& name, std::function<bool(QDialog*)> ready,
+              std::function<void(QDialog*)> found) {
+    auto* timer = new QTimer(qApp);
+    QObject::connect(timer, &QTimer::timeout, timer, [=] {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<QDialog*>(widget);
+            if (dialog != nullptr && dialog->objectName() == name && dialog->isVisible() &&
+                ready(dialog)) {
+                timer->deleteLater();
+                found(dialog);
+                return;
+            }
+        }
+    });
+    timer->start(100);
+}
+
+QString optionValue(const QStringList& arguments, const QString& option) {
+    const qsizetype at = arguments.indexOf(option);
+    return at > 0 ? arguments.value(at + 1) : QString();
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication app(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 3) {
+        std::fprintf(stderr,
+                     "usage: tidewick-shots results|exclusion|copy FILE [--select NAME] "
+                     "[--to FOLDER]\n");
+        return 1;
+    }
+    const QString shot = arguments[1], file = arguments[2];
+    QSettingsStore store;
+    StoredSettings settings(store);
+    ShotUser ui;
+    ui.folder = optionValue(arguments, QStringLiteral("--to"));
+    MainForm form(ui, &settings);
+    MainWindow window(form);
+    ui.setOwner(&window);
+    window.load();
+    const QString selected = optionValue(arguments, QStringLiteral("--select"));
+    if (!selected.isEmpty()) {
+        form.SESFile.setListIndex(int(form.SESFile.items().indexOf(selected)));
+    }
+
+    bool saved = false;
+    if (shot == QLatin1String("results")) {
+        // Every file to be moved goes to the folder given.
+        for (int row = 0; row < form.UnusedFiles.count(); ++row) {
+            form.UnusedFiles.setChecked(row, true);
+        }
+        form.TargetFolderName.setText(ui.folder);
+        const auto closeEnabled = [](QDialog* dialog) {
+            auto* close = dialog->findChild<QAbstractButton*>(QStringLiteral("CloseButton"));
+            return close != nullptr && close->isEnabled();
+        };
+        whenOpen(QStringLiteral("MoveForm"), closeEnabled, [&](QDialog* dialog) {
+            saved = save(dialog->grab(), file);
+            dialog->findChild<QAbstractButton*>(QStringLiteral("CloseButton"))->click();
+        });
+        form.MoveButton_Click();
+    } else if (shot == QLatin1String("exclusion")) {
+        whenOpen(
+            QStringLiteral("Exclusion"), [](QDialog*) { return true; },
+            [&](QDialog* dialog) {
+                saved = save(over(window, dialog), file);
+                dialog->reject();
+            });
+        form.ExcludedCheck.setChecked(false);
+        form.ExcludedCheck.setChecked(true);
+    } else if (shot == QLatin1String("copy")) {
+        // The picture is taken halfway, however quickly the copy goes.
+        ui.progressed = [&](double done) {
+            auto* dialog = window.findChild<QProgressDialog*>(QStringLiteral("CopyProgress"));
+            if (!saved && done >= 0.5 && dialog != nullptr) {
+                dialog->show();
+                QApplication::processEvents();
+                saved = save(over(window, dialog), file);
+            }
+        };
+        form.CopyFilesButton_Click();
+    }
+    window.close();
+    return saved ? 0 : 1;
+}
