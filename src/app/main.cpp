@@ -10,6 +10,7 @@
 #include "sweep/main_form.h"
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
+#include "ui/start_icons.h"
 
 namespace {
 
@@ -46,6 +47,7 @@ int main(int argc, char* argv[]) {
         return QApplication::exec();
     }
 
+    QApplication::setStyle(new tidewick::DeferredIconStyle);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tidewick.svg")));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.tidewick.Tidewick"));
     tidewick::QSettingsStore store;

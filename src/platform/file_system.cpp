@@ -22,7 +22,8 @@ namespace {
 
 // Sorted by name ignoring case, as the folder lists of the window show files; names that differ
 // only in letter case keep a fixed order among themselves.
-void sortByName(QList<FolderEntry>& entries) {
+template <typename Entry>
+void sortByName(QList<Entry>& entries) {
     std::vector<std::pair<QString, qsizetype>> keys;
     keys.reserve(size_t(entries.size()));
     for (qsizetype i = 0; i < entries.size(); ++i) {
@@ -34,7 +35,7 @@ void sortByName(QList<FolderEntry>& entries) {
         }
         return entries[a.second].name < entries[b.second].name;
     });
-    QList<FolderEntry> sorted;
+    QList<Entry> sorted;
     sorted.reserve(entries.size());
     for (const auto& key : keys) {
         sorted.append(std::move(entries[key.second]));
@@ -108,6 +109,31 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     ::closedir(dir);
     return entries;
 }
+
+QList<SubFolder> readSubFolders(const QString& folder) {
+    QList<SubFolder> folders;
+    DIR* dir = ::opendir(encodeFileName(folder).constData());
+    if (dir == nullptr) {
+        return folders;
+    }
+    const int fd = ::dirfd(dir);
+    while (const dirent* entry = ::readdir(dir)) {
+        const char* name = entry->d_name;
+        if (name[0] == '.' ||
+            (entry->d_type != DT_DIR && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN)) {
+            continue;  // hidden, "." and "..", or no folder
+        }
+        struct stat info {};
+        if (::fstatat(fd, name, &info, 0) != 0 || !S_ISDIR(info.st_mode)) {
+            continue;
+        }
+        // A folder's link count is 2 plus its folders on most file systems; a count of 1 (btrfs,
+        // some network file systems) says nothing.
+        folders.append({decodeFileName(name), info.st_nlink != 2});
+    }
+    ::closedir(dir);
+    return folders;
+}
 #else
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
                               const FileSystem::NameTest& wanted) {
@@ -122,6 +148,16 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
         entries.append({info.fileName(), info.size(), info.isSymLink()});
     }
     return entries;
+}
+
+QList<SubFolder> readSubFolders(const QString& folder) {
+    QList<SubFolder> folders;
+    QDirIterator it(folder, QDir::Dirs | QDir::NoDotAndDotDot);
+    while (it.hasNext()) {
+        it.next();
+        folders.append({it.fileName(), true});
+    }
+    return folders;
 }
 #endif
 
@@ -212,6 +248,12 @@ QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden,
     QList<FolderEntry> entries = readFolder(folder, withHidden, wanted);
     sortByName(entries);
     return entries;
+}
+
+QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
+    QList<SubFolder> folders = readSubFolders(folder);
+    sortByName(folders);
+    return folders;
 }
 
 QString FileSystem::currentDirectory() const {

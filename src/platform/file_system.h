@@ -25,6 +25,15 @@ struct FolderEntry {
     bool operator==(const FolderEntry&) const = default;
 };
 
+/// One sub-folder of a folder listing.
+struct SubFolder {
+    QString name;
+    /// False only when the folder is known to hold no folders of its own.
+    bool mayHaveSubFolders = true;
+
+    bool operator==(const SubFolder&) const = default;
+};
+
 class FileSystem {
 public:
     virtual ~FileSystem() = default;
@@ -49,6 +58,10 @@ public:
     using NameTest = std::function<bool(const QString& name)>;
     virtual QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                          const NameTest& wanted = {}) const;
+
+    /// The folders of `folder` that a user sees there (links to folders too, hidden ones not),
+    /// sorted by name ignoring case; empty when the folder cannot be read.
+    virtual QList<SubFolder> listFolders(const QString& folder) const;
 
     /// The program's current directory.
     virtual QString currentDirectory() const;

@@ -1,11 +1,10 @@
 #include "ui/main_window.h"
 
-#include <QAbstractFileIconProvider>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDesktopServices>
-#include <QFileSystemModel>
+#include <QDir>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLayout>
@@ -27,8 +26,10 @@
 #include "readers/session_kinds.h"
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
+#include "ui/folder_tree_model.h"
 #include "ui/frame_style.h"
 #include "ui/move_window.h"
+#include "ui/start_icons.h"
 #include "ui/twips.h"
 
 namespace tidewick {
@@ -64,15 +65,6 @@ void fitCaption(QWidget* widget) {
         widget->setFont(font);
     }
 }
-
-// The folder tree shows names only: asking the icon theme for each folder's icon costs more
-// than the whole rest of the window's start.
-class NoFolderIcons : public QAbstractFileIconProvider {
-public:
-    QIcon icon(IconType) const override { return {}; }
-    QIcon icon(const QFileInfo&) const override { return {}; }
-    QString type(const QFileInfo&) const override { return {}; }
-};
 
 // The page of the tab strip: a panel below the tabs, on which the session-file list lies.
 constexpr auto kTabPage = "FileTypeTabPage";
@@ -132,7 +124,7 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
     QFont font = this->font();
     font.setPointSizeF(kFontPoints);
     client->setFont(font);
-    folderIcon_ = style()->standardIcon(QStyle::SP_DirIcon);
+    folderIcon_ = drawnFolderIcon();
     frameStyle_ = new FrameStyle;
     frameStyle_->setParent(this);
 
@@ -175,8 +167,6 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
 
 MainWindow::~MainWindow() {
     form_.showMoveForm = nullptr;
-    // The folder model asks its icon provider for icons until it goes, so it goes first.
-    delete folders_;
 }
 
 void MainWindow::load() {
@@ -225,28 +215,11 @@ void MainWindow::createControls() {
 
 QTreeView* MainWindow::createFolderTree(QWidget* container) {
     auto* tree = new QTreeView(container);
-    folders_ = new QFileSystemModel(this);
-    folderIcons_ = std::make_unique<NoFolderIcons>();
-    folders_->setIconProvider(folderIcons_.get());
-    folders_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Drives);
+    folders_ = new FolderTreeModel(form_.FSO, this);
     tree->setModel(folders_);
     tree->setHeaderHidden(true);
-    for (int column = 1; column < folders_->columnCount(); ++column) {
-        tree->hideColumn(column);
-    }
     connect(tree, &QTreeView::clicked, this,
             [this](const QModelIndex& index) { form_.SESDir_Click(folders_->filePath(index)); });
-    // Folders load in the background and are sorted after they arrive; the current one
-    // comes into view once it is there, and again once its siblings are in order.
-    const auto bringIntoView = [this, tree] {
-        const QModelIndex folder = folders_->index(form_.SESDir.text());
-        if (folder.isValid() && tree->currentIndex() != folder) {
-            tree->setCurrentIndex(folder);
-        }
-        tree->scrollTo(folder, QAbstractItemView::PositionAtCenter);
-    };
-    connect(folders_, &QFileSystemModel::directoryLoaded, tree, bringIntoView);
-    connect(folders_, &QAbstractItemModel::layoutChanged, tree, bringIntoView);
     return tree;
 }
 
@@ -515,6 +488,10 @@ void MainWindow::syncWindow() {
 
 bool MainWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
+        // Folders may have been made or removed meanwhile, by this program or another.
+        if (folders_ != nullptr) {
+            folders_->refresh();
+        }
         form_.Form_Activate();
     }
     return QMainWindow::event(event);

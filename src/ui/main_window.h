@@ -7,8 +7,6 @@
 
 #include "sweep/main_form.h"
 
-class QAbstractFileIconProvider;
-class QFileSystemModel;
 class QComboBox;
 class QListView;
 class QTabBar;
@@ -17,6 +15,8 @@ class QTreeView;
 // The main window: one widget per control of the MainForm, placed at the control's twips,
 // showing its data and forwarding the user's actions to its handlers.
 namespace tidewick {
+
+class FolderTreeModel;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -40,10 +40,9 @@ protected:
 private:
     MainForm& form_;
     QHash<QString, QObject*> objects_;
-    QFileSystemModel* folders_ = nullptr;
+    FolderTreeModel* folders_ = nullptr;
     QStyle* frameStyle_ = nullptr;
     QIcon folderIcon_;
-    std::unique_ptr<QAbstractFileIconProvider> folderIcons_;
 
     void createControls();
     QWidget* createWidget(Control& control, QWidget* container);

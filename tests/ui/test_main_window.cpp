@@ -10,6 +10,7 @@
 #include "settings/settings.h"
 #include "support/reader_fixture.h"  // prints texts in failures; writes sessions
 #include "support/recording_interaction.h"
+#include "ui/folder_tree_model.h"
 #include "ui/main_window.h"
 #include "ui/twips.h"
 
@@ -143,9 +144,30 @@ TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
     }
     Q_EMIT drives->activated(0);
     auto* tree = find<QTreeView>("SESDir");
-    // The tree lists what lies in the chosen place (filled in the background, so only its root
-    // is looked at here).
-    EXPECT_EQ(tree->rootIndex().data(QFileSystemModel::FilePathRole).toString(), dir.path());
+    // The tree lists the folders that lie in the chosen place, hidden ones left out. Folders
+    // made or removed meanwhile appear or go when it is listed again; what it has opened stays.
+    for (const char* folder : {"Music/Band", "Music/Choir", ".config"}) {
+        ASSERT_TRUE(QDir(dir.path()).mkpath(folder));
+    }
+    auto* folders = static_cast<FolderTreeModel*>(tree->model());
+    folders->refresh();
+    EXPECT_EQ(folders->rootPath(), dir.path());
+    const QPersistentModelIndex music = folders->index(dir.filePath("Music"));
+    const auto names = [&](const QModelIndex& parent) {
+        QStringList listed;
+        for (int row = 0; row < folders->rowCount(parent); ++row) {
+            listed << folders->index(row, 0, parent).data().toString();
+        }
+        return listed.join(' ');
+    };
+    EXPECT_EQ(names({}), "Music");
+    EXPECT_EQ(folders->index(dir.filePath("Music/Band")).data(FolderTreeModel::PathRole),
+              dir.filePath("Music/Band"));
+    ASSERT_TRUE(QDir(dir.path()).rmdir("Music/Band") && QDir(dir.path()).mkpath("Music/Alto") &&
+                QDir(dir.path()).mkpath("Music/Drums"));
+    folders->refresh();
+    EXPECT_EQ(names(music), "Alto Choir Drums");
+    EXPECT_EQ(music.data(FolderTreeModel::PathRole), dir.filePath("Music"));
 }
 
 // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in the
