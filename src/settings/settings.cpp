@@ -1,5 +1,6 @@
 #include "settings/settings.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "readers/session_kinds.h"
@@ -113,18 +114,16 @@ void StoredSettings::LoadSettings(MainForm& form) {
     form.selectTabByKey(activeFileTabKey(form.ActiveFileTab));
 }
 
-void StoredSettings::SaveSettings(MainForm& form) {
-    // Sections go first, so keys that this run no longer writes (a removed exclusion) vanish;
-    // a section that is not there yet is no failure.
-    for (const QString& section : {kWindow, kSettings, kPaths, kExcluded}) {
-        store_.DeleteSetting(section);
-    }
+bool StoredSettings::holds(const QList<Value>& values, qsizetype exclusions) {
+    // U+FFFF is no character, so no stored text is ever equal to it.
+    const QString missing(QChar(0xFFFF));
+    return store_.GetSetting(kExcluded, exclusionKey(int(exclusions) + 1), missing) == missing &&
+           std::all_of(values.cbegin(), values.cend(), [&](const Value& value) {
+               return store_.GetSetting(value.section, value.key, missing) == value.text;
+           });
+}
 
-    struct Value {
-        QString section;
-        QString key;
-        QString text;
-    };
+void StoredSettings::SaveSettings(MainForm& form) {
     const QRect window = form.Main.geometry();
     QList<Value> values = {
         {kWindow, QStringLiteral("Top"), QString::number(window.top())},
@@ -149,6 +148,14 @@ void StoredSettings::SaveSettings(MainForm& form) {
     values.append(
         {kSettings, QStringLiteral("ActiveFileTab"), QString::number(form.ActiveFileTab)});
 
+    if (holds(values, form.ExcludedFiles.size())) {
+        return;  // nothing changed: the file is left as it is
+    }
+    // Sections go first, so keys that this run no longer writes (a removed exclusion) vanish;
+    // a section that is not there yet is no failure.
+    for (const QString& section : {kWindow, kSettings, kPaths, kExcluded}) {
+        store_.DeleteSetting(section);
+    }
     bool saved = true;
     for (const Value& value : values) {
         if (!store_.SaveSetting(value.section, value.key, value.text)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 #include "settings/settings_store.h"
@@ -24,11 +25,21 @@ public:
     /// Window position, options, folders, exclusions and the active tab, in the documented
     /// order; points the session browser at the last folder.
     void LoadSettings(MainForm& form) override;
-    /// Rewrites every setting; the first refused write ends the save with one message.
+    /// Rewrites every setting, unless the store holds them all already; the first refused write
+    /// ends the save with one message.
     void SaveSettings(MainForm& form) override;
 
 private:
+    struct Value {
+        QString section;
+        QString key;
+        QString text;
+    };
+
     SettingsStore& store_;
+
+    /// True when the store holds exactly `values`, with no exclusion past the first `exclusions`.
+    bool holds(const QList<Value>& values, qsizetype exclusions);
 };
 
 }  // namespace tidewick

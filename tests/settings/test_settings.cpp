@@ -70,6 +70,16 @@ TEST_F(SettingsTest, EverySettingSurvivesARoundTripInItsStoredForm) {
     EXPECT_EQ(ini().value("SETTINGS/ActiveFileTab").toString(), "3");
     EXPECT_EQ(shown(start()->form), "1500,3000 xxxx SESXFiles/3 " + last.path() + ' ' +
                                         move.path() + ' ' + copy.path() + " [lyrics.doc|*.txt]");
+
+    // A run that changes nothing leaves the file as it is (here a key the save would drop); one
+    // that removes an exclusion writes it.
+    ini().setValue("SETTINGS/Other", "kept");
+    start()->form.Form_Unload();
+    EXPECT_EQ(ini().value("SETTINGS/Other").toString(), "kept");
+    auto shorter = start();
+    shorter->form.ExcludedFiles.removeLast();
+    shorter->form.Form_Unload();
+    EXPECT_EQ(ini().allKeys().size(), 10 + 1);
 }
 
 // A hand-edited store: what it gives the window, and a save that leaves only what it wrote.
