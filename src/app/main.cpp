@@ -8,9 +8,9 @@
 #include "settings/settings.h"
 #include "settings/settings_store.h"
 #include "sweep/main_form.h"
+#include "ui/drawn_icons.h"
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
-#include "ui/start_icons.h"
 
 namespace {
 

@@ -26,10 +26,10 @@
 #include "readers/session_kinds.h"
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
+#include "ui/drawn_icons.h"
 #include "ui/folder_tree_model.h"
 #include "ui/frame_style.h"
 #include "ui/move_window.h"
-#include "ui/start_icons.h"
 #include "ui/twips.h"
 
 namespace tidewick {
@@ -44,25 +44,6 @@ void setItemsIfChanged(QComboBox* combo, const QStringList& items) {
     if (shown != items) {
         combo->clear();
         combo->addItems(items);
-    }
-}
-
-// The layout was drawn for an 8-point face; where the face at hand is wider than a caption's
-// room, that control's caption is set a little narrower and smaller until it fits.
-constexpr qreal kFontPoints = 8;
-constexpr qreal kSmallestFontPoints = 6.5;
-
-void fitCaption(QWidget* widget) {
-    widget->setFont(QFont());  // back to the window's font, so a longer caption starts afresh
-    QFont font = widget->font();
-    while (widget->sizeHint().width() > widget->width() &&
-           font.pointSizeF() > kSmallestFontPoints) {
-        if (font.stretch() == QFont::Unstretched || font.stretch() == QFont::AnyStretch) {
-            font.setStretch(QFont::SemiCondensed);
-        } else {
-            font.setPointSizeF(font.pointSizeF() - 0.5);
-        }
-        widget->setFont(font);
     }
 }
 
@@ -121,9 +102,7 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
                          twipsToPixels(MainForm::ClientHeight));
     setCentralWidget(client);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
-    QFont font = this->font();
-    font.setPointSizeF(kFontPoints);
-    client->setFont(font);
+    useLayoutFont(client);
     folderIcon_ = drawnFolderIcon();
     frameStyle_ = new FrameStyle;
     frameStyle_->setParent(this);

@@ -34,6 +34,7 @@ MoveWindow::MoveWindow(MoveForm& form, QWidget* parent)
       progress_(new QProgressBar(this)) {
     setObjectName(QStringLiteral("MoveForm"));
     setWindowTitle(QStringLiteral("Results"));
+    useLayoutFont(this);
     setFixedSize(twipsToPixels(ClientWidth), twipsToPixels(ClientHeight));
 
     results_->setObjectName(QStringLiteral("ResultsBox"));
@@ -107,6 +108,7 @@ OverwriteDialog::OverwriteDialog(const QString& message, OverwriteAnswer focus, 
     : QDialog(parent) {
     setObjectName(QStringLiteral("Overwrite"));
     setWindowTitle(programName());
+    useLayoutFont(this);
     auto* icon = new QLabel(this);
     icon->setObjectName(QStringLiteral("Image1"));
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxQuestion).pixmap(32, 32));

@@ -25,4 +25,11 @@ QRect pixelsToTwips(const QRect& pixels);
 /// Places `widget` at `twips` (left, top, width, height) within its parent.
 void placeAt(QWidget* widget, const QRect& twips);
 
+/// Gives `widget` and its children the 8-point face that the twips layouts were drawn for.
+void useLayoutFont(QWidget* widget);
+
+/// Sets the caption of `widget` a little narrower and smaller, down to 6.5 points, until it fits
+/// its room: its width, or for a caption that wraps its lines, its height.
+void fitCaption(QWidget* widget);
+
 }  // namespace tidewick

@@ -1,4 +1,4 @@
-#include "ui/start_icons.h"
+#include "ui/drawn_icons.h"
 
 #include <QIconEngine>
 #include <QPainter>
@@ -72,7 +72,30 @@ QPixmap folderPixmap(int side) {
     return pixmap;
 }
 
+QPixmap signPixmap(int side, bool plus) {
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(side / 16.0, side / 16.0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(plus ? QColor(0x3a, 0x9a, 0x3e) : QColor(0xc6, 0x3b, 0x32));
+    painter.drawRoundedRect(QRectF(2, 6.5, 12, 3), 1, 1);
+    if (plus) {
+        painter.drawRoundedRect(QRectF(6.5, 2, 3, 12), 1, 1);
+    }
+    return pixmap;
+}
+
 }  // namespace
+
+QIcon drawnSignIcon(bool plus) {
+    QIcon icon;
+    for (const int side : {16, 32}) {
+        icon.addPixmap(signPixmap(side, plus));
+    }
+    return icon;
+}
 
 QIcon drawnFolderIcon() {
     QIcon icon;
