@@ -20,6 +20,7 @@
 // window shows this data and forwards the user's actions here; tests drive it directly.
 namespace tidewick {
 
+class ExclusionForm;
 class MainForm;
 class MoveForm;
 
@@ -205,6 +206,9 @@ public:
     /// Shows the results window of a move, modal, and returns when it has closed; without it the
     /// move runs to its end with no window.
     std::function<void(MoveForm& form)> showMoveForm;
+    /// Shows "Exclude Files" over the window, modal, and returns when it has closed; without it
+    /// nothing opens.
+    std::function<void(ExclusionForm& form)> showExclusionForm;
     /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
     /// The controls as a sweep request, and the window's answers to what a sweep reports.

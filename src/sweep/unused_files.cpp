@@ -1,3 +1,4 @@
+#include "sweep/exclusion_form.h"
 #include "sweep/main_form.h"
 
 // "Files to be Moved" computed again for the lines that UsedFiles holds now: after a change of
@@ -31,8 +32,13 @@ void MainForm::KeepPKCheck_Click() {
 }
 
 void MainForm::ExcludedCheck_Click() {
-    // The exclusion list is applied by the move, not here: the list keeps showing such files.
+    // A click that checks the box opens the exclusion list. The move applies it, not this list,
+    // which keeps showing such files.
     Q_EMIT focusRequested(QStringLiteral("UnusedFiles"));
+    if (ExcludedCheck.checked() && showExclusionForm) {
+        ExclusionForm editor(ui_, ExcludedFiles);
+        showExclusionForm(editor);
+    }
 }
 
 }  // namespace tidewick

@@ -24,9 +24,11 @@
 #include "platform/path_text.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"
+#include "sweep/exclusion_form.h"
 #include "ui/about_dialog.h"
 #include "ui/combo_drop_width.h"
 #include "ui/drawn_icons.h"
+#include "ui/exclusion_window.h"
 #include "ui/folder_tree_model.h"
 #include "ui/frame_style.h"
 #include "ui/move_window.h"
@@ -129,6 +131,10 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
         }
     });
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
+    form_.showExclusionForm = [this](ExclusionForm& exclusion) {
+        ExclusionWindow editor(exclusion, this);
+        editor.exec();
+    };
     form_.showMoveForm = [this](MoveForm& move) {
         MoveWindow results(move, this);
         results.exec();
@@ -146,6 +152,7 @@ MainWindow::MainWindow(MainForm& form, QWidget* parent) : QMainWindow(parent), f
 
 MainWindow::~MainWindow() {
     form_.showMoveForm = nullptr;
+    form_.showExclusionForm = nullptr;
 }
 
 void MainWindow::load() {

@@ -209,17 +209,67 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     EXPECT_TRUE(rpp.contains(dir.filePath("Media/m.wav"))) << rpp.toStdString();
 }
 
-// "Check All" hides the version label below it; "Keep other files..." hands the keyboard to the
-// list of other files.
-TEST_F(MainWindowTest, ScanAllHidesTheLabelBelowAndExcludedCheckFocusesTheList) {
+// "Check All" hides the version label below it.
+TEST_F(MainWindowTest, ScanAllHidesTheLabelBelow) {
     const QRect scanAll = find("ScanAll")->geometry();
     const QImage before = find("UsedFrame")->grab(scanAll).toImage();
     run->form.SESVersionLabel.setText("Audition 3.0 Audition 3.0");
     EXPECT_EQ(find("UsedFrame")->grab(scanAll).toImage(), before);
+}
+
+// "Keep other files..." opens "Exclude Files" when the click checks it. Enter adds the box's
+// text; a typed or pasted path keeps only what a name may hold; OK makes the list, which the
+// window saves as it closes. Escape with nothing changed closes at once, and the keyboard goes
+// back to the list of other files.
+TEST_F(MainWindowTest, KeepOtherFilesEditsTheExclusionListThatTheWindowSaves) {
     run->window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&run->window));
-    find<QAbstractButton>("ExcludedCheck")->click();
-    EXPECT_TRUE(find("UnusedFiles")->hasFocus());
+    QStringList shownEntries;
+    std::function<void(QDialog*)> act;  // what the user does once the editor is open
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        auto* editor = run->window.findChild<QDialog*>("Exclusion");
+        if (editor != nullptr && editor->isVisible() && act) {
+            auto* entries = editor->findChild<QListWidget*>("SpecList");
+            shownEntries.clear();
+            for (int row = 0; row < entries->count(); ++row) {
+                shownEntries << entries->item(row)->text();
+            }
+            std::exchange(act, nullptr)(editor);
+        }
+    });
+    user.start(20);
+    auto* check = find<QAbstractButton>("ExcludedCheck");
+
+    act = [](QDialog* editor) {
+        EXPECT_EQ(editor->windowTitle(), "Exclude Files");
+        EXPECT_EQ(editor->size(), QSize(449, 301));
+        auto* spec = editor->findChild<QLineEdit*>("SpecText");
+        QTest::keyClicks(spec, " *.TMP ");
+        QTest::keyClick(spec, Qt::Key_Return);
+        QTest::keyClicks(spec, "C:\\take;1.wav");
+        QTest::keyClick(spec, Qt::Key_Return);
+        QApplication::clipboard()->setText("lyrics/v2:final.doc");
+        spec->paste();
+        editor->findChild<QAbstractButton*>("ActionButton0")->click();
+        editor->findChild<QPushButton*>("OKButton")->click();
+    };
+    check->click();
+    EXPECT_TRUE(shownEntries.isEmpty());
+    EXPECT_EQ(run->form.ExcludedFiles, QStringList({"*.TMP", "Ctake1.wav", "lyricsv2final.doc"}));
+    run->window.activateWindow();  // as the desktop does when a dialog closes; offscreen does not
+    EXPECT_TRUE(QTest::qWaitFor([this] { return find("UnusedFiles")->hasFocus(); }));
+
+    check->click();  // clearing the box opens nothing
+    act = [](QDialog* editor) { QTest::keyClick(editor, Qt::Key_Escape); };
+    check->click();
+    EXPECT_EQ(shownEntries, run->form.ExcludedFiles);
+    EXPECT_TRUE(run->ui.messages.isEmpty());
+
+    run->window.close();
+    QSettings ini(storeFile, QSettings::IniFormat);
+    EXPECT_EQ(ini.value("EXCLUDED/File00002").toString(), "Ctake1.wav");
+    EXPECT_EQ(ini.value("EXCLUDED/File00003").toString(), "lyricsv2final.doc");
 }
 
 // "&Move Files" through the window: the confirmation, the overwrite question with the focus on

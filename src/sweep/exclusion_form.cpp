@@ -1,0 +1,124 @@
+#include "sweep/exclusion_form.h"
+
+#include <algorithm>
+
+#include "platform/path_text.h"
+
+namespace tidewick {
+
+ExclusionForm::ExclusionForm(UserInteraction& ui, QStringList& excludedFiles)
+    : ui_(ui), excludedFiles_(excludedFiles) {}
+
+void ExclusionForm::Form_Load() {
+    SpecList = excludedFiles_;
+    SelectedEntries.clear();
+    CurrentEntry = -1;
+    ListChanged = false;
+    Q_EMIT listChanged();
+}
+
+int ExclusionForm::SpecText_KeyPress(int keyAscii) {
+    static const QString admitted = QStringLiteral(
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 &'@{}[],$=!-#()%.+~_*?");
+    constexpr int backspace = 8;
+    const bool takes = keyAscii == backspace ||
+                       (keyAscii > 0 && keyAscii < 128 && admitted.contains(QChar(keyAscii)));
+    return takes ? keyAscii : 0;
+}
+
+QString ExclusionForm::admittedSpecText(const QString& text) {
+    QString admitted;
+    for (const QChar c : text) {
+        if (c.unicode() != 8 && SpecText_KeyPress(c.unicode()) != 0) {
+            admitted += c;
+        }
+    }
+    return admitted;
+}
+
+void ExclusionForm::ActionButton_Click(int index) {
+    if (index == 0) {
+        add();
+    } else if (index == 1) {
+        remove();
+    }
+    // The box gets the keyboard with its text selected, ready for the next entry.
+    Q_EMIT specTextSelected();
+    ui_.processEvents();
+}
+
+void ExclusionForm::add() {
+    const QString entry = trimBlanks(SpecText);
+    const QString title = QStringLiteral("Error");
+    if (entry.isEmpty()) {
+        showOk(ui_, QStringLiteral("You haven't specified anything to add to the list."), title,
+               MessageIcon::Information);
+    } else if (SpecList.contains(entry)) {  // letter case counts here, not in the move
+        showOk(ui_, QStringLiteral("The file specification is already listed."), title,
+               MessageIcon::Information);
+    } else {
+        SpecList.append(entry);
+        ListChanged = true;
+        setSpecText({});
+        Q_EMIT listChanged();
+    }
+}
+
+void ExclusionForm::remove() {
+    if (SelectedEntries.size() <= 1) {
+        // The entry with the focus mark comes back into the box, to be edited and added again.
+        if (CurrentEntry < 0 || CurrentEntry >= SpecList.size()) {
+            return;
+        }
+        setSpecText(SpecList.takeAt(CurrentEntry));
+    } else {
+        const QString question = QStringLiteral("Are you sure you wish to Remove the ") +
+                                 QString::number(SelectedEntries.size()) +
+                                 QStringLiteral(" selected items?");
+        if (ui_.showMessage({question, QStringLiteral("Remove Selected Items"),
+                             MessageIcon::Question, MessageButtons::YesNo, MessageAnswer::No}) !=
+            MessageAnswer::Yes) {
+            return;
+        }
+        QList<int> rows = SelectedEntries;
+        std::sort(rows.begin(), rows.end(), std::greater<>());
+        for (const int row : rows) {
+            if (row >= 0 && row < SpecList.size()) {
+                SpecList.removeAt(row);
+            }
+        }
+        setSpecText({});
+    }
+    ListChanged = true;
+    SelectedEntries.clear();
+    CurrentEntry = -1;
+    Q_EMIT listChanged();
+}
+
+void ExclusionForm::OKButton_Click() {
+    excludedFiles_ = SpecList;
+    ListChanged = false;
+    Q_EMIT closeRequested();
+}
+
+void ExclusionForm::CancelButton_Click() {
+    if (ListChanged &&
+        ui_.showMessage({QStringLiteral("Changes have been made to the Exclusion List.  Are you "
+                                        "sure you wish abandon those changes?"),
+                         QStringLiteral("Unsaved Changes"), MessageIcon::Question,
+                         MessageButtons::YesNo, MessageAnswer::No}) != MessageAnswer::Yes) {
+        return;
+    }
+    Q_EMIT closeRequested();
+}
+
+void ExclusionForm::SpecText_GotFocus() {
+    Q_EMIT specTextSelected();
+}
+
+void ExclusionForm::setSpecText(const QString& text) {
+    SpecText = text;
+    Q_EMIT specTextChanged();
+}
+
+}  // namespace tidewick
