@@ -131,7 +131,8 @@ ExclusionWindow::ExclusionWindow(ExclusionForm& form, QWidget* parent)
     });
     connect(&form, &ExclusionForm::specTextSelected, this, [this] {
         specText_->setFocus();
-        specText_->selectAll();
+        // After a click that brought the focus has placed the cursor.
+        QMetaObject::invokeMethod(specText_, &QLineEdit::selectAll, Qt::QueuedConnection);
     });
     connect(&form, &ExclusionForm::listChanged, this, &ExclusionWindow::showList);
     connect(specList_, &QListWidget::itemSelectionChanged, this, [this] {

@@ -252,6 +252,11 @@ TEST_F(MainWindowTest, KeepOtherFilesEditsTheExclusionListThatTheWindowSaves) {
         QApplication::clipboard()->setText("lyrics/v2:final.doc");
         spec->paste();
         editor->findChild<QAbstractButton*>("ActionButton0")->click();
+        QTest::keyClicks(spec, "kept.doc");  // a click back into the box selects its text
+        editor->findChild<QListWidget*>("SpecList")->setFocus();
+        QTest::mouseClick(spec, Qt::LeftButton);
+        QApplication::processEvents();
+        EXPECT_EQ(spec->selectedText(), "kept.doc");
         editor->findChild<QPushButton*>("OKButton")->click();
     };
     check->click();
