@@ -6,6 +6,12 @@
 
 namespace tidewick {
 
+namespace {
+
+constexpr int kBackspace = 8;
+
+}  // namespace
+
 ExclusionForm::ExclusionForm(UserInteraction& ui, QStringList& excludedFiles)
     : ui_(ui), excludedFiles_(excludedFiles) {}
 
@@ -20,8 +26,7 @@ void ExclusionForm::Form_Load() {
 int ExclusionForm::SpecText_KeyPress(int keyAscii) {
     static const QString admitted = QStringLiteral(
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 &'@{}[],$=!-#()%.+~_*?");
-    constexpr int backspace = 8;
-    const bool takes = keyAscii == backspace ||
+    const bool takes = keyAscii == kBackspace ||
                        (keyAscii > 0 && keyAscii < 128 && admitted.contains(QChar(keyAscii)));
     return takes ? keyAscii : 0;
 }
@@ -29,7 +34,7 @@ int ExclusionForm::SpecText_KeyPress(int keyAscii) {
 QString ExclusionForm::admittedSpecText(const QString& text) {
     QString admitted;
     for (const QChar c : text) {
-        if (c.unicode() != 8 && SpecText_KeyPress(c.unicode()) != 0) {
+        if (c.unicode() != kBackspace && SpecText_KeyPress(c.unicode()) != 0) {
             admitted += c;
         }
     }

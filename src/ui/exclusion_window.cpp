@@ -35,13 +35,6 @@ public:
     }
 };
 
-template <typename Widget>
-Widget* placed(Widget* widget, const QString& name, const QRect& twips) {
-    widget->setObjectName(name);
-    placeAt(widget, twips);
-    return widget;
-}
-
 }  // namespace
 
 ExclusionWindow::ExclusionWindow(ExclusionForm& form, QWidget* parent)

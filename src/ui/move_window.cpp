@@ -18,10 +18,8 @@ namespace {
 
 QPushButton* addButton(QDialog* dialog, const QString& name, const QString& caption,
                        const QRect& twips) {
-    auto* button = new QPushButton(caption, dialog);
-    button->setObjectName(name);
+    auto* button = placed(new QPushButton(caption, dialog), name, twips);
     button->setAutoDefault(true);
-    placeAt(button, twips);
     return button;
 }
 
@@ -37,13 +35,11 @@ MoveWindow::MoveWindow(MoveForm& form, QWidget* parent)
     useLayoutFont(this);
     setFixedSize(twipsToPixels(ClientWidth), twipsToPixels(ClientHeight));
 
-    results_->setObjectName(QStringLiteral("ResultsBox"));
+    placed(results_, QStringLiteral("ResultsBox"), {60, 90, 9345, 5235});
     results_->setReadOnly(true);
     results_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    placeAt(results_, {60, 90, 9345, 5235});
-    progress_->setObjectName(QStringLiteral("MoveProgress"));
+    placed(progress_, QStringLiteral("MoveProgress"), {60, 5355, 9345, 120});
     progress_->setTextVisible(false);
-    placeAt(progress_, {60, 5355, 9345, 120});
 
     buttons_ = {addButton(this, QStringLiteral("ExploreButton"),
                           QStringLiteral("E&xplore Destination Folder"), {803, 5520, 2355, 495}),
@@ -109,10 +105,8 @@ OverwriteDialog::OverwriteDialog(const QString& message, OverwriteAnswer focus, 
     setObjectName(QStringLiteral("Overwrite"));
     setWindowTitle(programName());
     useLayoutFont(this);
-    auto* icon = new QLabel(this);
-    icon->setObjectName(QStringLiteral("Image1"));
+    auto* icon = placed(new QLabel(this), QStringLiteral("Image1"), {60, 180, 630, 585});
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxQuestion).pixmap(32, 32));
-    placeAt(icon, {60, 180, 630, 585});
 
     // A long path breaks after its separators.
     QString shown = message;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 
 class QWidget;
 
@@ -24,6 +25,14 @@ QRect pixelsToTwips(const QRect& pixels);
 
 /// Places `widget` at `twips` (left, top, width, height) within its parent.
 void placeAt(QWidget* widget, const QRect& twips);
+
+/// Names `widget` after its control and places it at `twips`; returns it.
+template <typename Widget>
+Widget* placed(Widget* widget, const QString& name, const QRect& twips) {
+    widget->setObjectName(name);
+    placeAt(widget, twips);
+    return widget;
+}
 
 /// Gives `widget` and its children the 8-point face that the twips layouts were drawn for.
 void useLayoutFont(QWidget* widget);
