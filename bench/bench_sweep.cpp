@@ -12,7 +12,7 @@
 #include "readers/session_kinds.h"
 #include "session_folder.h"
 #include "support/recording_interaction.h"
-#include "sweep/main_form.h"
+#include "forms/main_form.h"
 
 namespace {
 

@@ -5,22 +5,12 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "settings/settings.h"
+#include "app/option_value.h"
+#include "forms/main_form.h"
 #include "settings/settings_store.h"
-#include "sweep/main_form.h"
 #include "ui/drawn_icons.h"
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
-
-namespace {
-
-// The value after `option` on the command line, or empty text.
-QString optionValue(const QStringList& arguments, const QString& option) {
-    const qsizetype at = arguments.indexOf(option);
-    return at > 0 ? arguments.value(at + 1) : QString();
-}
-
-}  // namespace
 
 // Tidewick's desktop program. Four options serve development and are not for users:
 //   --quit-when-shown   ends the program as soon as its window has been shown (start-up timing)
@@ -33,8 +23,8 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     const bool quitWhenShown = arguments.contains(QStringLiteral("--quit-when-shown"));
-    const QString screenshot = optionValue(arguments, QStringLiteral("--screenshot"));
-    const QString selected = optionValue(arguments, QStringLiteral("--select"));
+    const QString screenshot = tidewick::optionValue(arguments, QStringLiteral("--screenshot"));
+    const QString selected = tidewick::optionValue(arguments, QStringLiteral("--select"));
 
     if (arguments.contains(QStringLiteral("--label-window"))) {
         QMainWindow window;
@@ -51,10 +41,9 @@ int main(int argc, char* argv[]) {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/tidewick.svg")));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.tidewick.Tidewick"));
     tidewick::QSettingsStore store;
-    tidewick::StoredSettings settings(store);
     tidewick::QtInteraction ui;
-    tidewick::MainForm form(ui, &settings);
-    tidewick::MainWindow window(form);
+    tidewick::MainForm form(ui);
+    tidewick::MainWindow window(form, &store);
     ui.setOwner(&window);
     ui.setUnattended(quitWhenShown || !screenshot.isEmpty());
     window.load();

@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <functional>
 
-#include "settings/settings.h"
+#include "app/option_value.h"
+#include "forms/main_form.h"
 #include "settings/settings_store.h"
-#include "sweep/main_form.h"
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
 
@@ -86,11 +86,6 @@ void whenOpen(const QString& name, std::function<bool(QDialog*)> ready,
     timer->start(100);
 }
 
-QString optionValue(const QStringList& arguments, const QString& option) {
-    const qsizetype at = arguments.indexOf(option);
-    return at > 0 ? arguments.value(at + 1) : QString();
-}
-
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -104,11 +99,10 @@ int main(int argc, char* argv[]) {
     }
     const QString shot = arguments[1], file = arguments[2];
     QSettingsStore store;
-    StoredSettings settings(store);
     ShotUser ui;
     ui.folder = optionValue(arguments, QStringLiteral("--to"));
-    MainForm form(ui, &settings);
-    MainWindow window(form);
+    MainForm form(ui);
+    MainWindow window(form, &store);
     ui.setOwner(&window);
     window.load();
     const QString selected = optionValue(arguments, QStringLiteral("--select"));

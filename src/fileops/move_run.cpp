@@ -14,14 +14,6 @@ namespace {
 
 const QString kDashes = QString(50, QLatin1Char('-'));
 
-// The folder the files are copied into: the target, or its sub-folder named after the session.
-QString destinationFolder(const MoveRequest& request) {
-    if (request.storeInSubFolder) {
-        return withSeparator(request.targetText) + trimBlanks(GetBaseName(request.sessionFile));
-    }
-    return request.targetText;
-}
-
 // The file an item stands for. On the REAPER tab an item may be a file of the record folder
 // given by its whole path; any other item lies in the session folder. Only a whole path counts
 // as one: a bare name is never looked for in the program's current directory.
@@ -87,7 +79,7 @@ private:
 
 MoveOutcome MoveRun::run() {
     const QString sourceFolder = withSeparator(request_.sessionFolder);
-    log(QStringLiteral("Moving selected files to...") + moveTarget(request_) + kLogLineEnd);
+    log(QStringLiteral("Moving selected files to...") + moveDestination(request_) + kLogLineEnd);
     log(QStringLiteral("Commenced ") + logTimestamp() + kLogLineEnd + kDashes + kLogLineEnd);
     bool yesToAll = false;
     qsizetype index = 0;
@@ -144,7 +136,7 @@ void MoveRun::moveFile(qsizetype index) {
         copyFailed(index, error);
         return;
     }
-    const QString folder = destinationFolder(request_);
+    const QString folder = moveDestination(request_);
     if (!disk_.FolderExists(folder)) {
         if (const FileResult failed = disk_.createFolder(folder)) {
             copyFailed(index, *failed);
@@ -180,16 +172,16 @@ void MoveRun::moveFile(qsizetype index) {
 
 }  // namespace
 
-QString moveTarget(const MoveRequest& request) {
+QString moveDestination(const MoveRequest& request) {
     if (request.storeInSubFolder) {
-        return withSeparator(request.targetText) + GetBaseName(request.sessionFile);
+        return withSeparator(request.targetText) + trimBlanks(GetBaseName(request.sessionFile));
     }
     return request.targetText;
 }
 
 PlannedMove planMove(const MoveRequest& request, const QString& item, const FileSystem& disk) {
     return {sourcePath(request, item, disk),
-            withSeparator(destinationFolder(request)) + GetFileName(item),
+            withSeparator(moveDestination(request)) + GetFileName(item),
             request.excludeOn && wildcardMatchesAny(item, request.excluded)};
 }
 

@@ -26,7 +26,7 @@ struct MoveRequest {
     QString sessionFolder;
     /// The selected session's file name; its base name names the sub-folder of the target.
     QString sessionFile;
-    /// The text of the target folder box.
+    /// The target folder, as the target folder box gives it, trimmed of blanks where it enters.
     QString targetText;
     /// The files go into a sub-folder named after the session ("Store files in ...").
     bool storeInSubFolder = false;
@@ -39,8 +39,9 @@ struct MoveRequest {
     QList<MoveItem> items;
 };
 
-/// The folder the files go to, as the log names it.
-QString moveTarget(const MoveRequest& request);
+/// The folder the files go to: the target, or its sub-folder named after the session. The run,
+/// the confirmation, the log and Explore all name this one folder.
+QString moveDestination(const MoveRequest& request);
 
 /// Where one item of a move comes from and goes to, and whether the exclusion list keeps it.
 struct PlannedMove {

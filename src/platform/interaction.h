@@ -93,6 +93,11 @@ public:
     }
 };
 
+/// The name the program shows in its caption, its messages and its settings.
+inline QString programName() {
+    return QStringLiteral("Tidewick");
+}
+
 /// The command that opens a folder in the desktop's file manager, as messages name it.
 QString fileManagerCommand();
 

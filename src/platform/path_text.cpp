@@ -1,5 +1,6 @@
 #include "platform/path_text.h"
 
+#include <QDir>
 #include <algorithm>
 
 namespace tidewick {
@@ -27,6 +28,24 @@ bool isPathSeparator(QChar c) {
 QString withSeparator(QString folder) {
     AddBackslash(folder);
     return folder;
+}
+
+bool isHostRooted(const QString& path) {
+    if (path.isEmpty()) {
+        return false;
+    }
+#ifdef Q_OS_WIN
+    if (path.size() >= 2 && path[1] == u':' && path[0].isLetter()) {
+        return true;
+    }
+    return isPathSeparator(path.front());
+#else
+    return path.front() == u'/';
+#endif
+}
+
+QString cleanHostPath(const QString& path) {
+    return QDir::toNativeSeparators(QDir::cleanPath(path));
 }
 
 QString AddBackslash(QString& path) {

@@ -43,6 +43,14 @@ QString GetExtensionName(const QString& path);
 /// that a name can neither break a line nor drive a terminal.
 QString visibleText(const QString& text);
 
+/// Whether `path` begins at a root of this machine: "/" (on Windows also "C:" and "\\").
+/// Anything else is a name to be taken in some folder.
+bool isHostRooted(const QString& path);
+
+/// `path` in one spelling, with the host's separators and without "." and ".." steps or
+/// doubled separators: "/s/x/../Audio/a" and "/s/./Audio/a" are both "/s/Audio/a".
+QString cleanHostPath(const QString& path);
+
 /// Removes leading and trailing blanks (code 32) only; tabs and other white space stay.
 QString trimBlanks(const QString& text);
 

@@ -25,6 +25,26 @@ struct SessionKind {
     QString keepPeaksCaption;  ///< caption of KeepPKCheck
     QString peakExtension;     ///< "pk", lower case, without the dot
     SessionReader reader;      ///< reads the bytes of one file of this kind
+    /// The tab shows the sub-folder row, which gathers one more folder (REAPER, Vegas).
+    bool subFolderRow = false;
+    /// The record folder a switch to the tab starts from: the suffix of each session's
+    /// recordings folder ("_Recorded": mix_Recorded for mix.ses), gathered with the session
+    /// folder; empty for the kinds whose record folder is the session folder itself.
+    QString recordingsSuffix;
+    /// A peak file is named after the whole media name ("song.wav.reapeaks"), and so belongs to
+    /// media of any of the audio extensions, not to a ".wav" alone.
+    bool peakNamesWholeMedia = false;
+    /// The session names its own record folder (REAPER's RECORD_PATH), which the load settles.
+    bool namesRecordFolder = false;
+
+    /// The peak files' pattern: "*.pk".
+    QString peakPattern() const { return QStringLiteral("*.") + peakExtension; }
+    /// The length of a session file's extension: 4 for "sesx", 3 for the others.
+    qsizetype extensionLength() const { return sessionPattern.size() - 2; }
+    /// The record folder a switch to the tab gives, for the session folder `folder`.
+    QString startingRecordFolder(const QString& folder) const {
+        return recordingsSuffix.isEmpty() ? folder : recordingsSuffix;
+    }
 };
 
 /// All five kinds, in tab order.

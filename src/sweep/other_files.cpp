@@ -1,5 +1,3 @@
-#include <QDir>
-
 #include "platform/path_text.h"
 #include "platform/wildcard.h"
 #include "sweep/pattern_list.h"
@@ -9,37 +7,6 @@
 namespace tidewick {
 
 namespace {
-
-bool isAuditionKind(SessionKindId id) {
-    return id == SessionKindId::Ses || id == SessionKindId::Xml || id == SessionKindId::Sesx;
-}
-
-// REAPER and Vegas name their peak files after the whole media name (song.wav.reapeaks).
-bool isProjectKind(SessionKindId id) {
-    return id == SessionKindId::Rpp || id == SessionKindId::Veg;
-}
-
-// A path in one spelling, without "." and ".." steps or doubled separators: "/s/x/../Audio/a"
-// and "/s/./Audio/a" are both "/s/Audio/a".
-QString cleanPath(const QString& path) {
-    return QDir::toNativeSeparators(QDir::cleanPath(path));
-}
-
-// Whether `path` begins at a root of this machine: "/" (or "\\", "C:" on Windows). Anything
-// else is taken in the session folder.
-bool isRooted(const QString& path) {
-    if (path.isEmpty()) {
-        return false;
-    }
-#ifdef Q_OS_WIN
-    if (path.size() >= 2 && path[1] == u':' && path[0].isLetter()) {
-        return true;
-    }
-    return isPathSeparator(path.front());
-#else
-    return path.front() == u'/';
-#endif
-}
 
 // One computation of the other files: the folders are listed one after another into one list,
 // in which no text stands twice.
@@ -63,7 +30,7 @@ public:
         // The selected session, or with "Check All" every session of the kind ("*.rpp").
         const QString sessionsToIgnore = whole ? kind_.sessionPattern : selected;
         addFolder(sessionFolder_, {}, sessionsToIgnore);
-        if (isAuditionKind(kind_.id)) {
+        if (!kind_.recordingsSuffix.isEmpty()) {
             // Each scanned session's recordings folder: mix_Recorded for mix.ses.
             const ScanRange range = scanRange(request_);
             for (int i = range.first; i <= range.last; ++i) {
@@ -102,7 +69,7 @@ private:
     // sub-folder row may name the session folder itself, or REAPER's record folder may be the
     // project's.
     void addFolder(const QString& named, const QString& prefix, const QString& sessionToIgnore) {
-        const QString folder = withSeparator(cleanPath(named));
+        const QString folder = withSeparator(cleanHostPath(named));
         if (listedFolders_.contains(folder) || !fs_.FolderExists(folder)) {
             return;  // a folder gathered already, or a session without a recordings folder
         }
@@ -140,7 +107,7 @@ private:
     // for REAPER and Vegas song.wav.reapeaks to song.flac as well as to song.wav. Kept back
     // with "Keep Used ... Files", listed otherwise.
     void addPeakFiles(const QString& prefix, const QList<const FolderEntry*>& peakFiles) {
-        const bool secondTrim = isProjectKind(kind_.id);
+        const bool secondTrim = kind_.peakNamesWholeMedia;
         if (secondTrim) {
             idle();
         }
@@ -186,13 +153,13 @@ private:
 }  // namespace
 
 QString otherFilePath(const QString& sessionFolder, const QString& text) {
-    return isRooted(text) ? text : sessionFolder + text;
+    return isHostRooted(text) ? text : sessionFolder + text;
 }
 
 QList<OtherFile> otherFilesNotListed(const QStringList& listed, const QList<OtherFile>& more,
                                      const QString& sessionFolder) {
     const auto fileOf = [&sessionFolder](const QString& text) {
-        return cleanPath(otherFilePath(sessionFolder, text));
+        return cleanHostPath(otherFilePath(sessionFolder, text));
     };
     QSet<QString> files;
     files.reserve(listed.size() + more.size());
@@ -225,65 +192,13 @@ QString reaperSubFolder(const QString& recordFolder, const QString& projectFolde
     const QString project = withSeparator(projectFolder);
     // A relative record path is a folder of the project, never one of the program's current
     // folder: that could be any folder, and its files would be offered for moving.
-    if (isRooted(record) && fs.FolderExists(record)) {
+    if (isHostRooted(record) && fs.FolderExists(record)) {
         return record;
     }
-    if (!record.isEmpty() && !isRooted(record) && fs.FolderExists(project + record)) {
+    if (!record.isEmpty() && !isHostRooted(record) && fs.FolderExists(project + record)) {
         return project + record;
     }
     return project;
-}
-
-QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {
-    return trimmed || GetParentFolderName(text).isEmpty() ? sessionFolder + text : text;
-}
-
-QString usedKey(const QString& name) {
-    for (const QChar c : name) {
-        if (c.unicode() >= 0x80) {
-            return name.normalized(QString::NormalizationForm_C).toUpper();
-        }
-    }
-    return name.toUpper();
-}
-
-UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, bool trimmed)
-    : trimmed_(trimmed) {
-    static const QSet<QString> kMediaExtensions = {
-        QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
-        QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    const QString folder = withSeparator(sessionFolder);
-    files_.reserve(lines.size());
-    for (const QString& text : lines) {
-        // "x/../take.wav" names the same file as "take.wav", and is compared as such.
-        files_.insert(usedKey(cleanPath(usedLineFile(text, folder, trimmed))));
-        if (trimmed) {
-            lines_.insert(usedKey(text));
-        }
-        const QString extension = GetExtensionName(text).toLower();
-        if (kMediaExtensions.contains(extension)) {
-            const QString base = GetBaseName(text).toUpper();
-            mediaOwners_.insert(base);
-            if (extension == QLatin1String("wav")) {
-                wavOwners_.insert(base);
-            }
-        }
-    }
-}
-
-bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
-    return files_.contains(usedKey(path)) ||
-           (trimmed_ && lines_.contains(usedKey(trimFolders(path, recordFolder))));
-}
-
-bool UsedIndex::names(const QString& folderKey, const QString& name, const QString& nameKey,
-                      const QString& recordFolder) const {
-    // Keys join where the folder ends in its separator: letter case and the form of accented
-    // letters change nothing across it.
-    if (files_.contains(folderKey + nameKey)) {
-        return true;
-    }
-    return trimmed_ && names(folderKey + name, recordFolder);
 }
 
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,

@@ -2,8 +2,6 @@
 
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
-#include "sweep/listed_disk.h"
-#include "sweep/pattern_list.h"
 #include "sweep/sweep.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
@@ -35,12 +33,6 @@ QString toHostPath(QString path) {
         path.replace(u'\\', u'/');
     }
     return path;
-}
-
-// The length of extension a session file of a text kind must have to be read: four letters for
-// SESX, three for XML, REAPER and Vegas.
-qsizetype extensionLength(SessionKindId kind) {
-    return kind == SessionKindId::Sesx ? 4 : 3;
 }
 
 // One media path as the used list shows it, and the file whose existence checks it.
@@ -105,7 +97,7 @@ private:
         const QString fullName = sessionFolder_ + name;
         if (kind_.id != SessionKindId::Ses) {
             media_.lastExtension = GetExtensionName(fullName);
-            if (media_.lastExtension.size() != extensionLength(kind_.id)) {
+            if (media_.lastExtension.size() != kind_.extensionLength()) {
                 return;  // "take.sesx2" under SESX, "a.xmlx" under XML: not read, not said
             }
         }
@@ -205,50 +197,8 @@ UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
     return UsedMediaLoad(request, fs, events).run();
 }
 
-Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events) {
-    const SessionKindId kind = request.kind->id;
-    const bool nothingSelected = !request.wholeFolder && request.selected < 0;
-    // The session folder is listed for the other files anyway; listed first, it also tells
-    // which of the used files there exist, without a question to the disk for each.
-    const ListedDisk disk(fs);
-    if (!nothingSelected) {
-        disk.listFiles(request.folder);
-    }
-    Sweep sweep;
-    sweep.used = readUsedMedia(request, disk, events);
-    // A session file whose extension is longer than its kind's ("a.xmlx") was not read: with
-    // nothing read, every file would look unused.
-    const bool longExtension =
-        !request.wholeFolder && sweep.used.lastExtension.size() > extensionLength(kind);
-    if (sweep.used.stopped || nothingSelected || (kind != SessionKindId::Ses && longExtension)) {
-        return sweep;
-    }
-    SweepRequest listed = request;
-    if (kind == SessionKindId::Rpp) {
-        // The record folder the projects settled on is what the sub-folder row gathers.
-        sweep.used.recordFolder.remove(u'"');
-        listed.subFolder = reaperSubFolder(sweep.used.recordFolder, request.folder, disk);
-    }
-    QStringList texts;
-    texts.reserve(sweep.used.lines.size());
-    for (const UsedLine& line : sweep.used.lines) {
-        texts.append(line.text);
-    }
-    sweep.others = listOtherFiles(listed, UsedIndex(texts, request.folder, request.trimFolders),
-                                  sweep.used.recordFolder, disk, events);
-    return sweep;
-}
-
-QStringList sessionFiles(const FileSystem& fs, const QString& folder, const QString& pattern) {
-    // Hidden sessions are listed too, but only ordinary files: a pipe or device named like a
-    // session is no session, and reading one would block or never end.
-    const PatternList sessions(pattern);
-    QStringList names;
-    const auto wanted = [&sessions](const QString& name) { return sessions.matches(name); };
-    for (const FolderEntry& entry : fs.listFiles(folder, true, wanted)) {
-        names.append(entry.name);
-    }
-    return names;
+QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {
+    return trimmed || GetParentFolderName(text).isEmpty() ? sessionFolder + text : text;
 }
 
 }  // namespace tidewick

@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "sweep/main_form.h"
+#include "forms/main_form.h"
 
 namespace tidewick {
 

@@ -10,7 +10,8 @@
 #include <QToolButton>
 #include <QValidator>
 
-#include "sweep/exclusion_form.h"
+#include "forms/exclusion_form.h"
+#include "ui/control_widgets.h"
 #include "ui/drawn_icons.h"
 #include "ui/frame_style.h"
 #include "ui/twips.h"
@@ -41,93 +42,60 @@ ExclusionWindow::ExclusionWindow(ExclusionForm& form, QWidget* parent)
     : QDialog(parent), form_(form) {
     setObjectName(QStringLiteral("Exclusion"));
     setWindowTitle(QStringLiteral("Exclude Files"));
-    setFixedSize(twipsToPixels(ClientWidth), twipsToPixels(ClientHeight));
+    setFixedSize(twipsToPixels(ExclusionForm::ClientWidth),
+                 twipsToPixels(ExclusionForm::ClientHeight));
     useLayoutFont(this);
-
-    auto* frame = placed(new QGroupBox(QStringLiteral("Exclude the listed file specifications "
-                                                      "from the Move operation"),
-                                       this),
-                         QStringLiteral("Frame1"), {60, 90, 6615, 3825});
     auto* frameStyle = new FrameStyle;
     frameStyle->setParent(this);
-    frame->setStyle(frameStyle);
-    auto* intro = placed(
-        new QLabel(QStringLiteral(
-                       "Enter a file specification you wish to exclude from the Move operation "
-                       "into the box below and then click the Add button (or press Enter) to add "
-                       "it to the Exclusion List (eg lyrics.doc).  The standard wildcards * and ? "
-                       "can also be used (eg *.doc).  To remove items from the list, select the "
-                       "item(s) in the Exclusion List and click the Remove button."),
-                   frame),
-        QStringLiteral("Label1"), {90, 360, 6405, 825});
-    intro->setWordWrap(true);
-    intro->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    fitCaption(intro);
-    auto* divider = placed(new QFrame(frame), QStringLiteral("Frame2"), {60, 1230, 6525, 65});
-    divider->setFrameShape(QFrame::HLine);
-    divider->setFrameShadow(QFrame::Sunken);
-    placed(new QLabel(QStringLiteral("File Specification"), frame), QStringLiteral("Label4"),
-           {210, 1500, 2385, 225});
-    specText_ = placed(new QLineEdit(frame), QStringLiteral("SpecText"), {210, 1740, 2565, 315});
+    const QHash<QString, QObject*> widgets =
+        makeControlWidgets(this, form.controls(), ControlLook{frameStyle, {}});
+    specText_ = qobject_cast<QLineEdit*>(widgets.value(QStringLiteral("SpecText")));
+    specList_ = qobject_cast<QListWidget*>(widgets.value(QStringLiteral("SpecList")));
+    bindButtons(widgets);
+    bindSpecText();
+    bindSpecList();
+    connect(&form, &ExclusionForm::closeRequested, this, &QDialog::accept);
+    form.Form_Load();
+    specText_->setFocus();
+}
+
+// Picture buttons: the sign above the caption. Enter anywhere but on a button adds, as the
+// dialog's default button would (see keyPressEvent).
+void ExclusionWindow::bindButtons(const QHash<QString, QObject*>& widgets) {
+    for (int index = 0; index < 2; ++index) {
+        auto* button =
+            qobject_cast<QToolButton*>(widgets.value(QStringLiteral("ActionButton%1").arg(index)));
+        button->setIcon(drawnSignIcon(index == 0));
+        connect(button, &QToolButton::clicked, &form_,
+                [this, index] { form_.ActionButton_Click(index); });
+    }
+    const auto button = [&widgets](const char* name) {
+        return qobject_cast<QPushButton*>(widgets.value(QString::fromLatin1(name)));
+    };
+    connect(button("OKButton"), &QPushButton::clicked, &form_, &ExclusionForm::OKButton_Click);
+    connect(button("CancelButton"), &QPushButton::clicked, &form_,
+            &ExclusionForm::CancelButton_Click);
+}
+
+void ExclusionWindow::bindSpecText() {
     specText_->setValidator(new SpecValidator(specText_));
     specText_->installEventFilter(this);
-    placed(new QLabel(QStringLiteral("Exclusion List"), frame), QStringLiteral("Label3"),
-           {3900, 1500, 2655, 225});
-    specList_ =
-        placed(new QListWidget(frame), QStringLiteral("SpecList"), {3900, 1740, 2655, 2010});
-    specList_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-
-    const struct {
-        QString caption, tooltip;
-        QIcon icon;
-        QRect twips;
-    } actions[] = {
-        {QStringLiteral("&Add"),
-         QStringLiteral("Add to the Quarantine list"),
-         drawnSignIcon(true),
-         {2910, 1770, 885, 615}},
-        {QStringLiteral("&Remove"),
-         QStringLiteral("Remove selected item from the Quarantine list"),
-         drawnSignIcon(false),
-         {2910, 2460, 885, 615}},
-    };
-    // Picture buttons: the sign above the caption. Enter anywhere but on a button adds, as the
-    // dialog's default button would (see keyPressEvent).
-    for (int index = 0; index < 2; ++index) {
-        auto* button = placed(new QToolButton(frame), QStringLiteral("ActionButton%1").arg(index),
-                              actions[index].twips);
-        button->setText(actions[index].caption);
-        button->setIcon(actions[index].icon);
-        button->setIconSize(QSize(16, 16));
-        button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-        button->setToolTip(actions[index].tooltip);
-        button->setFocusPolicy(Qt::StrongFocus);
-        connect(button, &QToolButton::clicked, &form,
-                [&form, index] { form.ActionButton_Click(index); });
-    }
-    auto* ok = placed(new QPushButton(QStringLiteral("&OK"), this), QStringLiteral("OKButton"),
-                      {1980, 4050, 1215, 375});
-    auto* cancel = placed(new QPushButton(QStringLiteral("&Cancel"), this),
-                          QStringLiteral("CancelButton"), {3540, 4050, 1215, 375});
-    for (QPushButton* button : {ok, cancel}) {
-        button->setAutoDefault(false);
-    }
-    connect(ok, &QPushButton::clicked, &form, &ExclusionForm::OKButton_Click);
-    connect(cancel, &QPushButton::clicked, &form, &ExclusionForm::CancelButton_Click);
-
     connect(specText_, &QLineEdit::textChanged, this,
             [this](const QString& text) { form_.SpecText = text; });
-    connect(&form, &ExclusionForm::specTextChanged, this, [this] {
+    connect(&form_, &ExclusionForm::specTextChanged, this, [this] {
         if (specText_->text() != form_.SpecText) {
             specText_->setText(form_.SpecText);
         }
     });
-    connect(&form, &ExclusionForm::specTextSelected, this, [this] {
+    connect(&form_, &ExclusionForm::specTextSelected, this, [this] {
         specText_->setFocus();
         // After a click that brought the focus has placed the cursor.
         QMetaObject::invokeMethod(specText_, &QLineEdit::selectAll, Qt::QueuedConnection);
     });
-    connect(&form, &ExclusionForm::listChanged, this, &ExclusionWindow::showList);
+}
+
+void ExclusionWindow::bindSpecList() {
+    connect(&form_, &ExclusionForm::listChanged, this, &ExclusionWindow::showList);
     connect(specList_, &QListWidget::itemSelectionChanged, this, [this] {
         if (syncing_) {
             return;
@@ -142,9 +110,6 @@ ExclusionWindow::ExclusionWindow(ExclusionForm& form, QWidget* parent)
             form_.CurrentEntry = row;
         }
     });
-    connect(&form, &ExclusionForm::closeRequested, this, &QDialog::accept);
-    form.Form_Load();
-    specText_->setFocus();
 }
 
 void ExclusionWindow::showList() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QHash>
 
 class QLineEdit;
 class QListWidget;
@@ -16,10 +17,6 @@ class ExclusionWindow : public QDialog {
 public:
     explicit ExclusionWindow(ExclusionForm& form, QWidget* parent = nullptr);
 
-    /// The window's client area in twips.
-    static constexpr int ClientWidth = 6735;
-    static constexpr int ClientHeight = 4515;
-
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -30,6 +27,9 @@ private:
     QListWidget* specList_;
     bool syncing_ = false;
 
+    void bindButtons(const QHash<QString, QObject*>& widgets);
+    void bindSpecText();
+    void bindSpecList();
     void showList();
 };
 

@@ -5,7 +5,7 @@
 #include <QMainWindow>
 #include <memory>
 
-#include "sweep/main_form.h"
+#include "forms/main_form.h"
 
 class QComboBox;
 class QListView;
@@ -22,7 +22,9 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    explicit MainWindow(MainForm& form, QWidget* parent = nullptr);
+    /// The user's preferences come from `store` at load and go back to it at unload; without a
+    /// store the window starts with the defaults and keeps nothing.
+    explicit MainWindow(MainForm& form, SettingsStore* store = nullptr, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     /// Runs the form's load, at whose end the window shows itself.
@@ -39,21 +41,24 @@ protected:
 
 private:
     MainForm& form_;
+    SettingsStore* store_;
+    bool unloaded_ = false;
     QHash<QString, QObject*> objects_;
     FolderTreeModel* folders_ = nullptr;
     QStyle* frameStyle_ = nullptr;
     QIcon folderIcon_;
 
     void createControls();
-    QWidget* createWidget(Control& control, QWidget* container);
-    void bindList(Control& control, QWidget* view);
+    /// The widget or action of a control of the main window's own kinds, or nullptr.
+    QObject* createSpecial(Control& control, QWidget* container);
+    /// Shows what is particular to such a control's kind: its lines, its selection, its path.
+    void syncSpecial(Control& control, QObject* object);
+    void bindList(Control& control, QListView* view);
     QTreeView* createFolderTree(QWidget* container);
     QTabBar* createTabStrip(Control& control, QWidget* container);
     QComboBox* createChoiceList(Control& control, QWidget* container);
     QListView* createFileList(Control& control, QWidget* container);
-    void sync(Control& control);
-    /// Shows what is particular to the control's kind: caption, state, lines.
-    void syncContent(Control& control, QWidget* widget);
+    void syncFolderTree(Control& control, QTreeView* tree);
     void syncFileList(Control& control, QWidget* widget);
     void syncTabStrip(Control& control, QWidget* widget);
     /// Shows the folders of `place` at the top of the folder tree.

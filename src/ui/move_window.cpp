@@ -8,51 +8,29 @@
 #include <QStyle>
 #include <QTimer>
 
-#include "fileops/move_form.h"
-#include "sweep/main_form.h"
+#include "forms/move_form.h"
+#include "ui/control_widgets.h"
 #include "ui/twips.h"
 
 namespace tidewick {
 
-namespace {
-
-QPushButton* addButton(QDialog* dialog, const QString& name, const QString& caption,
-                       const QRect& twips) {
-    auto* button = placed(new QPushButton(caption, dialog), name, twips);
-    button->setAutoDefault(true);
-    return button;
-}
-
-}  // namespace
-
-MoveWindow::MoveWindow(MoveForm& form, QWidget* parent)
-    : QDialog(parent),
-      form_(form),
-      results_(new QPlainTextEdit(this)),
-      progress_(new QProgressBar(this)) {
+MoveWindow::MoveWindow(MoveForm& form, QWidget* parent) : QDialog(parent), form_(form) {
     setObjectName(QStringLiteral("MoveForm"));
     setWindowTitle(QStringLiteral("Results"));
     useLayoutFont(this);
-    setFixedSize(twipsToPixels(ClientWidth), twipsToPixels(ClientHeight));
-
-    placed(results_, QStringLiteral("ResultsBox"), {60, 90, 9345, 5235});
-    results_->setReadOnly(true);
-    results_->setLineWrapMode(QPlainTextEdit::NoWrap);
-    placed(progress_, QStringLiteral("MoveProgress"), {60, 5355, 9345, 120});
-    progress_->setTextVisible(false);
-
-    buttons_ = {addButton(this, QStringLiteral("ExploreButton"),
-                          QStringLiteral("E&xplore Destination Folder"), {803, 5520, 2355, 495}),
-                addButton(this, QStringLiteral("CopyButton"), QStringLiteral("Cop&y to Clipboard"),
-                          {3563, 5520, 2355, 495}),
-                addButton(this, QStringLiteral("CloseButton"), QStringLiteral("&Close"),
-                          {6323, 5520, 2355, 495})};
-    for (QPushButton* button : buttons_) {
-        button->setEnabled(false);
-    }
-    connect(buttons_[0], &QPushButton::clicked, &form, &MoveForm::ExploreButton_Click);
-    connect(buttons_[1], &QPushButton::clicked, &form, &MoveForm::CopyButton_Click);
-    connect(buttons_[2], &QPushButton::clicked, &form, &MoveForm::CloseButton_Click);
+    setFixedSize(twipsToPixels(MoveForm::ClientWidth), twipsToPixels(MoveForm::ClientHeight));
+    const QHash<QString, QObject*> widgets = makeControlWidgets(this, form.controls(), {});
+    results_ = qobject_cast<QPlainTextEdit*>(widgets.value(QStringLiteral("ResultsBox")));
+    progress_ = qobject_cast<QProgressBar*>(widgets.value(QStringLiteral("MoveProgress")));
+    const auto button = [&widgets](const char* name) {
+        auto* found = qobject_cast<QPushButton*>(widgets.value(QString::fromLatin1(name)));
+        found->setAutoDefault(true);  // Enter presses the button that has the keyboard
+        return found;
+    };
+    connect(button("ExploreButton"), &QPushButton::clicked, &form, &MoveForm::ExploreButton_Click);
+    connect(button("CopyButton"), &QPushButton::clicked, &form, &MoveForm::CopyButton_Click);
+    QPushButton* close = button("CloseButton");
+    connect(close, &QPushButton::clicked, &form, &MoveForm::CloseButton_Click);
 
     connect(&form, &MoveForm::resultsAppended, this, [this](QString text) {
         results_->moveCursor(QTextCursor::End);
@@ -64,12 +42,9 @@ MoveWindow::MoveWindow(MoveForm& form, QWidget* parent)
         progress_->setRange(0, int(std::max<qint64>(total / 1024, 1)));
         progress_->setValue(int(std::min(done, total) / 1024));
     });
-    connect(&form, &MoveForm::runFinished, this, [this] {
+    connect(&form, &MoveForm::runFinished, this, [this, close] {
         progress_->setValue(progress_->maximum());
-        for (QPushButton* button : buttons_) {
-            button->setEnabled(true);
-        }
-        buttons_[2]->setFocus();
+        close->setFocus();
     });
     connect(&form, &MoveForm::closeRequested, this, &QDialog::accept);
     form.Form_Load();

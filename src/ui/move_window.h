@@ -22,10 +22,6 @@ class MoveWindow : public QDialog {
 public:
     MoveWindow(MoveForm& form, QWidget* parent = nullptr);
 
-    /// The window's client area in twips.
-    static constexpr int ClientWidth = 9480;
-    static constexpr int ClientHeight = 6105;
-
 protected:
     void showEvent(QShowEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
@@ -33,9 +29,8 @@ protected:
 
 private:
     MoveForm& form_;
-    QPlainTextEdit* results_;
-    QProgressBar* progress_;
-    QList<QPushButton*> buttons_;
+    QPlainTextEdit* results_ = nullptr;
+    QProgressBar* progress_ = nullptr;
     bool activated_ = false;
 };
 

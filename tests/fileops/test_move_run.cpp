@@ -83,7 +83,7 @@ protected:
         };
         outcome = runMove(request, disk, events);
         const QStringList lines = log.split("\r\n");
-        EXPECT_EQ(lines.value(0), "Moving selected files to..." + moveTarget(request));
+        EXPECT_EQ(lines.value(0), "Moving selected files to..." + moveDestination(request));
         EXPECT_EQ(lines.value(2), QString(50, '-'));
         totals = lines.value(lines.size() - 3);
         return lines.mid(3, lines.size() - 7).join('|').replace("Moving..." + song + '/', "@");
@@ -208,7 +208,7 @@ TEST_P(MoveCases, LogFolderAndTrashTellTheSameStory) {
     EXPECT_EQ(run(request, c.answers), c.log);
     EXPECT_EQ(totals, c.totals);
     EXPECT_EQ(listing(song), c.left);
-    EXPECT_EQ(listing(request.storeInSubFolder ? old : moveTarget(request)), c.target);
+    EXPECT_EQ(listing(request.storeInSubFolder ? old : moveDestination(request)), c.target);
     EXPECT_EQ(QDir(trash).entryList(QDir::Files | QDir::System).size(), c.trashed);
     // Each file in the trash has its record of where it was.
     for (const QFileInfo& info : QDir(trash + "/../info").entryInfoList(QDir::Files)) {

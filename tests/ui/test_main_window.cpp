@@ -6,8 +6,8 @@
 #include <memory>
 
 #include "app/cli/cli.h"
-#include "fileops/move_form.h"
-#include "settings/settings.h"
+#include "forms/move_form.h"
+#include "settings/settings_store.h"
 #include "support/reader_fixture.h"  // prints texts in failures; writes sessions
 #include "support/recording_interaction.h"
 #include "ui/folder_tree_model.h"
@@ -25,9 +25,8 @@ protected:
         explicit Run(const QString& file) : store(file) { window.load(); }
         RecordingInteraction ui;
         QSettingsStore store;
-        StoredSettings settings{store};
-        MainForm form{ui, &settings};
-        MainWindow window{form};
+        MainForm form{ui};
+        MainWindow window{form, &store};
     };
 
     template <typename T = QWidget>
@@ -103,7 +102,7 @@ TEST_F(MainWindowTest, TheTypeListTheTargetBoxAndTheFolderButtonDriveTheirContro
                   QList<RecordingInteraction::FolderRequest>(
                       {{"Please select a folder to move the unused files.", "/typed"}}));
         EXPECT_EQ(target->text(), picked.isEmpty() ? "/typed" : picked);
-        EXPECT_EQ(run->form.MoveFolder, target->text());
+        EXPECT_EQ(run->form.moveFolder(), target->text());
     }
 }
 
@@ -261,14 +260,14 @@ TEST_F(MainWindowTest, KeepOtherFilesEditsTheExclusionListThatTheWindowSaves) {
     };
     check->click();
     EXPECT_TRUE(shownEntries.isEmpty());
-    EXPECT_EQ(run->form.ExcludedFiles, QStringList({"*.TMP", "Ctake1.wav", "lyricsv2final.doc"}));
+    EXPECT_EQ(run->form.excludedFiles(), QStringList({"*.TMP", "Ctake1.wav", "lyricsv2final.doc"}));
     run->window.activateWindow();  // as the desktop does when a dialog closes; offscreen does not
     EXPECT_TRUE(QTest::qWaitFor([this] { return find("UnusedFiles")->hasFocus(); }));
 
     check->click();  // clearing the box opens nothing
     act = [](QDialog* editor) { QTest::keyClick(editor, Qt::Key_Escape); };
     check->click();
-    EXPECT_EQ(shownEntries, run->form.ExcludedFiles);
+    EXPECT_EQ(shownEntries, run->form.excludedFiles());
     EXPECT_TRUE(run->ui.messages.isEmpty());
 
     run->window.close();
@@ -331,7 +330,7 @@ TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndReadsTheSessionAgain)
                              "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)\n"))
         << log.toStdString();
     EXPECT_EQ(shown("Unused"), "unused: Files to be Moved - [0/1]\n[ ] b.wav\n");
-    EXPECT_EQ(MoveForm::lastOverwriteAnswer, OverwriteAnswer::No);
+    EXPECT_EQ(run->form.Form_Unload().lastOverwriteAnswer, OverwriteAnswer::No);
 }
 
 }  // namespace

@@ -1,6 +1,3 @@
-#include <QDir>
-#include <QFileInfo>
-
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
 #include "fileops/copy_used.h"
@@ -19,35 +16,15 @@ const char* const kCopyUsedUsage =
 }  // namespace
 
 int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    ScanOptions scanOptions;
-    QString target;
-    const OwnOption to = [&target](const QStringList& arguments, qsizetype& at, bool&) {
-        if (arguments[at] != QLatin1String("--to") || at + 1 >= arguments.size()) {
-            return false;
-        }
-        target = arguments[++at];
-        return true;
-    };
-    if (!parseScanArguments(arguments, scanOptions, err, QStringLiteral("copy-used"),
-                            kCopyUsedUsage, to)) {
-        return UsageError;
-    }
-    if (target.isEmpty()) {
-        err << "tidewick-cli copy-used: --to TARGET is missing\n" << kCopyUsedUsage;
-        return UsageError;
-    }
     int exitCode = UsageError;
-    const std::optional<FolderScan> scan =
-        scanFolder(scanOptions, err, QStringLiteral("copy-used"), exitCode);
-    if (!scan || exitCode != Success) {
-        if (scan) {
-            err << "tidewick-cli copy-used: nothing copied\n";
-        }
+    const std::optional<TargetScan> scan =
+        scanForTarget(arguments, err, QStringLiteral("copy-used"), kCopyUsedUsage,
+                      QStringLiteral("copied"), {}, exitCode);
+    if (!scan) {
         return exitCode;
     }
-
     FileOperations disk;
-    QString folder = QDir::cleanPath(QFileInfo(target).absoluteFilePath());
+    QString folder = scan->target;
     if (!disk.FolderExists(folder)) {
         if (const FileResult error = disk.createFolder(folder)) {
             err << "tidewick-cli copy-used: cannot create " << visibleText(folder) << ": Error "
@@ -56,7 +33,7 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         }
     }
     QList<CopyItem> items;
-    for (const UsedLine& line : scan->sweep.used.lines) {
+    for (const UsedLine& line : scan->scan.sweep.used.lines) {
         if (line.exists) {
             items.append({line.text, line.path});
         }

@@ -1,11 +1,11 @@
 #include "app/cli/folder_scan.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
 #include "platform/path_text.h"
-#include "sweep/media_types.h"
 
 namespace tidewick::cli {
 
@@ -80,8 +80,7 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
             << "'; use ses, sesx, xml, rpp or veg\n";
         return false;
     }
-    if ((options.addFolder || options.subFolderGiven) && options.kind->id != SessionKindId::Rpp &&
-        options.kind->id != SessionKindId::Veg) {
+    if ((options.addFolder || options.subFolderGiven) && !options.kind->subFolderRow) {
         err << "tidewick-cli " << command
             << ": --add-folder and --sub-folder need --kind rpp or veg, the kinds with a "
                "sub-folder row\n";
@@ -97,25 +96,20 @@ namespace {
 // REAPER, and --add-folder switches the row on.
 SweepRequest scanRequest(const ScanOptions& options, const QString& folder, const FileSystem& fs) {
     const SessionKind& kind = *options.kind;
-    const bool projectKind = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
-    SweepRequest request;
-    request.kind = &kind;
-    request.folder = folder;
-    request.sessions = sessionFiles(fs, folder, kind.sessionPattern);
-    request.wholeFolder = options.all;
-    request.selected = options.all ? (request.sessions.isEmpty() ? -1 : 0)
-                                   : int(request.sessions.indexOf(options.session));
-    request.trimFolders = options.trim;
-    request.recordFolder = projectKind ? folder : QStringLiteral("_Recorded");
-    if (options.all && kind.id == SessionKindId::Rpp) {
-        request.recordFolder.clear();
-    }
-    request.typePattern = mediaTypeTable().FileTypePatterns.value(options.type);
-    request.peaksListed = options.type == 0;
-    request.keepPeaks = options.keepPeaks;
-    request.subFolderOn = options.addFolder;
-    request.subFolder = projectKind ? folder : QString();
-    return request;
+    SweepOptions window;
+    window.kind = &kind;
+    window.folder = folder;
+    window.sessions = sessionFiles(fs, folder, kind.sessionPattern);
+    window.wholeFolder = options.all;
+    window.selected = options.all ? (window.sessions.isEmpty() ? -1 : 0)
+                                  : int(window.sessions.indexOf(options.session));
+    window.trimFolders = options.trim;
+    window.mediaType = options.type;
+    window.keepPeaks = options.keepPeaks;
+    window.subFolderChecked = options.addFolder;
+    window.subFolder = kind.startingRecordFolder(folder);
+    window.recordFolder = startingRecordFolder(kind, folder, options.all);
+    return sweepRequest(window);
 }
 
 // The folder chosen for the sub-folder row after the load, as its "Select Folder" button does:
@@ -175,6 +169,36 @@ std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& er
     }
     exitCode = ui.failures > 0 || scan.sweep.used.stopped ? ReaderError : Success;
     return scan;
+}
+
+std::optional<TargetScan> scanForTarget(const QStringList& arguments, QTextStream& err,
+                                        const QString& command, const char* usage,
+                                        const QString& done, const OwnOption& own, int& exitCode) {
+    exitCode = UsageError;
+    ScanOptions options;
+    QString target;
+    const OwnOption withTarget = [&](const QStringList& all, qsizetype& at, bool& bad) {
+        if (all[at] == QLatin1String("--to") && at + 1 < all.size()) {
+            target = trimBlanks(all[++at]);
+            return true;
+        }
+        return own && own(all, at, bad);
+    };
+    if (!parseScanArguments(arguments, options, err, command, usage, withTarget)) {
+        return std::nullopt;
+    }
+    if (target.isEmpty()) {
+        err << "tidewick-cli " << command << ": --to TARGET is missing\n" << usage;
+        return std::nullopt;
+    }
+    std::optional<FolderScan> scan = scanFolder(options, err, command, exitCode);
+    if (!scan || exitCode != Success) {
+        if (scan) {
+            err << "tidewick-cli " << command << ": nothing " << done << '\n';
+        }
+        return std::nullopt;
+    }
+    return TargetScan{std::move(*scan), QDir::cleanPath(QFileInfo(target).absoluteFilePath())};
 }
 
 }  // namespace tidewick::cli

@@ -48,4 +48,19 @@ struct FolderScan {
 std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& err,
                                      const QString& command, int& exitCode);
 
+/// What the commands that write into a target folder (`move`, `copy-used`) start from: the
+/// folder scanned, and the target as a whole path, trimmed of blanks where it enters.
+struct TargetScan {
+    FolderScan scan;
+    QString target;
+};
+
+/// Their common start: reads the arguments (the scan's, `--to TARGET` and the command's `own`),
+/// checks that a target is given, and scans the folder. Nothing, with the exit code in
+/// `exitCode`, when there is nothing to do; after a scan that stopped it says on `err` that
+/// nothing was `done` ("moved").
+std::optional<TargetScan> scanForTarget(const QStringList& arguments, QTextStream& err,
+                                        const QString& command, const char* usage,
+                                        const QString& done, const OwnOption& own, int& exitCode);
+
 }  // namespace tidewick::cli

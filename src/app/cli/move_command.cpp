@@ -1,6 +1,3 @@
-#include <QDir>
-#include <QFileInfo>
-
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
 #include "fileops/move_run.h"
@@ -22,7 +19,6 @@ const char* const kMoveUsage =
     "                         [--overwrite no|yes] [--dry-run]\n";
 
 struct MoveOptions {
-    QString target;
     bool storeInSubFolder = false;
     QStringList excluded;
     QStringList only;
@@ -40,8 +36,6 @@ OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
             options.dryRun = true;
         } else if (at + 1 >= arguments.size()) {
             return false;
-        } else if (argument == QLatin1String("--to")) {
-            options.target = arguments[++at];
         } else if (argument == QLatin1String("--exclude")) {
             options.excluded.append(arguments[++at]);
         } else if (argument == QLatin1String("--only")) {
@@ -61,14 +55,13 @@ OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
     };
 }
 
-MoveRequest moveRequest(const FolderScan& scan, const MoveOptions& options) {
+MoveRequest moveRequest(const FolderScan& scan, const QString& target, const MoveOptions& options) {
     MoveRequest request;
     request.sessionFolder = scan.request.folder;
     request.sessionFile = scan.request.sessions.value(scan.request.selected);
-    request.targetText = QDir::cleanPath(QFileInfo(options.target).absoluteFilePath());
+    request.targetText = target;
     request.storeInSubFolder = options.storeInSubFolder;
-    request.itemsMayBePaths =
-        scan.request.kind->id == SessionKindId::Rpp || scan.request.kind->id == SessionKindId::Veg;
+    request.itemsMayBePaths = scan.request.kind->subFolderRow;
     request.excludeOn = !options.excluded.isEmpty();
     request.excluded = options.excluded;
     for (const OtherFile& file : scan.sweep.others) {
@@ -93,26 +86,15 @@ void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& ou
 }  // namespace
 
 int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    ScanOptions scanOptions;
     MoveOptions options;
-    if (!parseScanArguments(arguments, scanOptions, err, QStringLiteral("move"), kMoveUsage,
-                            moveOptions(options, err))) {
-        return UsageError;
-    }
-    if (options.target.isEmpty()) {
-        err << "tidewick-cli move: --to TARGET is missing\n" << kMoveUsage;
-        return UsageError;
-    }
     int exitCode = UsageError;
-    const std::optional<FolderScan> scan =
-        scanFolder(scanOptions, err, QStringLiteral("move"), exitCode);
-    if (!scan || exitCode != Success) {
-        if (scan) {
-            err << "tidewick-cli move: nothing moved\n";
-        }
+    const std::optional<TargetScan> scan =
+        scanForTarget(arguments, err, QStringLiteral("move"), kMoveUsage, QStringLiteral("moved"),
+                      moveOptions(options, err), exitCode);
+    if (!scan) {
         return exitCode;
     }
-    const MoveRequest request = moveRequest(*scan, options);
+    const MoveRequest request = moveRequest(scan->scan, scan->target, options);
     FileOperations disk;
     if (options.dryRun) {
         printPlan(request, disk, out);

@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <vector>
 
-#include "sweep/main_form.h"
+#include "forms/check_list_model.h"
+#include "platform/file_system.h"
 
 // The size of each line of the other-files list, kept between calls so that a change of check
 // mark adds up known numbers instead of asking the disk about every listed file.
 namespace tidewick {
 
-class MainForm::SizeCache {
+class SizeCache {
 public:
     /// Follows the list from here on: any line added to or cleared from it is seen before the
     /// next question.

@@ -4,6 +4,9 @@
 #include <QRect>
 #include <QString>
 #include <QStringList>
+#include <memory>
+#include <span>
+#include <vector>
 
 // One control of a window as the logic sees it: the properties the handlers read and set, with
 // positions in twips. The Qt window mirrors each Control in a widget of the same name.
@@ -16,9 +19,14 @@ enum class ControlKind {
     CheckBox,       ///< a check box; `checked` is its state
     Button,         ///< a push button with a caption
     PictureButton,  ///< a small button showing a folder picture
+    ToolButton,     ///< a button with a picture above its caption
     TextBox,        ///< a one-line text box; `text` is its content
     ComboBox,       ///< a drop-down list; `items` and `listIndex`
     CheckList,      ///< a list of check-box lines, served by a CheckListModel
+    ListBox,        ///< a list of texts of which several can be selected
+    TextArea,       ///< a box of many lines to read, such as a log
+    ProgressBar,    ///< a bar that fills as a long piece of work goes on
+    Divider,        ///< a sunken line between parts of a dialog
     DriveList,      ///< the mounted drives; `items`, and `text` is the current drive
     FolderTree,     ///< a folder tree; `text` is its path
     FileList,       ///< the files of the folder `text`; `items` and `listIndex`
@@ -95,5 +103,23 @@ private:
     QStringList items_;
     int listIndex_ = -1;
 };
+
+/// One line of a window's layout table: a control's name, kind, container (empty for the
+/// window's client area), place in twips relative to the container, caption and tooltip. Every
+/// window's table lives with its logic, and the Qt windows are made from it alike.
+struct ControlPlace {
+    const char* name;
+    ControlKind kind;
+    const char* container;
+    int left, top, width, height;
+    const char* text;
+    const char* tooltip;
+};
+
+/// The controls of `layout`, in its order (a later one lies above an earlier one).
+std::vector<std::unique_ptr<Control>> createControls(std::span<const ControlPlace> layout);
+
+/// The control called `name` among `controls`, or nullptr.
+Control* findControl(const std::vector<std::unique_ptr<Control>>& controls, QStringView name);
 
 }  // namespace tidewick

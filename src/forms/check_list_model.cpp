@@ -1,4 +1,4 @@
-#include "sweep/check_list_model.h"
+#include "forms/check_list_model.h"
 
 #include "platform/path_text.h"
 #include "sweep/sweep.h"

@@ -2,8 +2,8 @@
 
 #include <functional>
 
+#include "forms/exclusion_form.h"
 #include "support/recording_interaction.h"
-#include "sweep/exclusion_form.h"
 
 namespace tidewick {
 namespace {

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include "forms/control.h"
 #include "platform/interaction.h"
 
 // "Exclude Files" without widgets: the file specifications (lyrics.doc, *.doc) whose files the
@@ -15,6 +16,12 @@ class ExclusionForm : public QObject {
 public:
     /// Edits `excludedFiles`, which keeps its entries until OK.
     ExclusionForm(UserInteraction& ui, QStringList& excludedFiles);
+
+    /// The dialog's client area in twips.
+    static constexpr int ClientWidth = 6735;
+    static constexpr int ClientHeight = 4515;
+    /// The dialog's controls with their captions and places, in the order of the keyboard.
+    const std::vector<std::unique_ptr<Control>>& controls() const { return controls_; }
 
     /// The text of the File Specification box.
     QString SpecText;
@@ -49,6 +56,7 @@ Q_SIGNALS:
     void closeRequested();
 
 private:
+    std::vector<std::unique_ptr<Control>> controls_;
     UserInteraction& ui_;
     QStringList& excludedFiles_;
 

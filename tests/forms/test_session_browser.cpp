@@ -4,12 +4,12 @@
 #include <QLocale>
 
 #include <QTemporaryDir>
+#include "forms/main_form.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"  // prints texts in failures
 #include "support/recording_interaction.h"
 #include "support/session_files.h"
-#include "sweep/main_form.h"
 
 namespace tidewick::test {
 namespace {
@@ -68,7 +68,7 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
         EXPECT_EQ(form.sessionFilePattern(), kind.sessionPattern);
         EXPECT_EQ(form.ScanAll.text(), kind.scanAllCaption);
         const QString record = subFolderRow ? dir.path() : "_Recorded";
-        EXPECT_EQ(form.RecordFolder, record);
+        EXPECT_EQ(form.recordFolder(), record);
         EXPECT_EQ(form.SubFolderName.text(), record);
         EXPECT_EQ(form.SubFolderName.visible(), subFolderRow);
         EXPECT_EQ(form.UnusedFilesBox.geometry().top(), subFolderRow ? 720 : 270);
@@ -187,8 +187,8 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
         {"Song_Recorded/t.wav", true, true},
         {"<no media files found>", false, false}};
     for (const auto& [line, trim, exists] : cases) {
+        form.IgnoreFoldersCheck.setChecked(trim);  // reloads the session selected, if any
         form.UsedFiles.clear();
-        form.TrimFoldersFlag = trim;
         form.UsedFiles.addItem(line, exists);
         form.UsedFiles.setData(form.UsedFiles.index(0), exists ? Qt::Unchecked : Qt::Checked,
                                Qt::CheckStateRole);
@@ -217,7 +217,7 @@ TEST_F(SessionFolderTest, TheSubFolderRowGathersItsFolderAndTheStoreOptionFollow
     EXPECT_EQ(form.StoreInSubFolderCheck.tooltip(), "Sub-folder: /old" + folder().right(1) + "mix");
     ui.folderAnswers = {dir.filePath("Rec")};
     form.SubFolderButton.click();
-    EXPECT_EQ(form.RecordFolder, dir.filePath("Rec"));
+    EXPECT_EQ(form.recordFolder(), dir.filePath("Rec"));
     EXPECT_EQ(form.UnusedFiles.count(), 0);
     form.SubFolderCheck.setChecked(true);
     ASSERT_EQ(form.UnusedFiles.count(), 1);
@@ -269,16 +269,11 @@ TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
         QStringList folderAnswers;
         QList<A> answers;
         QStringList messages;
-        QString copied;  // what the target's take.wav and c.wav hold afterwards
-        QString copyFolder;
+        QString copied;      // what the target's take.wav and c.wav hold afterwards
+        QString copyFolder;  // empty: as it was before
     } rows[] = {
-        {"gone.sesx",
-         {},
-         {},
-         {"There are no used files found on disk.  Nothing to copy."},
-         "",
-         "/old"},
-        {"s.sesx", {""}, {}, {"Operation cancelled."}, "", "/old"},
+        {"gone.sesx", {}, {}, {"There are no used files found on disk.  Nothing to copy."}, "", ""},
+        {"s.sesx", {""}, {}, {"Operation cancelled."}, "", ""},
         {"s.sesx",
          {target},
          {A::No, A::No},
@@ -310,7 +305,7 @@ TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
             }
         };
         select(row.session);
-        form.CopyFolder = "/old";
+        const QString before = form.copyFolder();
         form.Main.setText("Tidewick");
         ui.messages.clear();
         ui.folderAnswers = row.folderAnswers;
@@ -325,7 +320,7 @@ TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
         EXPECT_EQ(texts, row.messages);
         EXPECT_EQ(readFile(target + "/take.wav") + '|' + readFile(target + "/c.wav"),
                   row.copied.isEmpty() ? "|" : row.copied);
-        EXPECT_EQ(form.CopyFolder, row.copyFolder);
+        EXPECT_EQ(form.copyFolder(), row.copyFolder.isEmpty() ? before : row.copyFolder);
         EXPECT_EQ(form.Main.text(), "Tidewick");
         EXPECT_TRUE(form.UsedFrame.enabled() && !ui.busyPointer);
     }

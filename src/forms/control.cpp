@@ -1,4 +1,4 @@
-#include "sweep/control.h"
+#include "forms/control.h"
 
 #include <utility>
 
@@ -75,6 +75,27 @@ void Control::setListIndex(int index) {
         Q_EMIT changed();
         Q_EMIT clicked();
     }
+}
+
+std::vector<std::unique_ptr<Control>> createControls(std::span<const ControlPlace> layout) {
+    std::vector<std::unique_ptr<Control>> controls;
+    controls.reserve(layout.size());
+    for (const ControlPlace& place : layout) {
+        controls.push_back(std::make_unique<Control>(
+            QString::fromUtf8(place.name), place.kind, QString::fromUtf8(place.container),
+            QRect(place.left, place.top, place.width, place.height), QString::fromUtf8(place.text),
+            QString::fromUtf8(place.tooltip)));
+    }
+    return controls;
+}
+
+Control* findControl(const std::vector<std::unique_ptr<Control>>& controls, QStringView name) {
+    for (const auto& control : controls) {
+        if (control->name() == name) {
+            return control.get();
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace tidewick

@@ -1,7 +1,7 @@
+#include "forms/main_form.h"
+#include "forms/size_cache.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
-#include "sweep/main_form.h"
-#include "sweep/size_cache.h"
 
 // Choosing a session: the window's controls become a sweep request, the sweep runs, and its
 // lines fill UsedFiles and UnusedFiles.
@@ -12,23 +12,22 @@ QString MainForm::TrimFolders(const QString& fullFileName) const {
 }
 
 SweepRequest MainForm::sweepRequest() const {
-    SweepRequest request;
-    request.kind = sessionKindByKey(selectedTabKey());
-    if (!request.kind) {
-        request.kind = &sessionKind(SessionKindId::Veg);  // any other key reads Vegas projects
+    SweepOptions options;
+    options.kind = sessionKindByKey(selectedTabKey());
+    if (!options.kind) {
+        options.kind = &sessionKind(SessionKindId::Veg);  // any other key reads Vegas projects
     }
-    request.folder = SESFile.text();
-    request.sessions = SESFile.items();
-    request.selected = SESFile.listIndex();
-    request.wholeFolder = CheckAllFiles;
-    request.trimFolders = TrimFoldersFlag;
-    request.recordFolder = RecordFolder;
-    request.typePattern = FileTypePatterns.value(FileTypesCombo.listIndex());
-    request.peaksListed = KeepPKCheck.enabled();
-    request.keepPeaks = KeepPKCheck.checked();
-    request.subFolderOn = SubFolderCheck.enabled() && SubFolderCheck.checked();
-    request.subFolder = SubFolderName.text();
-    return request;
+    options.folder = SESFile.text();
+    options.sessions = SESFile.items();
+    options.selected = SESFile.listIndex();
+    options.wholeFolder = CheckAllFiles;
+    options.trimFolders = TrimFoldersFlag;
+    options.mediaType = FileTypesCombo.listIndex();
+    options.keepPeaks = KeepPKCheck.checked();
+    options.subFolderChecked = SubFolderCheck.checked();
+    options.subFolder = SubFolderName.text();
+    options.recordFolder = RecordFolder;
+    return tidewick::sweepRequest(options);
 }
 
 SweepEvents MainForm::sweepEvents() {
@@ -94,13 +93,11 @@ void MainForm::runSessionLoad() {
     if (loadStopped_) {
         const ScanRange range = scanRange(request);
         stopNote_ = stoppedText(sweep.used, range.last - range.first + 1);
-    } else if (request.kind->id == SessionKindId::Rpp && scanRange(request).last >= 0) {
+    } else if (request.kind->namesRecordFolder && scanRange(request).last >= 0) {
         GetRPPSubFolder();
     }
     UpdateSelCounter();
     UpdateSubFolder();
-    SetListHorizontalExtent(UsedFiles);
-    SetListHorizontalExtent(UnusedFiles);
     SESVersionLabel.setText(sweep.used.version);
     ui_.setBusyPointer(false);
     Main.setText(savedCaption);
@@ -147,11 +144,6 @@ void MainForm::UsedFiles_ItemCheck(int item) {
     UsedFiles.setChecked(
         item, !placeholder && FSO.FileExists(usedLineFile(text, withSeparator(SESFile.text()),
                                                           TrimFoldersFlag)));
-}
-
-// The window's list views size their horizontal scroll range to their widest line themselves.
-void MainForm::SetListHorizontalExtent(CheckListModel& list) {
-    Q_UNUSED(list);
 }
 
 }  // namespace tidewick

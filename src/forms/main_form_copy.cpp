@@ -1,7 +1,7 @@
 #include "fileops/copy_used.h"
+#include "forms/main_form.h"
 #include "platform/number_text.h"
 #include "platform/path_text.h"
-#include "sweep/main_form.h"
 
 // "Cop&y Files": the used files present on disk (the checked lines of the used list) copied into
 // a folder the user picks.
@@ -24,8 +24,7 @@ CopyFailureAnswer copyFailureAnswer(MessageAnswer answer) {
 
 }  // namespace
 
-void MainForm::CopyFilesButton_Click() {
-    const QString savedCaption = Main.text();
+QList<CopyItem> MainForm::usedFilesOnDisk() const {
     const QString sessionFolder = withSeparator(SESFile.text());
     QList<CopyItem> items;
     for (int row = 0; row < UsedFiles.count(); ++row) {
@@ -34,6 +33,11 @@ void MainForm::CopyFilesButton_Click() {
             items.append({text, usedLineFile(text, sessionFolder, TrimFoldersFlag)});
         }
     }
+    return items;
+}
+
+void MainForm::CopyFilesButton_Click() {
+    const QList<CopyItem> items = usedFilesOnDisk();
     const auto finish = [this] {
         ui_.setBusyPointer(false);
         for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
@@ -55,10 +59,9 @@ void MainForm::CopyFilesButton_Click() {
     CopyFolder = picked;
 
     const QString crlf = QStringLiteral("\r\n");
-    const QString count = QString::number(items.size());
     const QString warning =
-        QStringLiteral("WARNING! You are about to copy ") + count + QStringLiteral(" file(s) to ") +
-        CopyFolder + QLatin1Char('.') + crlf +
+        QStringLiteral("WARNING! You are about to copy ") + QString::number(items.size()) +
+        QStringLiteral(" file(s) to ") + CopyFolder + QLatin1Char('.') + crlf +
         QStringLiteral(
             "Any files with the same file names that are already in that folder will "
             "be overwritten.") +
@@ -66,42 +69,11 @@ void MainForm::CopyFilesButton_Click() {
     int copied = 0;
     if (ui_.showMessage({warning, kCopyTitle, MessageIcon::Exclamation, MessageButtons::YesNo,
                          MessageAnswer::Yes}) == MessageAnswer::Yes) {
-        for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
-            frame->setEnabled(false);
-        }
-        ui_.setBusyPointer(true);
-        AddBackslash(CopyFolder);
-        QString caption;
-        CopyEvents events;
-        events.starting = [&](int number, int total, const CopyItem& item) {
-            caption = QStringLiteral("Copying file ") + QString::number(number) +
-                      QStringLiteral(" of ") + QString::number(total) + QStringLiteral(" - ") +
-                      item.text;
-            Main.setText(caption);
-        };
-        events.progress = [&](qint64 done, qint64 total) {
-            ui_.showProgress(kCopyTitle,
-                             caption + QLatin1Char('\n') + megabyteText(done) +
-                                 QStringLiteral(" of ") + megabyteText(total) +
-                                 QStringLiteral(" Mb"),
-                             done, total);
-        };
-        events.failed = [&](const CopyItem& item, const FileError& error) {
-            ui_.setBusyPointer(false);
-            const MessageAnswer answer = ui_.showMessage(
-                {copyFailureText(error, item.text), kCopyTitle, MessageIcon::Question,
-                 MessageButtons::AbortRetryIgnore, MessageAnswer::Abort});
-            ui_.setBusyPointer(true);
-            return copyFailureAnswer(answer);
-        };
-        const CopyOutcome outcome = copyUsedFiles(items, CopyFolder, FSO, events);
-        ui_.endProgress();
-        Main.setText(savedCaption);
-        ui_.setBusyPointer(false);
-        if (outcome.aborted) {
+        const std::optional<int> done = copyWithProgress(items);
+        if (!done) {
             return finish();
         }
-        copied = outcome.copied;
+        copied = *done;
     }
 
     const QString result = copiedFilesLine(copied, CopyFolder) + crlf +
@@ -118,6 +90,45 @@ void MainForm::CopyFilesButton_Click() {
         }
     }
     finish();
+}
+
+std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
+    const QString savedCaption = Main.text();
+    for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
+        frame->setEnabled(false);
+    }
+    ui_.setBusyPointer(true);
+    AddBackslash(CopyFolder);
+    QString caption;
+    CopyEvents events;
+    events.starting = [&](int number, int total, const CopyItem& item) {
+        caption = QStringLiteral("Copying file ") + QString::number(number) +
+                  QStringLiteral(" of ") + QString::number(total) + QStringLiteral(" - ") +
+                  item.text;
+        Main.setText(caption);
+    };
+    events.progress = [&](qint64 done, qint64 total) {
+        ui_.showProgress(kCopyTitle,
+                         caption + QLatin1Char('\n') + megabyteText(done) + QStringLiteral(" of ") +
+                             megabyteText(total) + QStringLiteral(" Mb"),
+                         done, total);
+    };
+    events.failed = [&](const CopyItem& item, const FileError& error) {
+        ui_.setBusyPointer(false);
+        const MessageAnswer answer =
+            ui_.showMessage({copyFailureText(error, item.text), kCopyTitle, MessageIcon::Question,
+                             MessageButtons::AbortRetryIgnore, MessageAnswer::Abort});
+        ui_.setBusyPointer(true);
+        return copyFailureAnswer(answer);
+    };
+    const CopyOutcome outcome = copyUsedFiles(items, CopyFolder, FSO, events);
+    ui_.endProgress();
+    Main.setText(savedCaption);
+    ui_.setBusyPointer(false);
+    if (outcome.aborted) {
+        return std::nullopt;
+    }
+    return outcome.copied;
 }
 
 }  // namespace tidewick

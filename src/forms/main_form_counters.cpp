@@ -1,63 +1,10 @@
-#include "platform/number_text.h"
+#include "forms/main_form.h"
+#include "forms/size_cache.h"
 #include "platform/path_text.h"
-#include "sweep/main_form.h"
-#include "sweep/size_cache.h"
 #include "sweep/sweep.h"
 
 // The counts in the list frames' captions and the sizes on the information line.
 namespace tidewick {
-
-namespace {
-
-// "3,145,728 bytes (3.00Mb)"
-QString bytesAndMegabytes(qint64 bytes) {
-    return groupedNumber(bytes) + QStringLiteral(" bytes (") + megabyteText(bytes) +
-           QStringLiteral("Mb)");
-}
-
-}  // namespace
-
-QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
-                      const QString& sessionName, bool stopped) {
-    if (stopped) {
-        // The other files of a session read only in part are not listed; the caption says why.
-        return QStringLiteral("Reading stopped: ") +
-               usedFrameText(lineCount, noMedia, wholeFolder, sessionName);
-    }
-    if (lineCount == 0) {
-        return kUsedFrameCaption;
-    }
-    if (noMedia) {
-        return QStringLiteral("0 ") + kUsedFrameCaption;
-    }
-    const QString counted = QString::number(lineCount) + QLatin1Char(' ') + kUsedFrameCaption;
-    if (wholeFolder) {
-        // Names SES files whatever the session kind.
-        return QStringLiteral(" Multiple SES files: ") + counted;
-    }
-    return sessionName + QStringLiteral(": ") + counted;
-}
-
-QString unusedFrameText(qsizetype checked, qsizetype listed) {
-    if (listed == 0) {
-        return kUnusedFrameCaption;
-    }
-    return kUnusedFrameCaption + QStringLiteral(" - [") + QString::number(checked) +
-           QLatin1Char('/') + QString::number(listed) + QLatin1Char(']');
-}
-
-QString sizesText(qint64 listed, qint64 checked) {
-    return QStringLiteral("Listed Other Files: ") + bytesAndMegabytes(listed) +
-           QStringLiteral(" - Selected Other Files: ") + bytesAndMegabytes(checked);
-}
-
-QString stoppedText(const UsedMedia& used, qsizetype scanned) {
-    QString text = QStringLiteral("Reading stopped at \"") + used.stoppedAt + u'"';
-    if (scanned > 1) {
-        text += QStringLiteral(" (%1 of %2 sessions not read)").arg(used.unread).arg(scanned);
-    }
-    return text + QStringLiteral(": no other files are listed");
-}
 
 void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);

@@ -1,5 +1,5 @@
+#include "forms/main_form.h"
 #include "platform/path_text.h"
-#include "sweep/main_form.h"
 
 // The sub-folder row of the REAPER and Vegas tabs, which gathers one more folder into "Files to
 // be Moved", and the move's store-in-sub-folder option, which follows the selected session.
@@ -54,7 +54,6 @@ void MainForm::UnusedListRefresh() {
     if (!queued) {
         AddFolder();
         UpdateSelCounter();
-        SetListHorizontalExtent(UnusedFiles);
     }
 }
 
@@ -73,7 +72,6 @@ void MainForm::SubFolderButton_Click() {
         // the chosen folder becomes the record folder only afterwards.
         UpdateUnusedFileSpec();
         UpdateSelCounter();
-        SetListHorizontalExtent(UnusedFiles);
     }
     RecordFolder = folder;
 }

@@ -4,15 +4,18 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "fileops/copy_used.h"
 #include "fileops/file_operations.h"
 #include "fileops/move_run.h"
-#include "platform/file_system.h"
+#include "forms/check_list_model.h"
+#include "forms/control.h"
 #include "platform/interaction.h"
-#include "sweep/check_list_model.h"
-#include "sweep/control.h"
+#include "settings/preferences.h"
 #include "sweep/sweep.h"
 
 // The main window without widgets: every control's data, the values the window keeps and the
@@ -21,25 +24,12 @@
 namespace tidewick {
 
 class ExclusionForm;
-class MainForm;
 class MoveForm;
-
-/// Where the main window's settings come from at load and go to at unload.
-class FormSettings {
-public:
-    virtual ~FormSettings() = default;
-    virtual void LoadSettings(MainForm& form) = 0;
-    virtual void SaveSettings(MainForm& form) = 0;
-};
+class SizeCache;
 
 /// The window caption: "Tidewick - Version 6.00" for 6.0.0, the revision written straight after
 /// the minor version.
 QString versionCaption(const QString& programName, int major, int minor, int revision);
-
-/// The name the program shows in its caption, its messages and its settings.
-inline QString programName() {
-    return QStringLiteral("Tidewick");
-}
 
 class MainForm : public QObject {
     Q_OBJECT
@@ -54,8 +44,7 @@ public:
     static constexpr int ClientWidth = 14310;
     static constexpr int ClientHeight = 9945;
 
-    /// `settings` may be null: nothing is then loaded or saved.
-    explicit MainForm(UserInteraction& ui, FormSettings* settings = nullptr);
+    explicit MainForm(UserInteraction& ui);
     ~MainForm() override;
 
     UserInteraction& ui() const { return ui_; }
@@ -68,8 +57,6 @@ public:
 private:
     std::vector<std::unique_ptr<Control>> controls_;
     UserInteraction& ui_;
-    FormSettings* settings_;
-    bool unloaded_ = false;
 
     Control& named(QStringView name) const;
 
@@ -116,27 +103,21 @@ public:
     CheckListModel UsedFiles;
     CheckListModel UnusedFiles;
 
-    // The values the window keeps.
+    /// The one file-system object of the window; it lives as long as the window.
     FileOperations FSO;
-    /// The session's recordings folder (see the session kinds); kept by TrimFolders.
-    QString RecordFolder;
-    /// True while every session of the folder is read at once ("Check All ... files").
-    bool CheckAllFiles = false;
-    /// True while "Ignore Leading Folder names" is checked.
-    bool TrimFoldersFlag = false;
-    QString WebPage;
-    QString UsedFrameCaption;
-    QString UnusedFrameCaption;
-    QString NoMediaText;
-    QStringList FileTypeNames;
-    QStringList FileTypePatterns;
-    QString LastFolder;
-    QString MoveFolder;
-    QString CopyFolder;
-    qint16 ActiveFileTab = 1;
-    QStringList ExcludedFiles;
     /// The screen's size in twips, as the window reports it; empty when unknown.
     QSize screenSize;
+
+    /// The session's recordings folder (see the session kinds); kept by TrimFolders.
+    const QString& recordFolder() const { return RecordFolder; }
+    /// The folder of the last copy of used files, the start of the next one's picker.
+    const QString& copyFolder() const { return CopyFolder; }
+    /// The move's target folder as last picked.
+    const QString& moveFolder() const { return MoveFolder; }
+    /// The exclusion list.
+    const QStringList& excludedFiles() const { return ExcludedFiles; }
+    /// The product's web page, which About shows and Donate opens.
+    const QString& webPage() const { return WebPage; }
 
     // The session browser.
     /// Points the drive list, the folder tree and the session-file list at `folder`, then lets
@@ -155,8 +136,10 @@ public:
     QString driveOf(const QString& folder) const;
 
     // Window events and commands.
-    void Form_Load();
-    void Form_Unload();
+    /// Loads the window with the user's `preferences`, which it shows and keeps.
+    void Form_Load(const Preferences& preferences = {});
+    /// Unloads the window: what it keeps of the user, to be stored.
+    Preferences Form_Unload();
     /// A key pressed anywhere in the window, before its controls see it; true when consumed.
     bool Form_KeyDown(int keyCode, int shift);
     void CloseButton_Click();
@@ -214,18 +197,7 @@ public:
     /// The controls as a sweep request, and the window's answers to what a sweep reports.
     SweepRequest sweepRequest() const;
     SweepEvents sweepEvents();
-    /// The size of each line of UnusedFiles, kept in step with the list.
-    class SizeCache;
-    std::shared_ptr<SizeCache> sizeCache_;
 
-Q_SIGNALS:
-    /// The control called `controlName` is to get the keyboard focus.
-    void focusRequested(const QString& controlName);
-    /// The whole text of the text box called `controlName` is to be selected, so that typing
-    /// replaces it.
-    void textSelectionRequested(const QString& controlName);
-
-public:
     /// The frame captions with their counts, then UpdateSizes.
     void UpdateSelCounter();
     void UpdateSizes();
@@ -243,12 +215,45 @@ public:
     /// Shows the sub-folder row (REAPER, Vegas) or hides it (the Audition kinds), moving
     /// UnusedFiles below it or up into its place.
     void ActivateSubFolderControls(bool active);
-    /// Gives a list the horizontal room of its widest line.
-    void SetListHorizontalExtent(CheckListModel& list);
     /// True while a session load runs; a selection made meanwhile is loaded after it.
     bool sessionLoadRunning() const { return load_.running; }
 
+Q_SIGNALS:
+    /// The control called `controlName` is to get the keyboard focus.
+    void focusRequested(const QString& controlName);
+    /// The whole text of the text box called `controlName` is to be selected, so that typing
+    /// replaces it.
+    void textSelectionRequested(const QString& controlName);
+    /// Form_Load is done: the window shows itself.
+    void showRequested();
+    /// The window is to close (and so unload).
+    void closeRequested();
+    /// The About dialog is to be shown, modal.
+    void aboutRequested();
+    /// The web page is to be opened in the default browser.
+    void webPageRequested(const QString& url);
+
 private:
+    // The values the window keeps.
+    QString RecordFolder;
+    /// True while every session of the folder is read at once ("Check All ... files").
+    bool CheckAllFiles = false;
+    /// True while "Ignore Leading Folder names" is checked.
+    bool TrimFoldersFlag = false;
+    QString WebPage;
+    QString UsedFrameCaption;
+    QString UnusedFrameCaption;
+    QString NoMediaText;
+    QStringList FileTypeNames;
+    QStringList FileTypePatterns;
+    QString LastFolder;
+    QString MoveFolder;
+    QString CopyFolder;
+    qint16 ActiveFileTab = 1;
+    QStringList ExcludedFiles;
+    /// The overwrite question's button pressed last in this run of the program.
+    OverwriteAnswer lastOverwriteAnswer_ = OverwriteAnswer::Yes;
+
     /// Keeps loads from overlapping when the other-files computation lets events run.
     struct LoadGuard {
         bool running = false;
@@ -257,7 +262,12 @@ private:
         QString folderAfterDriveError;  ///< where the browser returns after a "Drive Error"
     };
     LoadGuard load_;
+    /// The size of each line of UnusedFiles, kept in step with the list.
+    std::unique_ptr<SizeCache> sizeCache_;
+    QString sessionFilePattern_ = QStringLiteral("*.ses");
 
+    /// Shows `preferences` in the controls, in the order the store lists them.
+    void applyPreferences(const Preferences& preferences);
     void runSessionLoad();
     /// The last load stopped at a read failure; the used frame's caption says so, and the
     /// information line says where (stopNote_).
@@ -275,19 +285,11 @@ private:
     }
     /// Points the session-file list at `folder` and lists it afresh.
     void showSessionFolder(const QString& folder);
-
-Q_SIGNALS:
-    /// Form_Load is done: the window shows itself.
-    void showRequested();
-    /// The window is to close (and so unload).
-    void closeRequested();
-    /// The About dialog is to be shown, modal.
-    void aboutRequested();
-    /// The web page is to be opened in the default browser.
-    void webPageRequested(const QString& url);
-
-private:
-    QString sessionFilePattern_ = QStringLiteral("*.ses");
+    /// The checked lines of UsedFiles, each with the file it stands for.
+    QList<CopyItem> usedFilesOnDisk() const;
+    /// Copies `items` into CopyFolder with the caption, the progress and the failure questions;
+    /// how many were copied, or nothing when the user stopped the run.
+    std::optional<int> copyWithProgress(const QList<CopyItem>& items);
 
     void connectEvents();
 };

@@ -1,4 +1,4 @@
-#include "fileops/move_form.h"
+#include "forms/move_form.h"
 
 #include <QCoreApplication>
 
@@ -6,8 +6,35 @@
 
 namespace tidewick {
 
-MoveForm::MoveForm(UserInteraction& ui, FileOperations& disk, MoveRequest request, Runner runner)
-    : ui_(ui), disk_(disk), request_(std::move(request)), runner_(runner) {}
+namespace {
+
+using K = ControlKind;
+
+constexpr ControlPlace kLayout[] = {
+    {"ResultsBox", K::TextArea, "", 60, 90, 9345, 5235, "", ""},
+    {"MoveProgress", K::ProgressBar, "", 60, 5355, 9345, 120, "", ""},
+    {"ExploreButton", K::Button, "", 803, 5520, 2355, 495, "E&xplore Destination Folder", ""},
+    {"CopyButton", K::Button, "", 3563, 5520, 2355, 495, "Cop&y to Clipboard", ""},
+    {"CloseButton", K::Button, "", 6323, 5520, 2355, 495, "&Close", ""},
+};
+
+// The buttons that wait for the end of the run.
+constexpr QStringView kButtons[] = {u"ExploreButton", u"CopyButton", u"CloseButton"};
+
+}  // namespace
+
+MoveForm::MoveForm(UserInteraction& ui, FileOperations& disk, MoveRequest request,
+                   OverwriteAnswer& lastAnswer, Runner runner)
+    : controls_(createControls(kLayout)),
+      ui_(ui),
+      disk_(disk),
+      request_(std::move(request)),
+      lastAnswer_(lastAnswer),
+      runner_(runner) {
+    for (const QStringView name : kButtons) {
+        findControl(controls_, name)->setEnabled(false);
+    }
+}
 
 MoveForm::~MoveForm() {
     if (worker_) {
@@ -74,13 +101,13 @@ void MoveForm::append(const QString& text) {
 
 OverwriteAnswer MoveForm::askOverwrite(const QString& question) {
     ui_.setBusyPointer(false);
-    const std::optional<OverwriteAnswer> answer = ui_.askOverwrite(question, lastOverwriteAnswer);
+    const std::optional<OverwriteAnswer> answer = ui_.askOverwrite(question, lastAnswer_);
     ui_.setBusyPointer(true);
     // Closing the question by its frame stops the run, and is no answer to remember.
     if (!answer) {
         return OverwriteAnswer::Cancel;
     }
-    lastOverwriteAnswer = *answer;
+    lastAnswer_ = *answer;
     return *answer;
 }
 
@@ -91,6 +118,9 @@ void MoveForm::finish(const MoveOutcome& outcome) {
     outcome_ = outcome;
     ui_.setBusyPointer(false);
     finished_ = true;
+    for (const QStringView name : kButtons) {
+        findControl(controls_, name)->setEnabled(true);
+    }
     Q_EMIT runFinished();
 }
 
@@ -117,10 +147,7 @@ void MoveForm::CopyButton_Click() {
 }
 
 void MoveForm::ExploreButton_Click() {
-    QString folder = withSeparator(trimBlanks(request_.targetText));
-    if (request_.storeInSubFolder) {
-        folder += GetBaseName(request_.sessionFile);
-    }
+    const QString folder = moveDestination(request_);
     const bool opened = ui_.openFolder(folder);
     ui_.processEvents();
     if (!opened) {

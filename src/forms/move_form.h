@@ -7,6 +7,7 @@
 
 #include "fileops/file_operations.h"
 #include "fileops/move_run.h"
+#include "forms/control.h"
 #include "platform/interaction.h"
 
 // The results window without widgets: its log, its buttons' state and their handlers. The run
@@ -21,14 +22,19 @@ public:
     /// each file as it is done, or in the caller's thread, to its end, when no window waits.
     enum class Runner { Background, Inline };
 
+    /// `lastAnswer` is the overwrite question's button pressed last in this run of the
+    /// program: it has the focus at the next question, and each answer given replaces it.
     MoveForm(UserInteraction& ui, FileOperations& disk, MoveRequest request,
-             Runner runner = Runner::Background);
+             OverwriteAnswer& lastAnswer, Runner runner = Runner::Background);
     /// Waits for a run that is still going.
     ~MoveForm() override;
 
-    /// The overwrite question's button pressed last in this program run; it has the focus at the
-    /// next question ("&Yes" at the first).
-    static inline OverwriteAnswer lastOverwriteAnswer = OverwriteAnswer::Yes;
+    /// The window's client area in twips.
+    static constexpr int ClientWidth = 9480;
+    static constexpr int ClientHeight = 6105;
+    /// The window's controls with their captions and places; its three buttons are enabled once
+    /// the run is over.
+    const std::vector<std::unique_ptr<Control>>& controls() const { return controls_; }
 
     void Form_Load();
     /// Starts the run at the first activation; later ones do nothing.
@@ -60,9 +66,11 @@ Q_SIGNALS:
     void closeRequested();
 
 private:
+    std::vector<std::unique_ptr<Control>> controls_;
     UserInteraction& ui_;
     FileOperations& disk_;
     MoveRequest request_;
+    OverwriteAnswer& lastAnswer_;
     Runner runner_;
     QString results_;
     bool runDone_ = false;

@@ -1,4 +1,4 @@
-#include "sweep/exclusion_form.h"
+#include "forms/exclusion_form.h"
 
 #include <algorithm>
 
@@ -10,10 +10,34 @@ namespace {
 
 constexpr int kBackspace = 8;
 
+using K = ControlKind;
+
+constexpr ControlPlace kLayout[] = {
+    {"Frame1", K::Frame, "", 60, 90, 6615, 3825,
+     "Exclude the listed file specifications from the Move operation", ""},
+    {"Label1", K::Label, "Frame1", 90, 360, 6405, 825,
+     "Enter a file specification you wish to exclude from the Move operation into the box below "
+     "and then click the Add button (or press Enter) to add it to the Exclusion List (eg "
+     "lyrics.doc).  The standard wildcards * and ? can also be used (eg *.doc).  To remove items "
+     "from the list, select the item(s) in the Exclusion List and click the Remove button.",
+     ""},
+    {"Frame2", K::Divider, "Frame1", 60, 1230, 6525, 65, "", ""},
+    {"Label4", K::Label, "Frame1", 210, 1500, 2385, 225, "File Specification", ""},
+    {"SpecText", K::TextBox, "Frame1", 210, 1740, 2565, 315, "", ""},
+    {"Label3", K::Label, "Frame1", 3900, 1500, 2655, 225, "Exclusion List", ""},
+    {"SpecList", K::ListBox, "Frame1", 3900, 1740, 2655, 2010, "", ""},
+    {"ActionButton0", K::ToolButton, "Frame1", 2910, 1770, 885, 615, "&Add",
+     "Add to the Quarantine list"},
+    {"ActionButton1", K::ToolButton, "Frame1", 2910, 2460, 885, 615, "&Remove",
+     "Remove selected item from the Quarantine list"},
+    {"OKButton", K::Button, "", 1980, 4050, 1215, 375, "&OK", ""},
+    {"CancelButton", K::Button, "", 3540, 4050, 1215, 375, "&Cancel", ""},
+};
+
 }  // namespace
 
 ExclusionForm::ExclusionForm(UserInteraction& ui, QStringList& excludedFiles)
-    : ui_(ui), excludedFiles_(excludedFiles) {}
+    : controls_(createControls(kLayout)), ui_(ui), excludedFiles_(excludedFiles) {}
 
 void ExclusionForm::Form_Load() {
     SpecList = excludedFiles_;

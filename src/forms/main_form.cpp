@@ -1,25 +1,16 @@
-#include "sweep/main_form.h"
+#include "forms/main_form.h"
 
 #include <QDir>
 #include <QStorageInfo>
 
+#include "forms/size_cache.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
-#include "sweep/size_cache.h"
 
 namespace tidewick {
 
 namespace {
-
-struct ControlPlace {
-    const char* name;
-    ControlKind kind;
-    const char* container;
-    int left, top, width, height;
-    const char* text;
-    const char* tooltip;
-};
 
 using K = ControlKind;
 
@@ -75,17 +66,6 @@ constexpr ControlPlace kLayout[] = {
     {"mnuHelpDonate", K::MenuItem, "mnuHelpMain", 0, 0, 0, 0, "&Donate", ""},
 };
 
-std::vector<std::unique_ptr<Control>> createControls() {
-    std::vector<std::unique_ptr<Control>> controls;
-    for (const ControlPlace& place : kLayout) {
-        controls.push_back(std::make_unique<Control>(
-            QString::fromUtf8(place.name), place.kind, QString::fromUtf8(place.container),
-            QRect(place.left, place.top, place.width, place.height), QString::fromUtf8(place.text),
-            QString::fromUtf8(place.tooltip)));
-    }
-    return controls;
-}
-
 }  // namespace
 
 QString versionCaption(const QString& programName, int major, int minor, int revision) {
@@ -93,10 +73,9 @@ QString versionCaption(const QString& programName, int major, int minor, int rev
            QString::number(minor) + QString::number(revision);
 }
 
-MainForm::MainForm(UserInteraction& ui, FormSettings* settings)
-    : controls_(createControls()),
+MainForm::MainForm(UserInteraction& ui)
+    : controls_(createControls(kLayout)),
       ui_(ui),
-      settings_(settings),
       Main(named(u"Main")),
       FilesFrame(named(u"FilesFrame")),
       SESDrive(named(u"SESDrive")),
@@ -142,19 +121,14 @@ MainForm::MainForm(UserInteraction& ui, FormSettings* settings)
         refreshSessionFiles();
         SESFile_PathChange();
     });
-    sizeCache_ = std::make_shared<SizeCache>(UnusedFiles, FSO);
+    sizeCache_ = std::make_unique<SizeCache>(UnusedFiles, FSO);
     connectEvents();
 }
 
 MainForm::~MainForm() = default;
 
 Control* MainForm::findControl(QStringView name) const {
-    for (const auto& control : controls_) {
-        if (control->name() == name) {
-            return control.get();
-        }
-    }
-    return nullptr;
+    return tidewick::findControl(controls_, name);
 }
 
 Control& MainForm::named(QStringView name) const {
@@ -250,7 +224,7 @@ void MainForm::refreshSessionFiles() {
 
 // Window events and commands.
 
-void MainForm::Form_Load() {
+void MainForm::Form_Load(const Preferences& preferences) {
     // FSO, the one file-system object, lives as long as the window.
     CheckAllFiles = false;
     Main.setText(versionCaption(programName(), TIDEWICK_VERSION_MAJOR, TIDEWICK_VERSION_MINOR,
@@ -269,9 +243,7 @@ void MainForm::Form_Load() {
     UsedFrame.setText(UsedFrameCaption);
     UnusedFrame.setText(UnusedFrameCaption);
 
-    if (settings_) {
-        settings_->LoadSettings(*this);
-    }
+    applyPreferences(preferences);
     // A stored position from another screen, or a damaged one, would open the window where
     // nobody sees it: then it opens in the middle of this screen.
     if (!screenSize.isEmpty() && !QRect(QPoint(), screenSize).contains(Main.geometry().topLeft())) {
@@ -282,7 +254,7 @@ void MainForm::Form_Load() {
     ScanAll.setChecked(CheckAllFiles);
 
     // The active tab's pattern, captions, recordings folder and sub-folder row are what its
-    // switch gives them. The settings run the switch only when they change the tab, so a
+    // switch gives them. The preferences run the switch only when they change the tab, so a
     // window that opens on the first tab has not had it yet.
     FileTypeTab_Click();
 
@@ -293,15 +265,44 @@ void MainForm::Form_Load() {
     ui_.processEvents();
 }
 
-void MainForm::Form_Unload() {
-    if (unloaded_) {
-        return;
+void MainForm::applyPreferences(const Preferences& preferences) {
+    Main.setGeometry(QRect(preferences.windowPlace, Main.geometry().size()));
+    TrimFoldersFlag = preferences.trimFolders;
+    KeepPKCheck.setChecked(preferences.keepPeaks);
+    LastFolder = preferences.lastFolder;
+    MoveFolder = preferences.moveFolder;
+    CopyFolder = preferences.copyFolder;
+    if (!LastFolder.isEmpty()) {
+        pointBrowserAt(LastFolder);
     }
-    unloaded_ = true;
+    CheckAllFiles = preferences.checkAllFiles;
+    ExcludedFiles = preferences.excludedFiles;
+    StoreInSubFolderCheck.setChecked(preferences.storeInSubFolder);
+    ActiveFileTab = qint16(
+        activeFileTabKey(preferences.activeFileTab).isEmpty() ? 1 : preferences.activeFileTab);
+    selectTabByKey(activeFileTabKey(ActiveFileTab));
+    lastOverwriteAnswer_ = preferences.lastOverwriteAnswer;
+}
+
+Preferences MainForm::Form_Unload() {
     LastFolder = SESFile.text();
-    if (settings_) {
-        settings_->SaveSettings(*this);
+    const int selected = activeFileTabNumber(selectedTabKey());
+    if (selected > 0) {
+        ActiveFileTab = qint16(selected);
     }
+    Preferences preferences;
+    preferences.windowPlace = Main.geometry().topLeft();
+    preferences.trimFolders = TrimFoldersFlag;
+    preferences.keepPeaks = KeepPKCheck.checked();
+    preferences.lastFolder = LastFolder;
+    preferences.moveFolder = MoveFolder;
+    preferences.copyFolder = CopyFolder;
+    preferences.checkAllFiles = CheckAllFiles;
+    preferences.excludedFiles = ExcludedFiles;
+    preferences.storeInSubFolder = StoreInSubFolderCheck.checked();
+    preferences.activeFileTab = ActiveFileTab;
+    preferences.lastOverwriteAnswer = lastOverwriteAnswer_;
+    return preferences;
 }
 
 bool MainForm::Form_KeyDown(int keyCode, int shift) {

@@ -1,5 +1,5 @@
-#include "sweep/exclusion_form.h"
-#include "sweep/main_form.h"
+#include "forms/exclusion_form.h"
+#include "forms/main_form.h"
 
 // "Files to be Moved" computed again for the lines that UsedFiles holds now: after a change of
 // media type or of the peak-file option.

@@ -1,9 +1,10 @@
-#include "sweep/size_cache.h"
+#include "forms/size_cache.h"
+
+#include "sweep/sweep.h"
 
 namespace tidewick {
 
-MainForm::SizeCache::SizeCache(CheckListModel& unused, const FileSystem& fs)
-    : unused_(unused), fs_(fs) {
+SizeCache::SizeCache(CheckListModel& unused, const FileSystem& fs) : unused_(unused), fs_(fs) {
     // The sizes follow the other-files lines row for row; a line added by anyone but the
     // listing starts as not known.
     sizes_.assign(static_cast<size_t>(unused_.count()), -1);
@@ -20,7 +21,7 @@ MainForm::SizeCache::SizeCache(CheckListModel& unused, const FileSystem& fs)
                      [this] { sizes_.assign(static_cast<size_t>(unused_.count()), -1); });
 }
 
-void MainForm::SizeCache::useSessionFolder(const QString& sessionFolder) {
+void SizeCache::useSessionFolder(const QString& sessionFolder) {
     if (sessionFolder != sizesFolder_) {
         // Every line resolves against the session folder: another folder, other files.
         sizesFolder_ = sessionFolder;
@@ -28,20 +29,19 @@ void MainForm::SizeCache::useSessionFolder(const QString& sessionFolder) {
     }
 }
 
-void MainForm::SizeCache::appendedSizes(const QString& sessionFolder,
-                                        const std::vector<qint64>& sizes) {
+void SizeCache::appendedSizes(const QString& sessionFolder, const std::vector<qint64>& sizes) {
     useSessionFolder(sessionFolder);
     Q_ASSERT(sizes.size() <= sizes_.size());
     std::copy(sizes.begin(), sizes.end(), sizes_.end() - static_cast<qsizetype>(sizes.size()));
 }
 
-void MainForm::SizeCache::forgetSize(int row) {
+void SizeCache::forgetSize(int row) {
     if (row >= 0 && static_cast<size_t>(row) < sizes_.size()) {
         sizes_[static_cast<size_t>(row)] = -1;
     }
 }
 
-MainForm::SizeCache::Totals MainForm::SizeCache::totals(const QString& sessionFolder) {
+SizeCache::Totals SizeCache::totals(const QString& sessionFolder) {
     useSessionFolder(sessionFolder);
     Totals totals;
     for (int row = 0; row < unused_.count(); ++row) {

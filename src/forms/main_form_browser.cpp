@@ -2,9 +2,9 @@
 #include <QFileInfo>
 #include <limits>
 
+#include "forms/main_form.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
-#include "sweep/main_form.h"
 
 // The left-hand side of the main window, through which the user picks what to load: drive,
 // folder, session kind and scan range. Every change of drive, folder or kind empties both lists.
@@ -116,13 +116,8 @@ void MainForm::FileTypeTab_Click() {
         sessionFilePattern_ = kind->sessionPattern;  // listed below, once
         ScanAll.setText(kind->scanAllCaption);
         KeepPKCheck.setText(kind->keepPeaksCaption);
-        if (kind->id == SessionKindId::Rpp || kind->id == SessionKindId::Veg) {
-            ActivateSubFolderControls(true);
-            RecordFolder = shownFolder;
-        } else {
-            RecordFolder = QStringLiteral("_Recorded");
-            ActivateSubFolderControls(false);
-        }
+        ActivateSubFolderControls(kind->subFolderRow);
+        RecordFolder = kind->startingRecordFolder(shownFolder);
         SubFolderName.setText(RecordFolder);
     }
     refreshSessionFiles();
@@ -150,7 +145,9 @@ void MainForm::ActivateSubFolderControls(bool active) {
 }
 
 void MainForm::ScanAll_Click() {
-    if (selectedTabKey() == QLatin1String("RPPFiles")) {
+    // A REAPER load settles the record folder afresh from the projects it reads.
+    const SessionKind* kind = sessionKindByKey(selectedTabKey());
+    if (kind && kind->namesRecordFolder) {
         RecordFolder.clear();
     }
     SetScanParams();

@@ -1,8 +1,8 @@
 #include <QDir>
 
-#include "fileops/move_form.h"
+#include "forms/main_form.h"
+#include "forms/move_form.h"
 #include "platform/path_text.h"
-#include "sweep/main_form.h"
 
 // "&Move Files": the checks and the confirmation before the results window runs the move, and
 // the reload of the session after it.
@@ -12,7 +12,7 @@ MoveRequest MainForm::moveRequest() const {
     MoveRequest request;
     request.sessionFolder = SESFile.text();
     request.sessionFile = SESFile.items().value(SESFile.listIndex());
-    request.targetText = TargetFolderName.text();
+    request.targetText = trimBlanks(TargetFolderName.text());
     request.storeInSubFolder = StoreInSubFolderCheck.checked();
     request.itemsMayBePaths = SubFolderCheck.visible();
     request.excludeOn = ExcludedCheck.checked();
@@ -34,23 +34,20 @@ void MainForm::MoveButton_Click() {
         return;
     }
     // A target that is no whole path would depend on the program's current directory.
-    if (!QDir::isAbsolutePath(trimBlanks(request.targetText))) {
+    if (!QDir::isAbsolutePath(request.targetText)) {
         showOk(ui(),
                QStringLiteral("Choose the folder to move the files to: the target folder must be "
                               "a full path."),
                QStringLiteral("Move Files"), MessageIcon::Exclamation);
         return;
     }
-    QString shownTarget = request.targetText;
-    if (request.storeInSubFolder) {
-        shownTarget += hostSeparator() + GetBaseName(request.sessionFile);
-    }
     const QString crlf = QStringLiteral("\r\n");
-    const QString question =
-        QStringLiteral("Warning!  You are about to Move ") + QString::number(checked) +
-        QStringLiteral(" file(s) as follows:-") + crlf + crlf + QStringLiteral("From : \"") +
-        SESFile.text() + QLatin1Char('"') + crlf + QStringLiteral("To : \"") + shownTarget +
-        QLatin1Char('"') + crlf + crlf + QStringLiteral("Are you sure you wish to proceed?");
+    const QString question = QStringLiteral("Warning!  You are about to Move ") +
+                             QString::number(checked) + QStringLiteral(" file(s) as follows:-") +
+                             crlf + crlf + QStringLiteral("From : \"") + SESFile.text() +
+                             QLatin1Char('"') + crlf + QStringLiteral("To : \"") +
+                             moveDestination(request) + QLatin1Char('"') + crlf + crlf +
+                             QStringLiteral("Are you sure you wish to proceed?");
     if (ui().showMessage({question, QStringLiteral("Move Selected Files"), MessageIcon::Question,
                           MessageButtons::YesNo, MessageAnswer::No}) != MessageAnswer::Yes) {
         return;
@@ -58,7 +55,7 @@ void MainForm::MoveButton_Click() {
 
     const QString session = request.sessionFile;
     {
-        MoveForm form(ui(), FSO, request,
+        MoveForm form(ui(), FSO, request, lastOverwriteAnswer_,
                       showMoveForm ? MoveForm::Runner::Background : MoveForm::Runner::Inline);
         if (showMoveForm) {
             showMoveForm(form);

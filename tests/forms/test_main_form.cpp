@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
+
+#include "forms/check_list_model.h"
+#include "forms/main_form.h"
 #include "support/recording_interaction.h"
-#include "sweep/check_list_model.h"
-#include "sweep/main_form.h"
 
 namespace tidewick {
 namespace {
@@ -17,28 +19,53 @@ TEST(VersionCaption, WritesTheRevisionStraightAfterTheMinorVersion) {
 // window opens with the values of its first tab (its recordings folder), as a switch to it
 // gives them.
 TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
-    struct Stored : FormSettings {
-        QPoint at;
-        void LoadSettings(MainForm& form) override {
-            form.Main.setGeometry(QRect(at, form.Main.geometry().size()));
-        }
-        void SaveSettings(MainForm&) override {}
-    };
     const QSize screen(30000, 20000), small(12000, 9000);
     const std::tuple<QPoint, QSize, QPoint> cases[] = {{{900000, 900000}, screen, {7800, 4637}},
                                                        {{-20000, 300}, screen, {7800, 4637}},
                                                        {{1500, 300}, screen, {1500, 300}},
                                                        {{0, 9000}, small, {-1200, -862}}};
     for (const auto& [stored, size, opened] : cases) {
-        Stored settings;
-        settings.at = stored;
+        Preferences preferences;
+        preferences.windowPlace = stored;
         RecordingInteraction ui;
-        MainForm form(ui, &settings);
+        MainForm form(ui);
         form.screenSize = size;
-        form.Form_Load();
+        form.Form_Load(preferences);
         EXPECT_EQ(form.Main.geometry(), QRect(opened, QSize(14400, 10725)));
-        EXPECT_EQ(form.RecordFolder, "_Recorded");
+        EXPECT_EQ(form.recordFolder(), "_Recorded");
     }
+}
+
+// The window shows the preferences it loads with, and gives back what the user left: the
+// session browser's folder, the boxes, the tab by its stored number (which is not the tab
+// order) and the overwrite answer of the run.
+TEST(MainFormStart, ShowsThePreferencesItLoadsAndGivesThemBack) {
+    QTemporaryDir last, move, copy;
+    Preferences p;
+    p.windowPlace = {1500, 3000};
+    p.trimFolders = p.checkAllFiles = p.keepPeaks = p.storeInSubFolder = true;
+    p.lastFolder = last.path();
+    p.moveFolder = move.path();
+    p.copyFolder = copy.path();
+    p.excludedFiles = {"lyrics.doc", "*.txt"};
+    p.activeFileTab = 3;
+    p.lastOverwriteAnswer = OverwriteAnswer::No;
+    RecordingInteraction ui;
+    MainForm form(ui);
+    form.Form_Load(p);
+    EXPECT_EQ(form.selectedTabKey(), "SESXFiles");
+    EXPECT_EQ(form.SESFile.text(), last.path());
+    EXPECT_EQ(form.TargetFolderName.text(), move.path());
+    for (const Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
+                               &form.StoreInSubFolderCheck}) {
+        EXPECT_TRUE(box->checked()) << box->name().toStdString();
+    }
+    EXPECT_EQ(form.Form_Unload(), p);
+    form.selectTabByKey("XMLFiles");
+    form.SESFile.setText(copy.path());
+    p.activeFileTab = 2;
+    p.lastFolder = copy.path();
+    EXPECT_EQ(form.Form_Unload(), p);
 }
 
 TEST(CheckList, FindsTheFirstExactLineTakesManyAtOnceAndRaisesItemCheckOnlyForTheUser) {
