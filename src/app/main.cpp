@@ -7,6 +7,7 @@
 
 #include "app/option_value.h"
 #include "forms/main_form.h"
+#include "platform/process_setup.h"
 #include "settings/settings_store.h"
 #include "ui/drawn_icons.h"
 #include "ui/main_window.h"
@@ -20,6 +21,7 @@
 //   --select NAME       selects the session file NAME of the folder shown at start, which
 //                       loads it (for the pictures)
 int main(int argc, char* argv[]) {
+    tidewick::prepareProcess();
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     const bool quitWhenShown = arguments.contains(QStringLiteral("--quit-when-shown"));

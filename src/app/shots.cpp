@@ -9,6 +9,7 @@
 
 #include "app/option_value.h"
 #include "forms/main_form.h"
+#include "platform/process_setup.h"
 #include "settings/settings_store.h"
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
@@ -89,6 +90,7 @@ void whenOpen(const QString& name, std::function<bool(QDialog*)> ready,
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    tidewick::prepareProcess();
     QApplication app(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {

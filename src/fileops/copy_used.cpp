@@ -1,11 +1,32 @@
 #include "fileops/copy_used.h"
 
+#include <QFileInfo>
+
 #include "platform/path_text.h"
+
+#include <cerrno>
 
 namespace tidewick {
 
+namespace {
+
+// Copies the file a used line leads to (through links: the audio, not the link) under its name
+// in the folder, replacing a file of that name unless a loaded session uses that one.
+FileResult copyOne(const CopyItem& item, const QString& destination, FileOperations& disk,
+                   const FileOperations::Progress& progress, const UsedFileOwners& used) {
+    const QString user = usedBy(used, destination);
+    if (!user.isEmpty() &&
+        QFileInfo(destination).canonicalFilePath() != QFileInfo(item.source).canonicalFilePath()) {
+        return FileError{EEXIST, QStringLiteral("the file in the target is used by ") + user};
+    }
+    return disk.copyFile(item.source, destination, {true, true}, progress);
+}
+
+}  // namespace
+
 CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, FileOperations& disk,
-                          const CopyEvents& events) {
+                          const CopyEvents& events, const UsedFileOwners& used) {
+    disk.removeLeftovers(folder);
     qint64 total = 0;
     for (const CopyItem& item : items) {
         FileError ignored;
@@ -20,13 +41,17 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
         }
     };
     for (const CopyItem& item : items) {
+        if (events.stopRequested && events.stopRequested()) {
+            outcome.aborted = true;
+            return outcome;
+        }
         const qint64 before = done;
+        const QString destination = folder + hostFileName(item.source);
         for (;;) {
             if (events.starting) {
                 events.starting(outcome.copied + 1, int(items.size()), item);
             }
-            const FileResult error =
-                disk.copyFile(item.source, folder + GetFileName(item.text), progress);
+            const FileResult error = copyOne(item, destination, disk, progress, used);
             if (!error) {
                 ++outcome.copied;
                 break;

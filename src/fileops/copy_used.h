@@ -28,6 +28,8 @@ struct CopyEvents {
     std::function<void(qint64 done, qint64 total)> progress;
     /// Copying `item` failed. Without an answer the file is left out and the run goes on.
     std::function<CopyFailureAnswer(const CopyItem& item, const FileError& error)> failed;
+    /// Asked before each file: true stops the run there, as "Abort" does (an interrupt).
+    std::function<bool()> stopRequested;
 };
 
 struct CopyOutcome {
@@ -36,10 +38,12 @@ struct CopyOutcome {
     bool aborted = false;  ///< the user stopped the run at a failure
 };
 
-/// Copies each item into `folder` (which ends in a separator) under the last component of its
-/// line, in list order: a later file of the same name replaces an earlier one.
+/// Copies each item into `folder` (which ends in a separator) under its file's name, in list
+/// order: a later file of the same name replaces an earlier one, but never a file that a loaded
+/// session uses (`used`). A link is copied as the file it leads to. Leftovers of a run that died
+/// in `folder` are removed first.
 CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, FileOperations& disk,
-                          const CopyEvents& events);
+                          const CopyEvents& events, const UsedFileOwners& used = {});
 
 /// "Error 2 (No such file or directory) has occurreed while attempting to copy take.wav."
 QString copyFailureText(const FileError& error, const QString& text);

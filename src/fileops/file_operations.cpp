@@ -1,18 +1,20 @@
 #include "fileops/file_operations.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QStandardPaths>
 #include <algorithm>
 #include <cerrno>
 
 #include "fileops/home_trash.h"
 #include "platform/path_text.h"
+#include "platform/process_setup.h"
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -29,13 +31,12 @@ FileError lastError() {
     return errorOf(errno);
 }
 
-// A hidden name in the folder of `destination` for a copy on its way there; short, so that a
-// long final name cannot make it too long for the folder.
+const QString kCopyPrefix = QStringLiteral(".tidewick-copy-");
+
+// A name in the folder of `destination` for a copy on its way there.
 QString temporaryNameBeside(const QString& destination) {
-    const QString folder = GetParentFolderName(destination);
-    const QString name = QStringLiteral(".tidewick-copy-") +
-                         QString::number(QRandomGenerator::global()->generate64(), 36);
-    return folder.isEmpty() ? name : withSeparator(folder) + name;
+    const QString folder = hostParentFolder(destination);
+    return folder.isEmpty() ? temporaryCopyName() : withSeparator(folder) + temporaryCopyName();
 }
 
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
@@ -43,8 +44,25 @@ QString temporaryNameBeside(const QString& destination) {
 // Qt 6.4 writes "files" and "info" into the current directory when that trash does not exist
 // yet, so it is made first, and a place that Qt reports outside a trash counts as a failure.
 QString homeTrash() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-           QStringLiteral("/Trash");
+    const QString data = userDataFolder();
+    return data.isEmpty() ? QString() : data + QStringLiteral("/Trash");
+}
+
+// Whether `path` lies on the disk of `place`, or of its nearest folder that exists.
+bool onDiskOf(const QString& path, QString place) {
+    struct stat file {};
+    struct stat there {};
+    if (::lstat(encodeFileName(path).constData(), &file) != 0) {
+        return false;
+    }
+    while (::stat(encodeFileName(place).constData(), &there) != 0 || !S_ISDIR(there.st_mode)) {
+        const QString parent = hostParentFolder(place);
+        if (parent.isEmpty() || parent == place) {
+            return false;
+        }
+        place = parent;
+    }
+    return there.st_dev == file.st_dev;
 }
 
 bool isTrashFilesFolder(const QString& folder) {
@@ -53,13 +71,19 @@ bool isTrashFilesFolder(const QString& folder) {
         return false;
     }
     const QFileInfo trash(files.path());
-    return trash.absoluteFilePath() == QFileInfo(homeTrash()).absoluteFilePath() ||
+    return (!homeTrash().isEmpty() &&
+            trash.absoluteFilePath() == QFileInfo(homeTrash()).absoluteFilePath()) ||
            trash.fileName().startsWith(QLatin1String(".Trash-")) ||
            QFileInfo(trash.path()).fileName() == QLatin1String(".Trash");
 }
 #endif
 
 }  // namespace
+
+QString temporaryCopyName() {
+    return kCopyPrefix + QString::number(QCoreApplication::applicationPid()) + u'-' +
+           QString::number(QRandomGenerator::global()->generate64(), 36);
+}
 
 QString errorText(const FileError& error) {
     return QString::number(error.code) + QStringLiteral(" (") + error.description +
@@ -202,7 +226,8 @@ FileResult writeCopy(const QByteArray& source, const struct stat& info, const QB
         target.truncate(int(length));
         return ::symlink(target.constData(), copy.constData()) == 0 ? FileResult() : lastError();
     }
-    Descriptor in(::open(source.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    // A link reaches here only when it is to be followed (its stat is then its target's).
+    Descriptor in(::open(source.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat opened {};
     if (in.fd < 0 || ::fstat(in.fd, &opened) != 0) {
         return lastError();
@@ -233,6 +258,31 @@ FileResult writeCopy(const QByteArray& source, const struct stat& info, const QB
     return out.close() ? FileResult() : lastError();
 }
 
+// Gives `from` the name `to` unless a file has that name: never replaces. Where the file system
+// has no such rename, a hard link does the same, as the first of two names to take a file wins.
+FileResult renameNoReplace(const QByteArray& from, const QByteArray& to) {
+    const auto taken = [] {
+        return FileError{EEXIST,
+                         QStringLiteral("A file of that name appeared in the target folder")};
+    };
+#ifdef Q_OS_LINUX
+    if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
+        return std::nullopt;
+    }
+    if (errno == EEXIST) {
+        return taken();
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return lastError();
+    }
+#endif
+    if (::link(from.constData(), to.constData()) == 0) {
+        ::unlink(from.constData());
+        return std::nullopt;
+    }
+    return errno == EEXIST ? FileResult(taken()) : FileResult(lastError());
+}
+
 }  // namespace
 
 std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* error) const {
@@ -244,16 +294,26 @@ std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* 
     return qint64(info.st_size);
 }
 
+std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
+    // The kernel answers for the folder's permissions, its disk being read-only and its being
+    // immutable, as a write would meet them.
+    if (::access(encodeFileName(folder).constData(), W_OK | X_OK) != 0) {
+        return lastError();
+    }
+    return std::nullopt;
+}
+
 FileResult FileOperations::createFolder(const QString& path) {
     return ::mkdir(encodeFileName(path).constData(), 0777) == 0 ? FileResult() : lastError();
 }
 
 FileResult FileOperations::copyFile(const QString& source, const QString& destination,
-                                    const Progress& progress) {
+                                    CopyMode mode, const Progress& progress, TrashPlace* replaced) {
     const QByteArray from = encodeFileName(source);
     const QByteArray to = encodeFileName(destination);
     struct stat info {};
-    if (::lstat(from.constData(), &info) != 0) {
+    if ((mode.followLinks ? ::stat(from.constData(), &info) : ::lstat(from.constData(), &info)) !=
+        0) {
         return lastError();
     }
     struct stat present {};
@@ -264,6 +324,9 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
     if (replacing && S_ISDIR(present.st_mode)) {
         return errorOf(EISDIR);  // a folder of that name is never put aside for a file
     }
+    if (replacing && !mode.replace) {
+        return FileError{EEXIST, QStringLiteral("A file of that name is in the target folder")};
+    }
 
     const QString temporary = temporaryNameBeside(destination);
     const QByteArray copy = encodeFileName(temporary);
@@ -272,13 +335,12 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
         return failed;
     }
     if (replacing) {
-        if (const FileResult failed = moveToTrash(destination)) {
+        if (const FileResult failed = moveToTrash(destination, replaced)) {
             ::unlink(copy.constData());
             return failed;
         }
     }
-    if (::rename(copy.constData(), to.constData()) != 0) {
-        const FileError failed = lastError();
+    if (const FileResult failed = renameNoReplace(copy, to)) {
         ::unlink(copy.constData());
         return failed;
     }
@@ -290,13 +352,36 @@ FileResult FileOperations::removeFile(const QString& path) {
 }
 
 FileResult FileOperations::flushToDisk(const QString& path) {
-    for (const QString& written : {path, GetParentFolderName(path)}) {
-        Descriptor file(::open(encodeFileName(written).constData(), O_RDONLY | O_CLOEXEC));
-        if (file.fd < 0 || ::fsync(file.fd) != 0) {
-            return lastError();
-        }
+    // A link is written through as its folder's entry; opening it could block on whatever it
+    // points at (a pipe) or reach another disk altogether.
+    Descriptor file(
+        ::open(encodeFileName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file.fd < 0 && errno != ELOOP) {
+        return lastError();
+    }
+    if (file.fd >= 0 && ::fsync(file.fd) != 0) {
+        return lastError();
+    }
+    Descriptor folder(::open(encodeFileName(hostParentFolder(path)).constData(),
+                             O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.fd < 0 || ::fsync(folder.fd) != 0) {
+        return lastError();
     }
     return std::nullopt;
+}
+
+void FileOperations::removeLeftovers(const QString& folder) {
+    for (const FolderEntry& entry : listFiles(
+             folder, true, [](const QString& name) { return name.startsWith(kCopyPrefix); })) {
+        // ".tidewick-copy-<process>-<random>": a copy of a process that is gone is a leftover.
+        bool number = false;
+        const qint64 process =
+            entry.name.mid(kCopyPrefix.size()).section(u'-', 0, 0).toLongLong(&number);
+        if (number && process > 0 && (::kill(pid_t(process), 0) == 0 || errno != ESRCH)) {
+            continue;
+        }
+        ::unlink(encodeFileName(withSeparator(folder) + entry.name).constData());
+    }
 }
 
 #else  // Windows: Qt's own file operations
@@ -310,12 +395,19 @@ std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* 
     return info.size();
 }
 
+std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
+    return QFileInfo(folder).isWritable() ? std::nullopt : std::optional(errorOf(EACCES));
+}
+
 FileResult FileOperations::createFolder(const QString& path) {
     return QDir().mkdir(path) ? FileResult() : errorOf(EACCES);
 }
 
 FileResult FileOperations::copyFile(const QString& source, const QString& destination,
-                                    const Progress& progress) {
+                                    CopyMode mode, const Progress& progress, TrashPlace* replaced) {
+    if (QFileInfo::exists(destination) && !mode.replace) {
+        return FileError{EEXIST, QStringLiteral("A file of that name is in the target folder")};
+    }
     const QString temporary = temporaryNameBeside(destination);
     QFile file(source);
     if (!file.copy(temporary)) {
@@ -330,7 +422,7 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
         return FileError{EISDIR, QStringLiteral("Is a directory")};
     }
     if (QFileInfo::exists(destination)) {
-        if (const FileResult failed = moveToTrash(destination)) {
+        if (const FileResult failed = moveToTrash(destination, replaced)) {
             QFile::remove(temporary);
             return failed;
         }
@@ -356,23 +448,35 @@ FileResult FileOperations::flushToDisk(const QString& path) {
     return std::nullopt;
 }
 
+void FileOperations::removeLeftovers(const QString& folder) {
+    Q_UNUSED(folder);
+}
+
 #endif
 
-FileResult FileOperations::moveToTrash(const QString& path) {
+FileResult FileOperations::moveToTrash(const QString& path, TrashPlace* place) {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
     const QString trash = homeTrash();
-    if (!QDir().mkpath(trash + QStringLiteral("/files")) ||
-        !QDir().mkpath(trash + QStringLiteral("/info"))) {
-        return FileError{EACCES, QStringLiteral("Cannot create the trash folder ") + trash};
+    if (trash.isEmpty()) {
+        // A relative home would put a trash under the current folder, wherever that is.
+        return FileError{ENOENT, QStringLiteral("There is no trash: HOME is not a full path")};
     }
-    if (const std::optional<FileResult> done = moveToHomeTrash(path, trash)) {
-        return *done;
+    if (QDir().mkpath(trash + QStringLiteral("/files")) &&
+        QDir().mkpath(trash + QStringLiteral("/info"))) {
+        if (const std::optional<FileResult> done = moveToHomeTrash(path, trash, place)) {
+            return *done;
+        }
+    } else if (onDiskOf(path, trash)) {
+        // A home trash that cannot be made (its place holds a file, the disk refuses) takes no
+        // file of its disk; asked anyway, Qt would make one in the current folder.
+        return FileError{ENOTDIR, QStringLiteral("Cannot make the trash folder ") + trash};
     }
 #endif
     errno = 0;
     QString placeInTrash;
     if (!QFile::moveToTrash(path, &placeInTrash)) {
-        return errorOf(errno != 0 ? errno : EIO);
+        const int code = errno != 0 ? errno : EIO;
+        return FileError{code, qt_error_string(code)};
     }
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
     if (!isTrashFilesFolder(QFileInfo(placeInTrash).path())) {
@@ -381,7 +485,21 @@ FileResult FileOperations::moveToTrash(const QString& path) {
         return FileError{EIO, QStringLiteral("The trash put the file outside the trash")};
     }
 #endif
+    if (place) {
+        const QFileInfo file(placeInTrash);
+        *place = {placeInTrash, file.dir().filePath(QStringLiteral("../info/") + file.fileName() +
+                                                    QStringLiteral(".trashinfo"))};
+        place->info = QDir::cleanPath(place->info);
+    }
     return std::nullopt;
+}
+
+QString usedBy(const UsedFileOwners& owners, const QString& path) {
+    if (owners.isEmpty()) {
+        return {};
+    }
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QString() : owners.value(canonical);
 }
 
 }  // namespace tidewick

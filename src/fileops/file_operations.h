@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -24,6 +25,34 @@ QString errorText(const FileError& error);
 /// What a change of the disk came to: nothing when it succeeded.
 using FileResult = std::optional<FileError>;
 
+/// How a copy treats what it meets.
+struct CopyMode {
+    /// A file already under the destination name goes to the trash and the copy takes its
+    /// place; without this, such a file makes the copy fail and stays as it is.
+    bool replace = false;
+    /// A symbolic link is copied as the file it points at (collecting a session's media);
+    /// without this it is copied as a link, and what it points at is never opened.
+    bool followLinks = false;
+};
+
+/// Where the trash put a file: the file under its name in the trash, and the record of where it
+/// was (".trashinfo"); either may be empty where the trash keeps no such thing.
+struct TrashPlace {
+    QString file;
+    QString info;
+};
+
+/// The files that the loaded sessions use, by canonical path, each with the session that uses
+/// it as the session folder names it ("mix.sesx"): a move or a copy never replaces one.
+using UsedFileOwners = QHash<QString, QString>;
+
+/// The session that uses the file at `path` (the same file, however reached), or empty text.
+QString usedBy(const UsedFileOwners& owners, const QString& path);
+
+/// The name a copy has on its way into a folder: hidden, short, and naming the process that
+/// writes it, so that a later run can tell the leftovers of a run that died from a copy under way.
+QString temporaryCopyName();
+
 /// The file-system object with the operations that change the disk. They are virtual so that
 /// tests can stand in a disk that fails where a real one seldom does.
 class FileOperations : public FileSystem {
@@ -34,26 +63,38 @@ public:
     /// The length of the file `path` itself in bytes (of a link, the link), or its failure.
     virtual std::optional<qint64> entrySize(const QString& path, FileError* error) const;
 
+    /// Why the folder `folder` cannot take new files (a read-only disk, an immutable folder, no
+    /// permission), or nothing when it can.
+    virtual std::optional<FileError> writeRefusal(const QString& folder) const;
+
     /// Creates the folder `path`; its parent must exist.
     virtual FileResult createFolder(const QString& path);
 
     /// Copies the file `source` to `destination` so that a file under that name is always whole:
     /// the data goes to a temporary name beside it, the copy must have the source's size, and
-    /// only then does it take the final name. A file already there is put into the trash first (a
-    /// folder there makes the copy fail);
-    /// a failure at any step leaves no temporary file, the old file in place and the source
-    /// untouched. A symbolic link is copied as a link; its target is never read.
+    /// only then does it take the final name, by a rename that never replaces a file: a name
+    /// that another program took meanwhile makes the copy fail. A file already there is put into
+    /// the trash first when `mode` says so (a folder there makes the copy fail). A failure at any
+    /// step leaves no temporary file, the old file in place and the source untouched.
+    /// The file it replaced went to the trash at `replaced`, when given.
     virtual FileResult copyFile(const QString& source, const QString& destination,
-                                const Progress& progress = {});
+                                CopyMode mode = {}, const Progress& progress = {},
+                                TrashPlace* replaced = nullptr);
 
-    /// Puts `path` into the desktop's trash.
-    virtual FileResult moveToTrash(const QString& path);
+    /// Puts `path` into the desktop's trash: the home trash for a file of its disk, else the
+    /// trash of the file's own volume. Where it went is told in `place`, when given.
+    virtual FileResult moveToTrash(const QString& path, TrashPlace* place = nullptr);
 
     /// Deletes the file `path` for good.
     virtual FileResult removeFile(const QString& path);
 
-    /// Writes what `path` holds through to the disk, so that it survives a power cut.
+    /// Writes what `path` holds through to the disk, so that it survives a power cut; a link is
+    /// never opened (only its folder is written through).
     virtual FileResult flushToDisk(const QString& path);
+
+    /// Removes what runs that died left in `folder`: copies on their way (temporaryCopyName) of
+    /// processes that no longer run.
+    void removeLeftovers(const QString& folder);
 };
 
 }  // namespace tidewick

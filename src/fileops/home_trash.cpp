@@ -1,6 +1,9 @@
 #include "fileops/home_trash.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QMutex>
+#include <QSet>
 
 #include "platform/path_text.h"
 
@@ -19,14 +22,54 @@ namespace tidewick {
 
 namespace {
 
-// The n-th name a trashed file may take: "take.wav", then "take 2.wav", "take 3.wav", ...
+constexpr qsizetype kNameMax = 255;  // bytes of one name, on every Linux file system
+const QByteArray kInfoSuffix = ".trashinfo";
+
+// The n-th name a trashed file may take: "take.wav", then "take 2.wav", "take 3.wav", ... A name
+// whose record ("take.wav.trashinfo") would be longer than a name may be is shortened before
+// its extension, at a whole character: the record keeps the file's real name.
 QByteArray nameInTrash(const QByteArray& name, int attempt) {
-    if (attempt == 1) {
-        return name;
-    }
     const qsizetype dot = name.lastIndexOf('.');
-    const qsizetype cut = dot > 0 ? dot : name.size();
-    return name.left(cut) + ' ' + QByteArray::number(attempt) + name.mid(cut);
+    const qsizetype cut = dot > 0 && name.size() - dot <= 32 ? dot : name.size();
+    QByteArray base = name.left(cut);
+    const QByteArray tail =
+        (attempt == 1 ? QByteArray() : ' ' + QByteArray::number(attempt)) + name.mid(cut);
+    const qsizetype room = kNameMax - kInfoSuffix.size() - tail.size();
+    if (base.size() > room) {
+        qsizetype end = room;
+        while (end > 0 && (static_cast<unsigned char>(base[end]) & 0xC0) == 0x80) {
+            --end;  // not inside a UTF-8 character
+        }
+        base.truncate(end);
+    }
+    return base + tail;
+}
+
+// Removes the records of "info" whose file is not in "files" and that are older than a minute:
+// what a run left that died between writing a record and moving its file (a run under way
+// writes its record a moment before its file arrives). Once a process and trash.
+void removeOrphanRecords(const QByteArray& files, const QByteArray& infos) {
+    static QMutex mutex;
+    static QSet<QByteArray> done;
+    const QMutexLocker locker(&mutex);
+    if (done.contains(infos)) {
+        return;
+    }
+    done.insert(infos);
+    const qint64 minuteAgo = QDateTime::currentSecsSinceEpoch() - 60;
+    const QStringList records =
+        QDir(decodeFileName(infos))
+            .entryList({QStringLiteral("*.trashinfo")}, QDir::Files | QDir::Hidden);
+    for (const QString& record : records) {
+        const QByteArray name = encodeFileName(record);
+        const QByteArray file = files + name.left(name.size() - kInfoSuffix.size());
+        struct stat info {};
+        struct stat entry {};
+        if (::lstat(file.constData(), &entry) != 0 && errno == ENOENT &&
+            ::lstat((infos + name).constData(), &info) == 0 && info.st_mtime < minuteAgo) {
+            ::unlink((infos + name).constData());
+        }
+    }
 }
 
 // The record of where a file was and when it went; the path in URL escapes, byte by byte.
@@ -57,23 +100,25 @@ constexpr int kMaxAttempts = 10000;
 
 }  // namespace
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash) {
+std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
+                                          TrashPlace* place) {
     const QByteArray source = encodeFileName(path);
     const QByteArray files = encodeFileName(trash + QStringLiteral("/files/"));
     const QByteArray infos = encodeFileName(trash + QStringLiteral("/info/"));
     struct stat file {};
-    struct stat place {};
+    struct stat trashFiles {};
     if (::lstat(source.constData(), &file) != 0) {
         return FileError{errno, qt_error_string(errno)};
     }
-    if (::stat(files.constData(), &place) != 0 || place.st_dev != file.st_dev) {
+    if (::stat(files.constData(), &trashFiles) != 0 || trashFiles.st_dev != file.st_dev) {
         return std::nullopt;
     }
-    const QByteArray name = encodeFileName(GetFileName(path));
+    removeOrphanRecords(files, infos);
+    const QByteArray name = encodeFileName(hostFileName(path));
     const QByteArray info = trashInfo(source);
     for (int attempt = 1; attempt <= kMaxAttempts; ++attempt) {
         const QByteArray candidate = nameInTrash(name, attempt);
-        const QByteArray infoPath = infos + candidate + ".trashinfo";
+        const QByteArray infoPath = infos + candidate + kInfoSuffix;
         if (!writeNew(infoPath, info)) {
             if (errno == EEXIST) {
                 continue;
@@ -82,11 +127,16 @@ std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& tr
         }
         if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, (files + candidate).constData(),
                         RENAME_NOREPLACE) == 0) {
+            if (place) {
+                *place = {decodeFileName(files + candidate), decodeFileName(infoPath)};
+            }
             return FileResult();
         }
         const int failed = errno;
         ::unlink(infoPath.constData());
-        if (failed == EINVAL || failed == ENOSYS) {
+        // No such rename here, or the same device reached by another mount (a bind mount):
+        // the general route finds the volume's own trash.
+        if (failed == EINVAL || failed == ENOSYS || failed == EXDEV) {
             return std::nullopt;
         }
         if (failed != EEXIST) {
@@ -98,7 +148,8 @@ std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& tr
 
 #else
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash) {
+std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
+                                          TrashPlace* place) {
     Q_UNUSED(path);
     Q_UNUSED(trash);
     return std::nullopt;

@@ -11,9 +11,11 @@
 // QFile::moveToTrash looks up the mounted volumes for every file.
 namespace tidewick {
 
-/// Puts `path` into the trash folder `trash` (which holds "files" and "info"). Nothing when the
+/// Puts `path` into the trash folder `trash` (which holds "files" and "info"), telling where in
+/// `place` when given. Nothing when the
 /// home trash cannot take it this way (another file system; a system without an atomic
 /// no-replace rename), so that the general route is taken.
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash);
+std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
+                                          TrashPlace* place);
 
 }  // namespace tidewick

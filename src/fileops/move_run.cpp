@@ -70,7 +70,15 @@ private:
         return events_.askOverwrite ? events_.askOverwrite(overwriteQuestion(destination))
                                     : OverwriteAnswer::Cancel;
     }
-    void moveFile(qsizetype index);
+    // Moves the checked files in list order, until the end, a cancel or a stop.
+    void moveEach();
+    // What the log says of item `index` after its name; nothing for "&Cancel".
+    std::optional<QString> moveItem(qsizetype index, bool& yesToAll);
+    void moveFile(qsizetype index, bool replace);
+    void logItem(qsizetype index, const QString& result) const {
+        log(QStringLiteral("Moving...") + withSeparator(request_.sessionFolder) +
+            request_.items[index].text + result + kLogLineEnd);
+    }
     void copyFailed(qsizetype index, const FileError& error) {
         outcome_.results[index] = QStringLiteral("...Error ") + errorText(error);
         outcome_.failed = true;
@@ -78,58 +86,84 @@ private:
 };
 
 MoveOutcome MoveRun::run() {
-    const QString sourceFolder = withSeparator(request_.sessionFolder);
     log(QStringLiteral("Moving selected files to...") + moveDestination(request_) + kLogLineEnd);
     log(QStringLiteral("Commenced ") + logTimestamp() + kLogLineEnd + kDashes + kLogLineEnd);
+    if (const QString problem = moveProblem(request_, disk_); !problem.isEmpty()) {
+        log(problem + kLogLineEnd);  // said once, not once for every file
+        outcome_.failed = true;
+    } else {
+        if (disk_.FolderExists(moveDestination(request_))) {
+            disk_.removeLeftovers(moveDestination(request_));
+        }
+        moveEach();
+    }
+    log(kLogLineEnd + moveTotalsLine(outcome_.filesMoved, outcome_.bytesMoved) + kLogLineEnd);
+    if (outcome_.sourcesDeleted > 0) {
+        log(deletedSourcesLine(outcome_.sourcesDeleted) + kLogLineEnd);
+    }
+    log(kDashes + kLogLineEnd + QStringLiteral("Finished ") + logTimestamp());
+    return outcome_;
+}
+
+void MoveRun::moveEach() {
     bool yesToAll = false;
-    qsizetype index = 0;
-    for (; index < request_.items.size(); ++index) {
-        const MoveItem& item = request_.items[index];
-        if (!item.checked) {
+    for (qsizetype index = 0; index < request_.items.size(); ++index) {
+        if (!request_.items[index].checked) {
             continue;
         }
         const qint64 doneBefore = done_;
-        bool proceed = true;
-        const QString& destination = plans_[index].destination;
-        if (!yesToAll && disk_.FileExists(destination)) {
-            const OverwriteAnswer answer = ask(destination);
-            if (answer == OverwriteAnswer::Cancel) {
-                outcome_.cancelled = true;
-                break;
-            }
-            yesToAll = answer == OverwriteAnswer::YesToAll;
-            proceed = answer != OverwriteAnswer::No;
-            if (!proceed) {
-                log(QStringLiteral("Moving...") + sourceFolder + item.text +
-                    QStringLiteral("Skipped") + kLogLineEnd);
+        if (events_.stopRequested && events_.stopRequested()) {
+            outcome_.cancelled = true;
+        } else {
+            const std::optional<QString> result = moveItem(index, yesToAll);
+            if (!result) {
+                outcome_.cancelled = true;  // "&Cancel" at the overwrite question
+            } else {
+                logItem(index, *result);
             }
         }
-        if (proceed) {
-            moveFile(index);
-            log(QStringLiteral("Moving...") + sourceFolder + item.text + outcome_.results[index] +
-                kLogLineEnd);
+        if (outcome_.cancelled) {
+            logItem(index, QStringLiteral("Operation cancelled."));
+            return;
         }
         outcome_.filesMoved += outcome_.moved[index] ? 1 : 0;
         // Whatever became of the file, its bytes are behind the run now.
         progress(std::max<qint64>(doneBefore + sizes_[index] - done_, 0));
     }
-    if (outcome_.cancelled) {
-        log(QStringLiteral("Moving...") + sourceFolder + request_.items[index].text +
-            QStringLiteral("Operation cancelled.") + kLogLineEnd);
-    }
-    log(kLogLineEnd + moveTotalsLine(outcome_.filesMoved, outcome_.bytesMoved) + kLogLineEnd);
-    log(kDashes + kLogLineEnd + QStringLiteral("Finished ") + logTimestamp());
-    return outcome_;
 }
 
-void MoveRun::moveFile(qsizetype index) {
+std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
+    const PlannedMove& planned = plans_[index];
+    // An excluded file stays whatever the target holds: there is nothing to ask about it.
+    if (planned.excluded) {
+        return QStringLiteral("...File Excluded");
+    }
+    FileError absent;
+    const bool taken = disk_.entrySize(planned.destination, &absent).has_value();
+    if (taken) {
+        if (const QString session = usedBy(request_.usedFiles, planned.destination);
+            !session.isEmpty()) {
+            return QStringLiteral("...Skipped - the file in the target is used by ") + session;
+        }
+        if (!yesToAll) {
+            const OverwriteAnswer answer = ask(planned.destination);
+            if (answer == OverwriteAnswer::Cancel) {
+                return std::nullopt;
+            }
+            if (answer == OverwriteAnswer::No) {
+                return QStringLiteral("Skipped");
+            }
+            yesToAll = answer == OverwriteAnswer::YesToAll;
+        }
+    }
+    moveFile(index, taken);
+    return outcome_.results[index];
+}
+
+void MoveRun::moveFile(qsizetype index, bool replace) {
     const PlannedMove& planned = plans_[index];
     const QString& sourceFile = planned.source;
     const QString& destination = planned.destination;
-    if (planned.excluded) {
-        outcome_.results[index] = QStringLiteral("...File Excluded");
-        return;
-    }
     FileError error;
     const std::optional<qint64> size = disk_.entrySize(sourceFile, &error);
     if (!size) {
@@ -143,20 +177,24 @@ void MoveRun::moveFile(qsizetype index) {
             return;
         }
     }
-    if (const FileResult failed =
-            disk_.copyFile(sourceFile, destination, [this](qint64 bytes) { progress(bytes); })) {
+    if (const FileResult failed = disk_.copyFile(sourceFile, destination, {replace, false},
+                                                 [this](qint64 bytes) { progress(bytes); })) {
         copyFailed(index, *failed);
         return;
     }
     outcome_.bytesMoved += *size;
+    const QString moved =
+        QStringLiteral("...OK - ") + groupedNumber(*size) + QStringLiteral(" bytes moved");
     // The copy is whole under its final name. When the trash will not take the source, the copy
-    // is written through to the disk before the source is deleted for good.
-    FileResult removal = disk_.moveToTrash(sourceFile);
-    if (removal) {
-        removal = disk_.flushToDisk(destination);
-        if (!removal) {
-            removal = disk_.removeFile(sourceFile);
-        }
+    // is written through to the disk before the source is deleted for good, and the log says so.
+    if (!disk_.moveToTrash(sourceFile)) {
+        outcome_.moved[index] = true;
+        outcome_.results[index] = moved + u'.';
+        return;
+    }
+    FileResult removal = disk_.flushToDisk(destination);
+    if (!removal) {
+        removal = disk_.removeFile(sourceFile);
     }
     if (removal) {
         outcome_.results[index] =
@@ -166,22 +204,22 @@ void MoveRun::moveFile(qsizetype index) {
         return;
     }
     outcome_.moved[index] = true;
-    outcome_.results[index] =
-        QStringLiteral("...OK - ") + groupedNumber(*size) + QStringLiteral(" bytes moved.");
+    ++outcome_.sourcesDeleted;
+    outcome_.results[index] = moved + QStringLiteral(" (source deleted: the trash refused it).");
 }
 
 }  // namespace
 
 QString moveDestination(const MoveRequest& request) {
     if (request.storeInSubFolder) {
-        return withSeparator(request.targetText) + trimBlanks(GetBaseName(request.sessionFile));
+        return withSeparator(request.targetText) + trimBlanks(hostBaseName(request.sessionFile));
     }
     return request.targetText;
 }
 
 PlannedMove planMove(const MoveRequest& request, const QString& item, const FileSystem& disk) {
     return {sourcePath(request, item, disk),
-            withSeparator(moveDestination(request)) + GetFileName(item),
+            withSeparator(moveDestination(request)) + hostFileName(item),
             request.excludeOn && wildcardMatchesAny(item, request.excluded)};
 }
 
@@ -192,6 +230,41 @@ MoveOutcome runMove(const MoveRequest& request, FileOperations& disk, const Move
 QString overwriteQuestion(const QString& destination) {
     return QStringLiteral("File '") + destination +
            QStringLiteral("' Already Exists.  Overwrite Existing File?");
+}
+
+QString deletedSourcesLine(qint64 count) {
+    return QStringLiteral("Sources Deleted (the trash refused them): ") + groupedNumber(count);
+}
+
+QString targetFolderProblem(const QString& folder, const FileOperations& disk) {
+    if (disk.FileExists(folder)) {
+        return QStringLiteral("The target ") + folder + QStringLiteral(" is a file, not a folder.");
+    }
+    QString writable = folder;
+    if (!disk.FolderExists(folder)) {
+        writable = hostParentFolder(folder);
+        if (!disk.FolderExists(writable)) {
+            return QStringLiteral("The target folder's parent ") + writable +
+                   QStringLiteral(" does not exist.");
+        }
+    }
+    if (const std::optional<FileError> refused = disk.writeRefusal(writable)) {
+        return QStringLiteral("The target folder ") + writable +
+               QStringLiteral(" cannot be written: Error ") + errorText(*refused) + u'.';
+    }
+    return {};
+}
+
+QString moveProblem(const MoveRequest& request, const FileOperations& disk) {
+    if (request.storeInSubFolder) {
+        const QString name = trimBlanks(hostBaseName(request.sessionFile));
+        if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..")) {
+            return QStringLiteral(
+                       "The session's name gives no sub-folder to store the files in (\"") +
+                   request.sessionFile + QStringLiteral("\").");
+        }
+    }
+    return targetFolderProblem(moveDestination(request), disk);
 }
 
 QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved) {

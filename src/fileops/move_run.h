@@ -37,11 +37,22 @@ struct MoveRequest {
     bool excludeOn = false;
     QStringList excluded;
     QList<MoveItem> items;
+    /// The files the loaded sessions use: one in the target is never replaced.
+    UsedFileOwners usedFiles;
 };
 
 /// The folder the files go to: the target, or its sub-folder named after the session. The run,
 /// the confirmation, the log and Explore all name this one folder.
 QString moveDestination(const MoveRequest& request);
+
+/// What keeps `folder` from taking files, said once for the user ("The target folder's parent
+/// /x does not exist."), or empty text: it must be a folder that can be written, or one that can
+/// be made (its parent exists).
+QString targetFolderProblem(const QString& folder, const FileOperations& disk);
+
+/// What keeps the move of `request` from starting: a session name that gives no sub-folder
+/// ("..."), or the destination's problem (targetFolderProblem); empty text when it can start.
+QString moveProblem(const MoveRequest& request, const FileOperations& disk);
 
 /// Where one item of a move comes from and goes to, and whether the exclusion list keeps it.
 struct PlannedMove {
@@ -59,6 +70,8 @@ struct MoveEvents {
     std::function<OverwriteAnswer(const QString& question)> askOverwrite;
     /// Bytes done of the bytes to move.
     std::function<void(qint64 done, qint64 total)> progress;
+    /// Asked before each file: true stops the run there, as "&Cancel" does (an interrupt).
+    std::function<bool()> stopRequested;
 };
 
 /// How a run ended.
@@ -73,6 +86,8 @@ struct MoveOutcome {
     bool cancelled = false;
     /// A copy or a removal failed (skipped and excluded files are no failures).
     bool failed = false;
+    /// Sources deleted after their copy because the trash refused them.
+    qint64 sourcesDeleted = 0;
 };
 
 /// Runs the move of `request` on `disk`: the whole log from "Moving selected files to..." to
@@ -87,6 +102,10 @@ QString overwriteQuestion(const QString& destination);
 
 /// The totals line: "Files Moved: 3 - Bytes Moved:  3,000 (0.00Mb)".
 QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved);
+
+/// The line after the totals when the trash refused sources, which were deleted after their
+/// copies: "Sources Deleted (the trash refused them): 2".
+QString deletedSourcesLine(qint64 count);
 
 /// The date and time as the log's "Commenced" and "Finished" lines write them.
 QString logTimestamp();

@@ -94,12 +94,18 @@ void ExclusionForm::add() {
 }
 
 void ExclusionForm::remove() {
-    if (SelectedEntries.size() <= 1) {
-        // The entry with the focus mark comes back into the box, to be edited and added again.
-        if (CurrentEntry < 0 || CurrentEntry >= SpecList.size()) {
+    // Only selected entries are removed: the list puts its focus mark on its first entry as it
+    // gets the keyboard, and that mark alone is no choice of the user's.
+    if (SelectedEntries.isEmpty()) {
+        return;
+    }
+    if (SelectedEntries.size() == 1) {
+        // The entry comes back into the box, to be edited and added again.
+        const int row = SelectedEntries.first();
+        if (row < 0 || row >= SpecList.size()) {
             return;
         }
-        setSpecText(SpecList.takeAt(CurrentEntry));
+        setSpecText(SpecList.takeAt(row));
     } else {
         const QString question = QStringLiteral("Are you sure you wish to Remove the ") +
                                  QString::number(SelectedEntries.size()) +

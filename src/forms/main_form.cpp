@@ -310,6 +310,9 @@ bool MainForm::Form_KeyDown(int keyCode, int shift) {
     if (keyCode != EscapeKey) {
         return false;
     }
+    if (copying_) {
+        return true;  // the copy goes on to its end first
+    }
     Q_EMIT closeRequested();
     return true;
 }

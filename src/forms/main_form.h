@@ -217,6 +217,8 @@ public:
     void ActivateSubFolderControls(bool active);
     /// True while a session load runs; a selection made meanwhile is loaded after it.
     bool sessionLoadRunning() const { return load_.running; }
+    /// True while "Cop&y Files" copies: the window takes no command and does not close.
+    bool copyRunning() const { return copying_; }
 
 Q_SIGNALS:
     /// The control called `controlName` is to get the keyboard focus.
@@ -269,6 +271,9 @@ private:
     /// Shows `preferences` in the controls, in the order the store lists them.
     void applyPreferences(const Preferences& preferences);
     void runSessionLoad();
+    bool copying_ = false;
+    /// The used lines of the last load, with the files they name.
+    QList<UsedLine> usedLines_;
     /// The last load stopped at a read failure; the used frame's caption says so, and the
     /// information line says where (stopNote_).
     bool loadStopped_ = false;

@@ -94,6 +94,7 @@ void MainForm::CopyFilesButton_Click() {
 
 std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
     const QString savedCaption = Main.text();
+    copying_ = true;
     for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
         frame->setEnabled(false);
     }
@@ -121,8 +122,10 @@ std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
         ui_.setBusyPointer(true);
         return copyFailureAnswer(answer);
     };
-    const CopyOutcome outcome = copyUsedFiles(items, CopyFolder, FSO, events);
+    const CopyOutcome outcome =
+        copyUsedFiles(items, CopyFolder, FSO, events, usedFileOwners(usedLines_));
     ui_.endProgress();
+    copying_ = false;
     Main.setText(savedCaption);
     ui_.setBusyPointer(false);
     if (outcome.aborted) {

@@ -80,6 +80,7 @@ void MainForm::runSessionLoad() {
     const SweepRequest request = sweepRequest();
     const Sweep sweep = sweepFolder(request, FSO, sweepEvents());
     RecordFolder = sweep.used.recordFolder;
+    usedLines_ = sweep.used.lines;
     QList<CheckItem> usedLines;
     usedLines.reserve(sweep.used.lines.size());
     for (const UsedLine& line : sweep.used.lines) {

@@ -20,6 +20,7 @@ MoveRequest MainForm::moveRequest() const {
     for (int row = 0; row < UnusedFiles.count(); ++row) {
         request.items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
     }
+    request.usedFiles = usedFileOwners(usedLines_);
     return request;
 }
 
@@ -39,6 +40,10 @@ void MainForm::MoveButton_Click() {
                QStringLiteral("Choose the folder to move the files to: the target folder must be "
                               "a full path."),
                QStringLiteral("Move Files"), MessageIcon::Exclamation);
+        return;
+    }
+    if (const QString problem = moveProblem(request, FSO); !problem.isEmpty()) {
+        showOk(ui(), problem, QStringLiteral("Move Files"), MessageIcon::Exclamation);
         return;
     }
     const QString crlf = QStringLiteral("\r\n");

@@ -13,7 +13,7 @@ void MainForm::UpdateSubFolder() {
         StoreInSubFolderCheck.setTooltip({});
         return;
     }
-    const QString base = GetBaseName(session);
+    const QString base = hostBaseName(session);
     StoreInSubFolderCheck.setText(QStringLiteral("Store in sub-folder \"...") + hostSeparator() +
                                   base + u'"');
     StoreInSubFolderCheck.setEnabled(true);

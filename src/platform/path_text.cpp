@@ -153,6 +153,45 @@ QString GetExtensionName(const QString& path) {
     return dot < 0 ? QString() : name.mid(dot + 1);
 }
 
+QString hostFileName(const QString& path) {
+#ifdef Q_OS_WIN
+    return GetFileName(path);
+#else
+    qsizetype end = path.size();
+    while (end > 1 && path[end - 1] == u'/') {
+        --end;
+    }
+    const qsizetype sep = end > 0 ? path.lastIndexOf(u'/', end - 1) : -1;
+    const QString name = path.mid(sep + 1, end - sep - 1);
+    return name == QLatin1String("/") ? QString() : name;
+#endif
+}
+
+QString hostParentFolder(const QString& path) {
+#ifdef Q_OS_WIN
+    return GetParentFolderName(path);
+#else
+    qsizetype end = path.size();
+    while (end > 1 && path[end - 1] == u'/') {
+        --end;
+    }
+    qsizetype sep = end > 1 ? path.lastIndexOf(u'/', end - 1) : -1;
+    if (sep < 0) {
+        return {};
+    }
+    while (sep > 0 && path[sep - 1] == u'/') {
+        --sep;
+    }
+    return sep == 0 ? QStringLiteral("/") : path.left(sep);
+#endif
+}
+
+QString hostBaseName(const QString& path) {
+    const QString name = hostFileName(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot < 0 ? name : name.left(dot);
+}
+
 QString trimBlanks(const QString& text) {
     qsizetype begin = 0;
     qsizetype end = text.size();

@@ -38,6 +38,16 @@ QString GetBaseName(const QString& path);
 /// The text after the last dot of the last component, without the dot; empty when there is none.
 QString GetExtensionName(const QString& path);
 
+/// The last component of a path that names a file on this machine: the separators split it
+/// only where the host has them, so on Linux and macOS "x\take.wav" is one name.
+QString hostFileName(const QString& path);
+
+/// The folder of such a path: empty for a bare name, "/" for a file at the root.
+QString hostParentFolder(const QString& path);
+
+/// The last component of such a path without its extension.
+QString hostBaseName(const QString& path);
+
 /// `text` as one line for the eye, in a list or a terminal: control characters are written as
 /// escapes ("\n", "\x1B"), and so is a byte of a file name that was no UTF-8 ("\xFF"), so
 /// that a name can neither break a line nor drive a terminal.

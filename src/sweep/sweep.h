@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -85,7 +86,8 @@ QString startingRecordFolder(const SessionKind& kind, const QString& folder, boo
 struct UsedLine {
     QString text;  ///< the media path as listed
     bool exists = false;
-    QString path;  ///< the file that was looked for on disk
+    QString path;     ///< the file that was looked for on disk
+    QString session;  ///< the session file that named it first
     bool operator==(const UsedLine&) const = default;
 };
 
@@ -178,6 +180,10 @@ QString reaperSubFolder(const QString& recordFolder, const QString& projectFolde
 
 /// A name as the used test compares it: upper-cased, accented letters in one form.
 QString usedKey(const QString& name);
+
+/// The files that `lines` name and that exist, by canonical path, each with the session that
+/// named it first: what a move or a copy must never replace.
+QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines);
 
 /// The sessions `request` names, first and last position in its list.
 struct ScanRange {

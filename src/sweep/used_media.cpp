@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QFileInfo>
 
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
@@ -119,18 +120,18 @@ private:
             media_.recordFolder =
                 foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
         }
-        addLines(read.paths);
+        addLines(read.paths, name);
         if (read.outcome != ReaderOutcome::Read) {
             // A session that could not be read, or not as a session of its kind, may use any
             // file of the folder: the load stops rather than offer them for moving.
             media_.stopped = true;
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
-            media_.lines.append({kNoMediaText, false, {}});
+            media_.lines.append({kNoMediaText, false, {}, {}});
             media_.noMedia = true;
         }
     }
 
-    void addLines(const QStringList& paths) {
+    void addLines(const QStringList& paths, const QString& session) {
         for (const QString& readPath : paths) {
             Resolved line = resolvePath(readPath, kind_.id, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);
@@ -139,7 +140,7 @@ private:
             }
             shown_.insert(line.shown);
             const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
-            media_.lines.append({std::move(line.shown), exists, std::move(line.tested)});
+            media_.lines.append({std::move(line.shown), exists, std::move(line.tested), session});
         }
     }
 
@@ -190,6 +191,19 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
         ++cut;
     }
     return path.startsWith(folder) ? path.mid(cut) : path;
+}
+
+QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines) {
+    QHash<QString, QString> owners;
+    for (const UsedLine& line : lines) {
+        if (line.exists) {
+            const QString canonical = QFileInfo(line.path).canonicalFilePath();
+            if (!canonical.isEmpty() && !owners.contains(canonical)) {
+                owners.insert(canonical, line.session);
+            }
+        }
+    }
+    return owners;
 }
 
 UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,

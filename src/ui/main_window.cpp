@@ -142,6 +142,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (form_.copyRunning()) {
+        event->ignore();  // the window closes once the copy is over
+        return;
+    }
     // A window closed twice (by "E&xit", then by the program's end) unloads once.
     if (!std::exchange(unloaded_, true)) {
         const Preferences preferences = form_.Form_Unload();

@@ -174,7 +174,9 @@ void QtInteraction::showProgress(const QString& title, const QString& item, qint
     // The bar counts kilobytes, so that any size fits its range.
     progress_->setRange(0, int(std::max<qint64>(total / 1024, 1)));
     progress_->setValue(int(std::min(done, total) / 1024));
-    QCoreApplication::processEvents();
+    // The window repaints, but takes no click or key until the work is over: the progress
+    // window blocks it only once it shows.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void QtInteraction::endProgress() {

@@ -91,13 +91,14 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {QStringList(move).replaceInStrings("mix.ses", "wave.ses") << old, 2, "", "nothing moved"},
         {move + QStringList{old, "--only", "B.*", "--dry-run"}, 0,
          here + "/b.wav -> " + old + "/b.wav\n" + here + "/b.pk -> " + old + "/b.pk\n", ""},
-        {move + QStringList{gone, "--only", "b.pk"}, 4,
-         "Moving selected files to..." + gone + "\nCommenced ", ""},
-        {move + QStringList{old, "--only", "b.pk"}, 0,
+        {move + QStringList{gone, "--only", "b.pk"}, 4, "",
+         "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
+        {move + QStringList{"  " + old + "  ", "--only", "b.pk"}, 0,  // trimmed where it enters
          "Moving selected files to..." + old + "\nCommenced ", ""},
 
         {copy, 1, "", "--to TARGET is missing"},
-        {copy + QStringList{"--to", gone}, 4, "", "cannot create " + gone + ": Error 2 ("},
+        {copy + QStringList{"--to", gone}, 4, "",
+         "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
         {copy + QStringList{"--to", collect}, 0,
          "1 File(s) successfully copied to " + collect + "/.\n", ""},
     };

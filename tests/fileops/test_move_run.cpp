@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <QDateTime>
 #include <QDirIterator>
 #include <QLocale>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <csignal>
@@ -22,19 +25,27 @@ public:
     bool trashRefuses = false;             // for files of the session folder
     bool deleteRefuses = false;
     QString sessionFolder;
+    std::function<void(const QString& destination)> duringCopy;  // done as the data goes
+    int interruptAfter = -1;  // files moved before an interrupt comes
 
-    FileResult copyFile(const QString& source, const QString& destination,
-                        const Progress& progress) override {
+    FileResult copyFile(const QString& source, const QString& destination, CopyMode mode,
+                        const Progress& progress, TrashPlace* replaced) override {
         if (copyFaults.contains(GetFileName(source))) {
             return copyFaults.value(GetFileName(source));
         }
-        return FileOperations::copyFile(source, destination, progress);
+        const Progress watched = [&](qint64 bytes) {
+            if (duringCopy) {
+                std::exchange(duringCopy, nullptr)(destination);
+            }
+            progress(bytes);
+        };
+        return FileOperations::copyFile(source, destination, mode, watched, replaced);
     }
-    FileResult moveToTrash(const QString& path) override {
+    FileResult moveToTrash(const QString& path, TrashPlace* place) override {
         if (trashRefuses && path.startsWith(sessionFolder)) {
             return FileError{EPERM, "refused"};
         }
-        return FileOperations::moveToTrash(path);
+        return FileOperations::moveToTrash(path, place);
     }
     FileResult removeFile(const QString& path) override {
         return deleteRefuses ? FileError{EACCES, qt_error_string(EACCES)}
@@ -81,12 +92,19 @@ protected:
             return answers.isEmpty() ? OverwriteAnswer::Cancel
                                      : answers.takeFirst().value_or(OverwriteAnswer::Cancel);
         };
+        events.stopRequested = [this] {
+            return disk.interruptAfter >= 0 && disk.interruptAfter-- == 0;
+        };
         outcome = runMove(request, disk, events);
         const QStringList lines = log.split("\r\n");
         EXPECT_EQ(lines.value(0), "Moving selected files to..." + moveDestination(request));
         EXPECT_EQ(lines.value(2), QString(50, '-'));
-        totals = lines.value(lines.size() - 3);
-        return lines.mid(3, lines.size() - 7).join('|').replace("Moving..." + song + '/', "@");
+        const qsizetype blank = lines.lastIndexOf(QString());
+        totals = lines.mid(blank + 1, lines.size() - 3 - blank).join('|');
+        return lines.mid(3, blank - 3)
+            .join('|')
+            .replace("Moving..." + song + '/', "@")
+            .replace(old, "#");
     }
 
     MoveRequest plainRequest() const {
@@ -119,12 +137,26 @@ struct MoveCase {
     int trashed;         // files in the trash afterwards
 };
 
+void PrintTo(const MoveCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
 const std::function<void(MoveRequest&, FaultyDisk&, const QString&)> kAsIs =
     [](MoveRequest&, FaultyDisk&, const QString&) {};
 constexpr auto kYes = OverwriteAnswer::Yes;
 constexpr auto kNo = OverwriteAnswer::No;
 constexpr auto kAll = OverwriteAnswer::YesToAll;
 constexpr auto kCancel = OverwriteAnswer::Cancel;
+
+// The target folder of a case, from its session folder.
+QString targetOf(const QString& song) {
+    return QDir::cleanPath(song + "/../Old");
+}
+
+// A name whose trash record ("....wav.trashinfo") would be longer than a name may be.
+const QByteArray kLongName = QByteArray(246, 'n') + ".wav";
+const QByteArray kLongNameLog = "@" + kLongName + "...OK - 1,000 bytes moved.";
+const QByteArray kLongNameListing = kLongName + ":1000";
 
 // clang-format off
 const MoveCase kMoveCases[] = {
@@ -155,9 +187,9 @@ const MoveCase kMoveCases[] = {
      [](MoveRequest& request, FaultyDisk&, const QString&) { request.storeInSubFolder = true; request.sessionFile = "mix.ses"; },
      "@a.wav...OK - 1,000 bytes moved.",
      "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "mix/a.wav:1000", 1},
-    {"TargetParentMissing", "a.wav|b.wav", "a.wav|b.wav", "", {},
+    {"TargetParentMissingIsSaidOnce", "a.wav|b.wav", "a.wav|b.wav", "", {},
      [](MoveRequest& request, FaultyDisk&, const QString&) { request.targetText += "/x/y"; },
-     "@a.wav...Error 2 (No such file or directory)|@b.wav...Error 2 (No such file or directory)",
+     "The target folder's parent #/x does not exist.",
      "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000|b.wav:1000", "", 0},
     {"SourceVanishedAfterTheScan", "a.wav|b.wav", "a.wav|b.wav", "", {},
      [](MoveRequest&, FaultyDisk&, const QString& song) { QFile::remove(song + "/a.wav"); },
@@ -169,8 +201,8 @@ const MoveCase kMoveCases[] = {
      "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "a.wav:1000", "b.wav:1000", 1},
     {"TrashRefusesSoTheSourceIsDeletedAfterItsCopy", "a.wav", "a.wav", "", {},
      [](MoveRequest&, FaultyDisk& disk, const QString&) { disk.trashRefuses = true; },
-     "@a.wav...OK - 1,000 bytes moved.",
-     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "a.wav:1000", 0},
+     "@a.wav...OK - 1,000 bytes moved (source deleted: the trash refused it).",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)|Sources Deleted (the trash refused them): 1", "", "a.wav:1000", 0},
     {"SourceCannotBeRemoved", "a.wav", "a.wav", "", {},
      [](MoveRequest&, FaultyDisk& disk, const QString&) { disk.trashRefuses = disk.deleteRefuses = true; },
      "@a.wav...File copied.  Cannot remove source file.  Error 13 (Permission denied)",
@@ -191,6 +223,67 @@ const MoveCase kMoveCases[] = {
      [](MoveRequest& request, FaultyDisk&, const QString& song) { request.targetText = song; },
      "@a.wav...Error 17 (The file is already in the target folder)",
      "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "a.wav:1000", 0},
+    {"ANameTakenDuringTheCopyStaysAndTheSourceToo", "a.wav", "a.wav", "", {},
+     [](MoveRequest&, FaultyDisk& disk, const QString&) {
+         disk.duringCopy = [](const QString& destination) {  // another program writes there
+             QProcess::execute("sh", {"-c", "printf other > \"$0\"", destination});
+         };
+     },
+     "@a.wav...Error 17 (A file of that name appeared in the target folder)",
+     "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "a.wav:5", 0},
+    {"AFileTheSessionsUseIsNeverReplaced", "a.wav|b.wav", "a.wav|b.wav", "a.wav", {kAll},
+     [](MoveRequest& request, FaultyDisk&, const QString& song) {
+         request.usedFiles.insert(QFileInfo(targetOf(song) + "/a.wav").canonicalFilePath(), "mix.sesx");
+     },
+     "@a.wav...Skipped - the file in the target is used by mix.sesx|@b.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "a.wav:1000", "a.wav:10|b.wav:1000", 1},
+    {"ABackslashIsPartOfAName", "x\\take.wav|y\\take.wav", "x\\take.wav|y\\take.wav", "", {}, kAsIs,
+     "@x\\take.wav...OK - 1,000 bytes moved.|@y\\take.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 2 - Bytes Moved:  2,000 (0.00Mb)", "", "x\\take.wav:1000|y\\take.wav:1000", 2},
+    {"TheWriteThroughNeverOpensAMovedLink", "", "", "", {},
+     [](MoveRequest& request, FaultyDisk& disk, const QString& song) {
+         QFile::link("p", song + "/l.wav");  // in the target "p" is a pipe nobody writes to
+         ASSERT_EQ(::mkfifo(QFile::encodeName(targetOf(song) + "/p").constData(), 0600), 0);
+         request.items.append({"l.wav", true});
+         disk.trashRefuses = true;
+     },
+     "@l.wav...OK - 1 bytes moved (source deleted: the trash refused it).",
+     "Files Moved: 1 - Bytes Moved:  1 (0.00Mb)|Sources Deleted (the trash refused them): 1", "", "l.wav:1|p:0", 0},
+    {"AnExcludedFileIsNotAskedAbout", "notes.txt|a.wav", "notes.txt|a.wav", "notes.txt", {kCancel},
+     [](MoveRequest& request, FaultyDisk&, const QString&) { request.excludeOn = true; request.excluded = {"*.TXT"}; },
+     "@notes.txt...File Excluded|@a.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "notes.txt:1000", "a.wav:1000|notes.txt:10", 1},
+    {"ASessionNamedOnlyDotsGivesNoSubFolder", "a.wav", "a.wav", "", {},
+     [](MoveRequest& request, FaultyDisk&, const QString&) { request.storeInSubFolder = true; request.sessionFile = "...sesx"; },
+     "The session's name gives no sub-folder to store the files in (\"...sesx\").",
+     "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "", 0},
+    {"TargetIsAFile", "a.wav", "a.wav", "a.wav", {},
+     [](MoveRequest& request, FaultyDisk&, const QString&) { request.targetText += "/a.wav"; },
+     "The target #/a.wav is a file, not a folder.",
+     "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "a.wav:10", 0},
+    {"LeftoversOfARunThatDiedGo", "a.wav", "a.wav", ".tidewick-copy-1-live|.tidewick-copy-999999999-dead", {}, kAsIs,
+     "@a.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", ".tidewick-copy-1-live:10|a.wav:1000", 1},
+    {"TheTrashFolderIsAFile", "a.wav", "a.wav", "", {},
+     [](MoveRequest&, FaultyDisk&, const QString& song) { test::writeFile(song + "/../data/Trash", "x"); },
+     "@a.wav...OK - 1,000 bytes moved (source deleted: the trash refused it).",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)|Sources Deleted (the trash refused them): 1", "", "a.wav:1000", 0},
+    {"ARecordWithoutItsFileLeftByARunThatDiedGoes", "a.wav", "a.wav", "", {},
+     [](MoveRequest&, FaultyDisk&, const QString& song) {
+         const QString record = song + "/../data/Trash/info/ghost.wav.trashinfo";
+         test::writeFile(record, "[Trash Info]\nPath=" + song.toUtf8() + "/ghost.wav\n");
+         QFile file(record);
+         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+         file.setFileTime(QDateTime::currentDateTime().addSecs(-120), QFileDevice::FileModificationTime);
+     },
+     "@a.wav...OK - 1,000 bytes moved.", "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "a.wav:1000", 1},
+    {"AnInterruptStopsAfterTheFileInHand", "a.wav|b.wav|c.wav", "a.wav|b.wav|c.wav", "", {},
+     [](MoveRequest&, FaultyDisk& disk, const QString&) { disk.interruptAfter = 1; },
+     "@a.wav...OK - 1,000 bytes moved.|@b.wavOperation cancelled.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "b.wav:1000|c.wav:1000", "a.wav:1000", 1},
+    {"ALongNameIsShortenedInTheTrash", kLongName.constData(), kLongName.constData(), "", {}, kAsIs,
+     kLongNameLog.constData(),
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", kLongNameListing.constData(), 1},
 };
 // clang-format on
 
@@ -208,10 +301,15 @@ TEST_P(MoveCases, LogFolderAndTrashTellTheSameStory) {
     EXPECT_EQ(run(request, c.answers), c.log);
     EXPECT_EQ(totals, c.totals);
     EXPECT_EQ(listing(song), c.left);
-    EXPECT_EQ(listing(request.storeInSubFolder ? old : moveDestination(request)), c.target);
+    const QString destination = moveDestination(request);
+    EXPECT_EQ(
+        listing(request.storeInSubFolder || !QFileInfo(destination).isDir() ? old : destination),
+        c.target);
     EXPECT_EQ(QDir(trash).entryList(QDir::Files | QDir::System).size(), c.trashed);
-    // Each file in the trash has its record of where it was.
+    // Each file in the trash has its record of where it was, and each record its file.
     for (const QFileInfo& info : QDir(trash + "/../info").entryInfoList(QDir::Files)) {
+        const QFileInfo file(trash + '/' + info.completeBaseName());
+        EXPECT_TRUE(file.exists() || file.isSymLink()) << info.fileName().toStdString();
         QFile record(info.filePath());
         ASSERT_TRUE(record.open(QIODevice::ReadOnly));
         EXPECT_TRUE(QRegularExpression("^\\[Trash Info\\]\nPath=(" + song + "|" + old +
@@ -219,7 +317,7 @@ TEST_P(MoveCases, LogFolderAndTrashTellTheSameStory) {
                         .match(record.readAll())
                         .hasMatch());
     }
-    EXPECT_EQ(outcome.failed, QString(c.log).contains("Error"));
+    EXPECT_EQ(outcome.failed, QString(c.log).contains("Error") || QString(c.log).startsWith("The"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Moves, MoveCases, ::testing::ValuesIn(kMoveCases),

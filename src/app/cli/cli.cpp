@@ -1,5 +1,8 @@
 #include "app/cli/cli.h"
 
+#include <atomic>
+#include <csignal>
+
 namespace tidewick::cli {
 
 namespace {
@@ -18,7 +21,23 @@ const char* const kUsage =
     "  move    moves the files to be moved to TARGET, their originals to the trash\n"
     "  copy-used  copies the used files present on disk to TARGET\n";
 
+std::atomic<bool> gInterrupted{false};
+
+extern "C" void onInterrupt(int signal) {
+    gInterrupted = true;
+    std::signal(signal, SIG_DFL);  // a second one ends the program
+}
+
 }  // namespace
+
+void watchInterrupts() {
+    std::signal(SIGINT, onInterrupt);
+    std::signal(SIGTERM, onInterrupt);
+}
+
+bool interrupted() {
+    return gInterrupted;
+}
 
 int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     if (arguments.isEmpty() || arguments.first() == QLatin1String("--help") ||

@@ -9,6 +9,14 @@ namespace tidewick::cli {
 /// Exit codes of every command. MoveFailed: a file could not be moved or copied.
 enum ExitCode : int { Success = 0, UsageError = 1, ReaderError = 2, MoveFailed = 4 };
 
+/// Catches the first Ctrl-C (and SIGTERM): a move or copy finishes the file in hand, then stops
+/// with its log written. A second one ends the program at once.
+void watchInterrupts();
+/// True once an interrupt has come.
+bool interrupted();
+/// The exit code of a command stopped by an interrupt.
+constexpr int kInterrupted = 130;
+
 /// Runs the command line `arguments` (without the program name); output goes to `out`,
 /// messages to `err`. Returns the exit code.
 int run(const QStringList& arguments, QTextStream& out, QTextStream& err);

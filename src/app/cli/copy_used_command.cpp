@@ -1,6 +1,7 @@
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
 #include "fileops/copy_used.h"
+#include "fileops/move_run.h"
 #include "platform/path_text.h"
 
 // `copy-used`: what the window's "Cop&y Files" copies (the used files present on disk), after
@@ -25,6 +26,11 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
     }
     FileOperations disk;
     QString folder = scan->target;
+    if (const QString problem = targetFolderProblem(folder, disk); !problem.isEmpty()) {
+        err << "tidewick-cli copy-used: " << visibleText(problem)
+            << "\ntidewick-cli copy-used: nothing copied\n";
+        return MoveFailed;
+    }
     if (!disk.FolderExists(folder)) {
         if (const FileResult error = disk.createFolder(folder)) {
             err << "tidewick-cli copy-used: cannot create " << visibleText(folder) << ": Error "
@@ -43,8 +49,13 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         err << visibleText(copyFailureText(error, item.text)) << '\n';
         return CopyFailureAnswer::Ignore;
     };
-    const CopyOutcome outcome = copyUsedFiles(items, AddBackslash(folder), disk, events);
+    events.stopRequested = interrupted;
+    const CopyOutcome outcome = copyUsedFiles(items, AddBackslash(folder), disk, events,
+                                              usedFileOwners(scan->scan.sweep.used.lines));
     out << visibleText(copiedFilesLine(outcome.copied, folder)) << '\n';
+    if (outcome.aborted) {
+        return kInterrupted;
+    }
     return outcome.failed > 0 ? MoveFailed : Success;
 }
 

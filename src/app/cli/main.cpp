@@ -4,8 +4,11 @@
 #include <cstdio>
 
 #include "app/cli/cli.h"
+#include "platform/process_setup.h"
 
 int main(int argc, char* argv[]) {
+    tidewick::prepareProcess();
+    tidewick::cli::watchInterrupts();
     QCoreApplication app(argc, argv);
     QTextStream out(stdout);
     QTextStream err(stderr);

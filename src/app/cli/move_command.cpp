@@ -62,6 +62,7 @@ MoveRequest moveRequest(const FolderScan& scan, const QString& target, const Mov
     request.targetText = target;
     request.storeInSubFolder = options.storeInSubFolder;
     request.itemsMayBePaths = scan.request.kind->subFolderRow;
+    request.usedFiles = usedFileOwners(scan.sweep.used.lines);
     request.excludeOn = !options.excluded.isEmpty();
     request.excluded = options.excluded;
     for (const OtherFile& file : scan.sweep.others) {
@@ -96,6 +97,11 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     const MoveRequest request = moveRequest(scan->scan, scan->target, options);
     FileOperations disk;
+    if (const QString problem = moveProblem(request, disk); !problem.isEmpty()) {
+        err << "tidewick-cli move: " << visibleText(problem)
+            << "\ntidewick-cli move: nothing moved\n";
+        return MoveFailed;
+    }
     if (options.dryRun) {
         printPlan(request, disk, out);
         return Success;
@@ -106,8 +112,12 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         out.flush();
     };
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
+    events.stopRequested = interrupted;
     const MoveOutcome outcome = tidewick::runMove(request, disk, events);
     out << '\n';
+    if (interrupted()) {
+        return kInterrupted;
+    }
     return outcome.failed ? MoveFailed : Success;
 }
 
