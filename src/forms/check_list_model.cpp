@@ -53,10 +53,16 @@ void CheckListModel::invertChecks() {
     Q_EMIT dataChanged(index(0), index(count() - 1), {Qt::CheckStateRole});
 }
 
+void CheckListModel::setTooltip(int row, const QString& text) {
+    tooltips_.insert(row, text);
+    Q_EMIT dataChanged(index(row), index(row), {Qt::ToolTipRole});
+}
+
 void CheckListModel::clear() {
     beginResetModel();
     items_.clear();
     firstRow_.clear();
+    tooltips_.clear();
     endResetModel();
 }
 
@@ -73,6 +79,9 @@ QVariant CheckListModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return visibleText(line.text);
         case Qt::ToolTipRole:  // the whole line, also where the list is too narrow for it
+            if (const auto told = tooltips_.constFind(index.row()); told != tooltips_.constEnd()) {
+                return visibleText(*told);
+            }
             return visibleText(tooltipFolder_.isEmpty() ? line.text
                                                         : otherFilePath(tooltipFolder_, line.text));
         case Qt::CheckStateRole:

@@ -45,6 +45,10 @@ public:
     /// Each line's tooltip is its whole text; with a folder set here (with its separator), the
     /// whole path of the file that the line names in that folder.
     void setTooltipFolder(const QString& folder) { tooltipFolder_ = folder; }
+    /// Gives line `row` a tooltip of its own instead (until the list is cleared).
+    void setTooltip(int row, const QString& text);
+    /// The tooltip of line `row`, as the view shows it.
+    QString tooltip(int row) const { return data(index(row), Qt::ToolTipRole).toString(); }
     void clear();
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -61,6 +65,7 @@ private:
     QList<CheckItem> items_;
     QHash<QString, int> firstRow_;
     QString tooltipFolder_;
+    QHash<int, QString> tooltips_;
 };
 
 }  // namespace tidewick

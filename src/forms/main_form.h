@@ -282,8 +282,11 @@ private:
     void showOtherFiles(const QList<OtherFile>& files);
     /// Appends those of `files` that lead to a file no line of UnusedFiles leads to yet.
     void appendOtherFiles(const QList<OtherFile>& files);
-    /// The lines of UsedFiles, for the used test of the other files.
-    UsedIndex usedIndex() const;
+    /// The used test of the last load, for the other files listed after it.
+    const UsedIndex& usedIndex();
+    std::shared_ptr<const UsedIndex> usedIndex_;
+    /// The files the listings passed over because a session keeps them.
+    QList<KeptFile> keptFiles_;
     void noteBrowserChange() {
         ++load_.browserChanges;
         loadStopped_ = false;

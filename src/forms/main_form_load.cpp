@@ -81,12 +81,19 @@ void MainForm::runSessionLoad() {
     const Sweep sweep = sweepFolder(request, FSO, sweepEvents());
     RecordFolder = sweep.used.recordFolder;
     usedLines_ = sweep.used.lines;
+    usedIndex_ = sweep.index;
+    keptFiles_ = sweep.kept;
     QList<CheckItem> usedLines;
     usedLines.reserve(sweep.used.lines.size());
     for (const UsedLine& line : sweep.used.lines) {
         usedLines.append({line.text, line.exists});
     }
     UsedFiles.addItems(usedLines);
+    for (int row = 0; row < sweep.used.lines.size(); ++row) {
+        if (!sweep.used.lines[row].keptFile.isEmpty()) {
+            UsedFiles.setTooltip(row, usedLineTooltip(sweep.used.lines[row]));
+        }
+    }
     showOtherFiles(sweep.others);
 
     UsedFilesBox.setListIndex(-1);

@@ -10,18 +10,18 @@ void MainForm::UpdateUnusedFileSpec() {
         return;  // the media of a session read only in part are unknown: nothing is offered
     }
     ui_.setBusyPointer(true);
-    showOtherFiles(listOtherFiles(sweepRequest(), usedIndex(), RecordFolder, FSO, sweepEvents()));
+    keptFiles_.clear();
+    showOtherFiles(
+        listOtherFiles(sweepRequest(), usedIndex(), RecordFolder, FSO, sweepEvents(), &keptFiles_));
     ui_.setBusyPointer(false);
     UnusedFilesBox.setListIndex(-1);
 }
 
-UsedIndex MainForm::usedIndex() const {
-    QStringList used;
-    used.reserve(UsedFiles.count());
-    for (int row = 0; row < UsedFiles.count(); ++row) {
-        used.append(UsedFiles.text(row));
+const UsedIndex& MainForm::usedIndex() {
+    if (!usedIndex_) {
+        usedIndex_ = std::make_shared<UsedIndex>(usedLines_, SESFile.text(), TrimFoldersFlag, FSO);
     }
-    return UsedIndex(used, SESFile.text(), TrimFoldersFlag);
+    return *usedIndex_;
 }
 
 void MainForm::KeepPKCheck_Click() {

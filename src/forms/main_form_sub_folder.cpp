@@ -35,7 +35,7 @@ void MainForm::AddFolder() {
         return;  // no such folder: nothing to gather, nothing to say
     }
     ui_.processEvents();
-    appendOtherFiles(listSubFolder(sweepRequest(), usedIndex(), RecordFolder, FSO));
+    appendOtherFiles(listSubFolder(sweepRequest(), usedIndex(), RecordFolder, FSO, &keptFiles_));
 }
 
 void MainForm::SubFolderCheck_Click() {

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <climits>
 #include <vector>
 
 #ifdef Q_OS_UNIX
@@ -80,6 +81,8 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
         return entries;
     }
     const int fd = ::dirfd(dir);
+    struct stat self {};
+    const quint64 device = ::fstat(fd, &self) == 0 ? quint64(self.st_dev) : 0;
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
@@ -104,7 +107,10 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
             !S_ISREG(info.st_mode)) {
             continue;  // a broken link, or one that leads to no ordinary file
         }
-        entries.append({decoded, qint64(info.st_size), link});
+        // The entry's own inode: for a link the link's, not its target's.
+        const FileId id = link ? FileId{device, quint64(entry->d_ino)}
+                               : FileId{quint64(info.st_dev), quint64(info.st_ino)};
+        entries.append({decoded, qint64(info.st_size), link, id});
     }
     ::closedir(dir);
     return entries;
@@ -145,7 +151,7 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
         if (wanted && !wanted(info.fileName())) {
             continue;
         }
-        entries.append({info.fileName(), info.size(), info.isSymLink()});
+        entries.append({info.fileName(), info.size(), info.isSymLink(), {}});
     }
     return entries;
 }
@@ -254,6 +260,38 @@ QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
     QList<SubFolder> folders = readSubFolders(folder);
     sortByName(folders);
     return folders;
+}
+
+QList<FileId> FileSystem::fileIds(const QString& path) const {
+    QList<FileId> ids;
+#ifdef Q_OS_UNIX
+    // A chain of links ends at a file, at a name that is missing, or after as many links as the
+    // system itself follows.
+    QString at = path;
+    for (int hop = 0; hop < 40; ++hop) {
+        struct stat info {};
+        if (::lstat(encodeFileName(at).constData(), &info) != 0) {
+            break;
+        }
+        ids.append({quint64(info.st_dev), quint64(info.st_ino)});
+        if (!S_ISLNK(info.st_mode)) {
+            break;
+        }
+        QByteArray target(PATH_MAX, Qt::Uninitialized);
+        const ssize_t length =
+            ::readlink(encodeFileName(at).constData(), target.data(), size_t(target.size()));
+        if (length <= 0 || length >= target.size()) {
+            break;
+        }
+        target.truncate(int(length));
+        const QString next = decodeFileName(target);
+        // A relative target is read from the link's own folder.
+        at = next.startsWith(u'/') ? next : at.left(at.lastIndexOf(u'/') + 1) + next;
+    }
+#else
+    Q_UNUSED(path);
+#endif
+    return ids;
 }
 
 QString FileSystem::currentDirectory() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHashFunctions>
 #include <QList>
 #include <QString>
 #include <functional>
@@ -16,11 +17,26 @@ QString decodeFileName(QByteArrayView bytes);
 /// The bytes that name `path` to the file system.
 QByteArray encodeFileName(const QString& path);
 
+/// Which file a path reaches, whatever the path: its device and inode (a link is a file of its
+/// own). Zero where the disk does not tell.
+struct FileId {
+    quint64 device = 0;
+    quint64 inode = 0;
+
+    bool isKnown() const { return inode != 0; }
+    bool operator==(const FileId&) const = default;
+};
+
+inline size_t qHash(const FileId& id, size_t seed = 0) {
+    return qHashMulti(seed, id.device, id.inode);
+}
+
 /// One file of a folder listing.
 struct FolderEntry {
     QString name;         ///< the file's name, without its folder
     qint64 size = 0;      ///< its length in bytes (of the target, for a link)
     bool isLink = false;  ///< a symbolic link to a file
+    FileId id;            ///< the entry itself (for a link, the link)
 
     bool operator==(const FolderEntry&) const = default;
 };
@@ -62,6 +78,10 @@ public:
     /// The folders of `folder` that a user sees there (links to folders too, hidden ones not),
     /// sorted by name ignoring case; empty when the folder cannot be read.
     virtual QList<SubFolder> listFolders(const QString& folder) const;
+
+    /// The files that `path` reaches: the entry itself and, for a link, each link it passes
+    /// through up to the file it ends at. Empty when there is no such entry.
+    virtual QList<FileId> fileIds(const QString& path) const;
 
     /// The program's current directory.
     virtual QString currentDirectory() const;

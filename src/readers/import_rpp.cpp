@@ -102,16 +102,23 @@ public:
                                          MessageIcon::Critical};
             return read;
         }
-        // The line after the header is passed over unread, whatever it holds.
-        lines_.next();
+        // Every line after the header is read, the very next one too: it may be a source.
+        depth_ = 1;
         while (!lines_.atEnd()) {
-            const QByteArrayView line = trimmedOfBlanksAndTabs(lines_.next());
+            const QByteArrayView line = nextLine();
             if (beginsWith(line, kRecordPath)) {
                 read.recordPaths.append(recordPathLine(line));
             }
             applySource(line);
         }
         read.paths = paths_.takePaths();
+        if (depth_ != 0) {
+            // Cut short, it may have lost sources; read as it is, their files would be offered.
+            // The paths found stay with the refusal, for whoever reads the file itself.
+            read.outcome = ReaderOutcome::Rejected;
+            read.message = incompleteSessionMessage(QStringLiteral("REAPER project"),
+                                                    QStringLiteral("\">\""), kRejectTitle);
+        }
         return read;
     }
 
@@ -164,7 +171,7 @@ private:
         if (!bank) {
             // Read even past the end of the file, where the line is empty and names nothing.
             // The line read here is the file line and meets no other rule.
-            fileLine = trimmedOfBlanksAndTabs(lines_.next());
+            fileLine = nextLine();
             if (midi && !beginsWith(fileLine, kFileKeyword)) {
                 return;  // a MIDI source with its notes in the project itself
             }
@@ -179,7 +186,7 @@ private:
         LineReader ahead = lines_;
         const QByteArrayView next = trimmedOfBlanksAndTabs(ahead.next());
         if (beginsWith(next, kFileKeyword)) {
-            lines_ = ahead;
+            lines_ = ahead;  // a FILE line opens and closes no block
             addFile(next);
         }
     }
@@ -211,6 +218,20 @@ private:
         }
     }
 
+    // The next line, cleaned, counted into the depth of blocks: "<NAME" opens one, ">" alone
+    // closes it, and a whole project ends with its header's block closed.
+    QByteArrayView nextLine() {
+        const QByteArrayView line = trimmedOfBlanksAndTabs(lines_.next());
+        if (!line.isEmpty()) {
+            if (line[0] == '<') {
+                ++depth_;
+            } else if (line.size() == 1 && line[0] == '>') {
+                --depth_;
+            }
+        }
+        return line;
+    }
+
     // A text with a zero character names no folder; the file system would only warn about it.
     bool folderExists(const QString& path) const {
         return fs_ != nullptr && !path.contains(QChar(u'\0')) && fs_->FolderExists(path);
@@ -230,6 +251,7 @@ private:
     }
 
     LineReader lines_;
+    qsizetype depth_ = 0;
     QSet<QByteArray> seenFileTexts_;
     const FileSystem* fs_;
     QString projectFolder_;

@@ -1,5 +1,6 @@
 #include "readers/import_sesx.h"
 
+#include <QXmlStreamReader>
 #include <cstring>
 
 #include "platform/session_text.h"
@@ -48,8 +49,9 @@ public:
         return line != kFilesEnd && trimmed != kSessionEnd;
     }
 
-    // The paths cut out so far, each once.
+    // The paths cut out so far, each once, and how many file elements gave one.
     MediaPathList paths;
+    qsizetype elementsRead = 0;
 
 private:
     // Takes the absolutePath value from a file element line. The cuts count from the line's
@@ -79,9 +81,46 @@ private:
         // media file.
         if (!path.isEmpty()) {
             paths.appendUnique(decodeSessionText(path));
+            ++elementsRead;
         }
     }
 };
+
+// How many file elements the bytes hold, wherever they stand: "<file" and white space.
+qsizetype fileElementCount(QByteArrayView bytes) {
+    qsizetype count = 0;
+    for (qsizetype at = findBytes(bytes, "<file"); at >= 0;
+         at = findBytes(bytes, "<file", at + 5)) {
+        const qsizetype next = at + 5;
+        if (next < bytes.size() && (bytes[next] == ' ' || bytes[next] == '\t' ||
+                                    bytes[next] == '\r' || bytes[next] == '\n')) {
+            ++count;
+        }
+    }
+    return count;
+}
+
+// Adds the absolutePath of every file element as an XML reader finds it: on one line with
+// others, split over lines, in single quotes, after "</files>". Reading stops at the first
+// fault of the XML; what was found before it counts.
+void addXmlFileElements(QByteArrayView bytes, MediaPathList& paths) {
+    QXmlStreamReader xml(QByteArray::fromRawData(bytes.data(), bytes.size()));
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() != u"file") {
+            continue;
+        }
+        const QStringView value = xml.attributes().value(QLatin1String("absolutePath"));
+        if (value.isEmpty() || value.size() > kMaxPathBytes) {
+            continue;
+        }
+        QString path = value.toString();
+        const qsizetype colon = path.indexOf(QLatin1String("%3a"));
+        if (colon >= 0) {
+            path.replace(colon, 3, u':');  // of the URL escapes only the colon is ever written
+        }
+        paths.appendUnique(path);
+    }
+}
 
 bool mayHoldFileElement(QByteArrayView trimmed) {
     const qsizetype tagEnd = kFileElement.size() - 1;
@@ -132,6 +171,12 @@ void examineLines(QByteArrayView bytes, SesxSession& session) {
 
 }  // namespace
 
+QStringList readSesxLines(QByteArrayView bytes) {
+    SesxSession session;
+    examineLines(bytes, session);
+    return session.paths.takePaths();
+}
+
 SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
     SessionRead read;
@@ -144,8 +189,21 @@ SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
                           QStringLiteral("Processing SESX File"), MessageIcon::Critical};
         return read;
     }
+    if (!endsWithClosing(bytes, kSessionEnd)) {
+        // Cut short, it may have lost file elements; read as it is, their files would be offered.
+        read.outcome = ReaderOutcome::Rejected;
+        read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition session"),
+                                                QStringLiteral("</sesx>"),
+                                                QStringLiteral("Processing SESX File"));
+        return read;
+    }
     SesxSession session;
     examineLines(bytes, session);
+    // Audition writes each element on a line of its own, and the lines give every path. Where
+    // the bytes hold more file elements than the lines gave paths, the XML is read as XML too.
+    if (fileElementCount(bytes) != session.elementsRead) {
+        addXmlFileElements(bytes, session.paths);
+    }
     read.paths = session.paths.takePaths();
     return read;
 }

@@ -1,5 +1,8 @@
 #include "readers/import_xml.h"
 
+#include <QSet>
+#include <QXmlStreamReader>
+
 #include "platform/session_text.h"
 #include "readers/session_bytes.h"
 
@@ -31,7 +34,7 @@ class XmlSession {
 public:
     // A lone line feed ends a line too: the export is also met with LF line ends, and read as
     // one long line such a file would yield nothing.
-    explicit XmlSession(QByteArrayView bytes) : lines_(bytes, true) {}
+    explicit XmlSession(QByteArrayView bytes) : bytes_(bytes), lines_(bytes, true) {}
 
     SessionRead run() {
         SessionRead read;
@@ -62,6 +65,21 @@ public:
                 }
             }
         }
+        if (!endsWithClosing(bytes_, "</AuditionSession>")) {
+            // Cut short, it may have lost entries; read as it is, their files would be offered.
+            // The paths found stay with the refusal, for whoever reads the file itself.
+            read.outcome = ReaderOutcome::Rejected;
+            read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition XML session"),
+                                                    QStringLiteral("</AuditionSession>"),
+                                                    QStringLiteral("Processing XML File"));
+            read.paths = paths_.takePaths();
+            return read;
+        }
+        // The export writes an entry's lines one under the other. Where the bytes hold more
+        // entries than the lines gave, the XML is read as XML too.
+        if (entryCount(bytes_) != entriesRead_) {
+            addXmlEntries();
+        }
         read.paths = paths_.takePaths();
         return read;
     }
@@ -81,8 +99,51 @@ private:
         return false;
     }
 
+    // Adds the text that each wave entry holds directly (its path line), as an XML reader finds
+    // it, where the lines did not give it already; reading stops at the first fault of the XML.
+    void addXmlEntries() {
+        QSet<QString> known;
+        for (const QString& path : paths_.paths()) {
+            known.insert(path.trimmed());
+        }
+        QXmlStreamReader xml(QByteArray::fromRawData(bytes_.data(), bytes_.size()));
+        int depthInEntry = 0;  // 1 directly inside a wave entry
+        QString text;
+        while (!xml.atEnd()) {
+            const QXmlStreamReader::TokenType token = xml.readNext();
+            if (token == QXmlStreamReader::StartElement) {
+                if (depthInEntry > 0) {
+                    ++depthInEntry;
+                } else if (xml.name().startsWith(u"EntityInfo_Wave_")) {
+                    depthInEntry = 1;
+                    text.clear();
+                }
+            } else if (token == QXmlStreamReader::Characters && depthInEntry == 1) {
+                text += xml.text();
+            } else if (token == QXmlStreamReader::EndElement && depthInEntry > 0 &&
+                       --depthInEntry == 0) {
+                const QString path = text.trimmed();
+                if (!path.isEmpty() && path.size() <= kMaxPathBytes && !known.contains(path)) {
+                    known.insert(path);
+                    paths_.appendUnique(path);
+                }
+            }
+        }
+    }
+
+    // How many wave entries the bytes hold, wherever they stand.
+    static qsizetype entryCount(QByteArrayView bytes) {
+        qsizetype count = 0;
+        for (qsizetype at = findBytes(bytes, kWaveEntryOpen); at >= 0;
+             at = findBytes(bytes, kWaveEntryOpen, at + kWaveEntryOpen.size())) {
+            ++count;
+        }
+        return count;
+    }
+
     // Reads one wave entry after its opening line and appends its path.
     void ImportXmlWaveEntry() {
+        ++entriesRead_;
         QByteArrayView pathLine;
         for (int i = 0; i < kLinesToPath; ++i) {
             pathLine = lines_.next();
@@ -103,8 +164,10 @@ private:
         }
     }
 
+    QByteArrayView bytes_;
     LineReader lines_;
     MediaPathList paths_;
+    qsizetype entriesRead_ = 0;
 };
 
 }  // namespace

@@ -26,8 +26,9 @@ FileBytes readSessionBytes(const QString& fileName) {
     // asked whether it is an ordinary file, so nothing can swap it in between.
     const int fd = ::open(encodeFileName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
-        return {{}, errno == ENOENT ? QStringLiteral("The file does not exist.")
-                                    : QString::fromLocal8Bit(std::strerror(errno))};
+        return {{},
+                errno == ENOENT ? QStringLiteral("The file does not exist.")
+                                : QString::fromLocal8Bit(std::strerror(errno))};
     }
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -226,6 +227,32 @@ QByteArray decodeXmlEscapes(QByteArrayView text) {
         }
     }
     return out;
+}
+
+qsizetype findBytes(QByteArrayView bytes, QByteArrayView needle, qsizetype from) {
+    if (from < 0 || from > bytes.size()) {
+        return -1;
+    }
+    const void* at = ::memmem(bytes.data() + from, size_t(bytes.size() - from), needle.data(),
+                              size_t(needle.size()));
+    return at == nullptr ? -1 : static_cast<const char*>(at) - bytes.data();
+}
+
+bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing) {
+    qsizetype end = bytes.size();
+    while (end > 0 && (bytes[end - 1] == ' ' || bytes[end - 1] == '\t' || bytes[end - 1] == '\r' ||
+                       bytes[end - 1] == '\n' || bytes[end - 1] == '\0')) {
+        --end;
+    }
+    return bytes.first(end).endsWith(closing);
+}
+
+ReaderMessage incompleteSessionMessage(const QString& kindName, const QString& closing,
+                                       const QString& title) {
+    return {QStringLiteral("This ") + kindName +
+                QStringLiteral(" is incomplete: the file ends before its closing ") + closing +
+                QStringLiteral(", so the media it names cannot all be known."),
+            title, MessageIcon::Critical};
 }
 
 }  // namespace tidewick

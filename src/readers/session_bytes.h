@@ -66,6 +66,18 @@ QByteArrayView trimmedOfBlanksAndTabs(QByteArrayView line);
 /// Returned as bytes with the tabs inside replaced.
 QByteArray cleanedLine(QByteArrayView line);
 
+/// Where `needle` first stands in `bytes` from `from` on, or −1: memmem's pace, which a large
+/// session's scans for an element want.
+qsizetype findBytes(QByteArrayView bytes, QByteArrayView needle, qsizetype from = 0);
+
+/// True when `bytes`, but for white space and NUL bytes at its end, ends with `closing` (a
+/// text session's closing tag): a file cut short ends before it.
+bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing);
+
+/// The message of a text session cut short: it names the `closing` it ends before.
+ReaderMessage incompleteSessionMessage(const QString& kindName, const QString& closing,
+                                       const QString& title);
+
 /// The most bytes a media path can have; a longer text in a session names no file.
 constexpr qsizetype kMaxPathBytes = 32768;
 

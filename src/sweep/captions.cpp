@@ -1,4 +1,5 @@
 #include "platform/number_text.h"
+#include "platform/path_text.h"
 #include "sweep/sweep.h"
 
 // The captions of the two list frames and the information line, as the window and the command
@@ -34,6 +35,16 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
         return QStringLiteral(" Multiple SES files: ") + counted;
     }
     return sessionName + QStringLiteral(": ") + counted;
+}
+
+QString usedLineTooltip(const UsedLine& line) {
+    if (line.keptFile.isEmpty()) {
+        return line.text;
+    }
+    const QString where =
+        isHostRooted(line.keptFile) ? QString() : QStringLiteral(" in the session folder");
+    return QStringLiteral("Not found as written; kept: ") + line.keptFile + where +
+           QStringLiteral(" has its name");
 }
 
 QString unusedFrameText(qsizetype checked, qsizetype listed) {

@@ -20,6 +20,7 @@ public:
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
     QString currentDirectory() const override { return disk_.currentDirectory(); }
+    QList<FileId> fileIds(const QString& path) const override { return disk_.fileIds(path); }
 
 private:
     struct Listing {

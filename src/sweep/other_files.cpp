@@ -13,8 +13,10 @@ namespace {
 class OtherFilesListing {
 public:
     OtherFilesListing(const SweepRequest& request, const UsedIndex& used,
-                      const QString& recordFolder, const FileSystem& fs, const SweepEvents& events)
-        : request_(request),
+                      const QString& recordFolder, const FileSystem& fs, const SweepEvents& events,
+                      QList<KeptFile>* kept)
+        : kept_(kept),
+          request_(request),
           kind_(*request.kind),
           used_(used),
           recordFolder_(recordFolder),
@@ -94,19 +96,39 @@ private:
             if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
                 continue;
             }
-            if (!used_.names(usedFolderKey, entry.name, usedKey(entry.name), recordFolder_)) {
+            const QString nameKey = usedKey(entry.name);
+            if (!used_.names(usedFolderKey, entry.name, nameKey, recordFolder_, entry.id) &&
+                !kept(folder, usedFolderKey, prefix, entry, nameKey)) {
                 add(prefix + entry.name, entry);
             }
         }
         if (request_.peaksListed) {
-            addPeakFiles(prefix, peakFiles);
+            addPeakFiles(folder, prefix, peakFiles);
         }
+    }
+
+    // Whether a session keeps the file (another way of naming it, or another session); such a
+    // file is noted with the sessions that keep it.
+    bool kept(const QString& folder, const QString& folderKey, const QString& prefix,
+              const FolderEntry& entry, const QString& nameKey) {
+        const QStringList* keepers = used_.keptBy(folderKey, nameKey, entry.id);
+        if (keepers == nullptr) {
+            return false;
+        }
+        const QString text = prefix + entry.name;
+        if (kept_ != nullptr && !keptTexts_.contains(text)) {
+            keptTexts_.insert(text);
+            kept_->append({text, folder + entry.name, entry.size, *keepers});
+        }
+        return true;
     }
 
     // A peak file belongs to the used media of the same base name: song.pk to song.wav, and
     // for REAPER and Vegas song.wav.reapeaks to song.flac as well as to song.wav. Kept back
     // with "Keep Used ... Files", listed otherwise.
-    void addPeakFiles(const QString& prefix, const QList<const FolderEntry*>& peakFiles) {
+    void addPeakFiles(const QString& folder, const QString& prefix,
+                      const QList<const FolderEntry*>& peakFiles) {
+        const QString folderKey = usedKey(folder);
         const bool secondTrim = kind_.peakNamesWholeMedia;
         if (secondTrim) {
             idle();
@@ -119,7 +141,9 @@ private:
             if (request_.keepPeaks && used_.peakOwners(secondTrim).contains(base.toUpper())) {
                 continue;
             }
-            add(prefix + entry->name, *entry);
+            if (!kept(folder, folderKey, prefix, *entry, usedKey(entry->name))) {
+                add(prefix + entry->name, *entry);
+            }
         }
     }
 
@@ -136,6 +160,7 @@ private:
         }
     }
 
+    QList<KeptFile>* kept_;
     const SweepRequest& request_;
     const SessionKind& kind_;
     const UsedIndex& used_;
@@ -148,6 +173,7 @@ private:
     QList<OtherFile> files_;
     QSet<QString> texts_;
     QSet<QString> listedFolders_;
+    QSet<QString> keptTexts_;
 };
 
 }  // namespace
@@ -203,13 +229,14 @@ QString reaperSubFolder(const QString& recordFolder, const QString& projectFolde
 
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,
                                 const QString& recordFolder, const FileSystem& fs,
-                                const SweepEvents& events) {
-    return OtherFilesListing(request, used, recordFolder, fs, events).run();
+                                const SweepEvents& events, QList<KeptFile>* kept) {
+    return OtherFilesListing(request, used, recordFolder, fs, events, kept).run();
 }
 
 QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,
-                               const QString& recordFolder, const FileSystem& fs) {
-    return OtherFilesListing(request, used, recordFolder, fs, {}).runSubFolder();
+                               const QString& recordFolder, const FileSystem& fs,
+                               QList<KeptFile>* kept) {
+    return OtherFilesListing(request, used, recordFolder, fs, {}, kept).runSubFolder();
 }
 
 }  // namespace tidewick

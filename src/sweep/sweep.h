@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 
 #include "platform/file_system.h"
 #include "platform/interaction.h"
@@ -88,7 +89,20 @@ struct UsedLine {
     bool exists = false;
     QString path;     ///< the file that was looked for on disk
     QString session;  ///< the session file that named it first
+    /// For a line not found as written: the file that a reading without its folders finds (a
+    /// session saved on Windows), as the session folder names it ("take1.wav"); kept.
+    QString keptFile;
     bool operator==(const UsedLine&) const = default;
+};
+
+/// A file that a listing passes over because a session uses it, though it is none of the used
+/// lines as they are written (a session names it another way, or another session does).
+struct KeptFile {
+    QString text;        ///< as a line of "Files to be Moved" would name it
+    QString path;        ///< the file itself
+    qint64 size = 0;     ///< its length in bytes
+    QStringList usedBy;  ///< the sessions that use it, as the session folder names them
+    bool operator==(const KeptFile&) const = default;
 };
 
 /// One line of "Files to be Moved".
@@ -135,8 +149,11 @@ struct SweepEvents {
 class UsedIndex {
 public:
     /// `lines` as the used list shows them for the session folder `sessionFolder`, shortened by
-    /// "Ignore Leading Folder names" when `trimmed`.
-    UsedIndex(const QStringList& lines, const QString& sessionFolder, bool trimmed);
+    /// "Ignore Leading Folder names" when `trimmed`. A line whose file exists names that file
+    /// however it is reached (another path to it, a link to it), and each link it passes
+    /// through: `fs` tells which files they are.
+    UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder, bool trimmed,
+              const FileSystem& fs);
 
     /// Whether a used line names the file `path`: the file itself, or, for a line without a
     /// folder part or a shortened one, the file of that name under the session folder. With
@@ -144,18 +161,29 @@ public:
     /// session named it before its folders were dropped.
     bool names(const QString& path, const QString& recordFolder) const;
     /// The same for the file `name` of the folder whose key (usedKey of its path with its
-    /// separator) is `folderKey`; the name's key is given too, as the caller has it.
+    /// separator) is `folderKey`; the name's key is given too, as the caller has it, and the
+    /// file's identity where the listing knows it.
     bool names(const QString& folderKey, const QString& name, const QString& nameKey,
-               const QString& recordFolder) const;
+               const QString& recordFolder, FileId id = {}) const;
     /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
     /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
     const QSet<QString>& peakOwners(bool anyMedia) const {
         return anyMedia ? mediaOwners_ : wavOwners_;
     }
 
+    /// Keeps the file `path` (however it is reached) out of every listing: `session` uses it.
+    void keep(const QString& path, const QString& session, const FileSystem& fs);
+    /// The sessions that keep the file `name` of the folder with key `folderKey` (as for
+    /// names()), or nullptr when none does.
+    const QStringList* keptBy(const QString& folderKey, const QString& nameKey, FileId id) const;
+
 private:
     bool trimmed_;
     QSet<QString> files_, lines_, wavOwners_, mediaOwners_;
+    QSet<FileId> ids_;
+    QList<QStringList> keepers_;  // by kept file
+    QHash<QString, qsizetype> keptKeys_;
+    QHash<FileId, qsizetype> keptIds_;
 };
 
 /// The file a used line stands for: a line without a folder part, or any line shortened by
@@ -202,15 +230,17 @@ UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
                         const SweepEvents& events = {});
 
 /// The files of the session folder (and of its recordings and sub-folder) that no line of
-/// `used` names, for the record folder `recordFolder`.
+/// `used` names, for the record folder `recordFolder`; those that `used` keeps for a session
+/// are passed over and noted in `kept`, when given.
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,
                                 const QString& recordFolder, const FileSystem& fs,
-                                const SweepEvents& events = {});
+                                const SweepEvents& events = {}, QList<KeptFile>* kept = nullptr);
 
-/// The files of the sub-folder row's folder alone that no line of `used` names, when the row
-/// is on and its folder exists; each line leads back to its file (otherFilePath).
+/// The files of the sub-folder row's folder alone that no line of `used` names (nor keeps),
+/// when the row is on and its folder exists; each line leads back to its file (otherFilePath).
 QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,
-                               const QString& recordFolder, const FileSystem& fs);
+                               const QString& recordFolder, const FileSystem& fs,
+                               QList<KeptFile>* kept = nullptr);
 
 /// Those of `more` that lead to a file that no line of `listed` leads to (otherFilePath, for the
 /// session folder `sessionFolder` with its separator): one folder may be named two ways.
@@ -223,6 +253,11 @@ QList<OtherFile> otherFilesNotListed(const QStringList& listed, const QList<Othe
 struct Sweep {
     UsedMedia used;
     QList<OtherFile> others;
+    /// The files that a listing passed over because a session keeps them, with who keeps them.
+    QList<KeptFile> kept;
+    /// The used test of the load, for listings made afterwards (another media type, the
+    /// sub-folder row's folder).
+    std::shared_ptr<const UsedIndex> index;
 };
 Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs,
                   const SweepEvents& events = {});
@@ -231,6 +266,10 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs,
 /// after a load that a failed read stopped it says so first.
 QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
                       const QString& sessionName, bool stopped = false);
+/// The tooltip of a used line: its text, or for a line not found as written whose file was
+/// found by its name, where: "Not found as written; kept: take1.wav in the session folder has
+/// its name".
+QString usedLineTooltip(const UsedLine& line);
 /// The other-files frame's caption: "Files to be Moved - [2/5]".
 QString unusedFrameText(qsizetype checked, qsizetype listed);
 /// The information line: "Listed Other Files: 1,024 bytes (0.00Mb) - Selected Other Files: ...".

@@ -30,13 +30,17 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
         sweep.used.recordFolder.remove(u'"');
         listed.subFolder = reaperSubFolder(sweep.used.recordFolder, request.folder, disk);
     }
-    QStringList texts;
-    texts.reserve(sweep.used.lines.size());
+    auto index =
+        std::make_shared<UsedIndex>(sweep.used.lines, request.folder, request.trimFolders, disk);
+    const QString folder = withSeparator(request.folder);
     for (const UsedLine& line : sweep.used.lines) {
-        texts.append(line.text);
+        if (!line.keptFile.isEmpty()) {
+            index->keep(otherFilePath(folder, line.keptFile), line.session, disk);
+        }
     }
-    sweep.others = listOtherFiles(listed, UsedIndex(texts, request.folder, request.trimFolders),
-                                  sweep.used.recordFolder, disk, events);
+    sweep.index = index;
+    sweep.others =
+        listOtherFiles(listed, *index, sweep.used.recordFolder, disk, events, &sweep.kept);
     return sweep;
 }
 

@@ -14,18 +14,27 @@ QString usedKey(const QString& name) {
     return name.toUpper();
 }
 
-UsedIndex::UsedIndex(const QStringList& lines, const QString& sessionFolder, bool trimmed)
+UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder, bool trimmed,
+                     const FileSystem& fs)
     : trimmed_(trimmed) {
     static const QSet<QString> kMediaExtensions = {
         QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
         QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
     const QString folder = withSeparator(sessionFolder);
     files_.reserve(lines.size());
-    for (const QString& text : lines) {
+    for (const UsedLine& line : lines) {
+        const QString& text = line.text;
+        const QString file = usedLineFile(text, folder, trimmed);
         // "x/../take.wav" names the same file as "take.wav", and is compared as such.
-        files_.insert(usedKey(cleanHostPath(usedLineFile(text, folder, trimmed))));
+        files_.insert(usedKey(cleanHostPath(file)));
         if (trimmed) {
             lines_.insert(usedKey(text));
+        }
+        // The same file by another path (a folder reached through a link), and a link's target.
+        if (line.exists) {
+            for (const FileId& id : fs.fileIds(file)) {
+                ids_.insert(id);
+            }
         }
         const QString extension = GetExtensionName(text).toLower();
         if (kMediaExtensions.contains(extension)) {
@@ -44,13 +53,44 @@ bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
 }
 
 bool UsedIndex::names(const QString& folderKey, const QString& name, const QString& nameKey,
-                      const QString& recordFolder) const {
+                      const QString& recordFolder, FileId id) const {
     // Keys join where the folder ends in its separator: letter case and the form of accented
     // letters change nothing across it.
-    if (files_.contains(folderKey + nameKey)) {
+    if (files_.contains(folderKey + nameKey) || (id.isKnown() && ids_.contains(id))) {
         return true;
     }
     return trimmed_ && names(folderKey + name, recordFolder);
+}
+
+void UsedIndex::keep(const QString& path, const QString& session, const FileSystem& fs) {
+    const QString key = usedKey(cleanHostPath(path));
+    qsizetype at = keptKeys_.value(key, -1);
+    const QList<FileId> ids = fs.fileIds(path);
+    for (const FileId& id : ids) {
+        if (at < 0) {
+            at = keptIds_.value(id, -1);
+        }
+    }
+    if (at < 0) {
+        at = keepers_.size();
+        keepers_.append(QStringList());
+    }
+    keptKeys_.insert(key, at);
+    for (const FileId& id : ids) {
+        keptIds_.insert(id, at);
+    }
+    if (!keepers_[at].contains(session)) {
+        keepers_[at].append(session);
+    }
+}
+
+const QStringList* UsedIndex::keptBy(const QString& folderKey, const QString& nameKey,
+                                     FileId id) const {
+    qsizetype at = keptKeys_.value(folderKey + nameKey, -1);
+    if (at < 0 && id.isKnown()) {
+        at = keptIds_.value(id, -1);
+    }
+    return at < 0 ? nullptr : &keepers_[at];
 }
 
 }  // namespace tidewick

@@ -126,7 +126,7 @@ private:
             // file of the folder: the load stops rather than offer them for moving.
             media_.stopped = true;
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
-            media_.lines.append({kNoMediaText, false, {}, {}});
+            media_.lines.append({kNoMediaText, false, {}, {}, {}});
             media_.noMedia = true;
         }
     }
@@ -140,8 +140,33 @@ private:
             }
             shown_.insert(line.shown);
             const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
-            media_.lines.append({std::move(line.shown), exists, std::move(line.tested), session});
+            const QString kept = exists ? QString() : keptInstead(toHostPath(readPath));
+            media_.lines.append(
+                {std::move(line.shown), exists, std::move(line.tested), session, kept});
         }
+    }
+
+    // A line not found as written (a session saved on Windows, moved from another disk) still
+    // names the file that a reading without its folders finds: its name in the session folder,
+    // its last folder and name there (a recordings folder), or its name in the record folder.
+    // That file is kept, whatever "Ignore Leading Folder names" says. As the session folder
+    // names it, or its whole path when it lies elsewhere; empty when there is none.
+    QString keptInstead(const QString& path) const {
+        if (request_.trimFolders) {
+            return {};  // the line itself is that reading
+        }
+        const QString name = GetFileName(path);
+        for (const QString& text : {trimFolders(path, media_.recordFolder), name}) {
+            if (!text.isEmpty() && fs_.FileExists(sessionFolder_ + text)) {
+                return text;
+            }
+        }
+        const QString recordFolder = trimBlanks(QString(media_.recordFolder).remove(u'"'));
+        if (isHostRooted(recordFolder) && !name.isEmpty() &&
+            fs_.FileExists(withSeparator(recordFolder) + name)) {
+            return withSeparator(recordFolder) + name;
+        }
+        return {};
     }
 
     void tell(const MessageBoxRequest& message) {

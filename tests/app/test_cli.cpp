@@ -35,7 +35,7 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     const QString notSession = f.write("wave.ses", "RIFF....WAVEfmt ");
     ASSERT_TRUE(QDir(f.dir.path()).mkpath("Media"));
     const QString project =
-        f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n");
+        f.write("p.rpp", "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"Media\" \"\"\r\n>\r\n");
     const QString recordFolder = QFileInfo(project).absolutePath() + hostSeparator() + "Media";
 
     // A folder to scan: mix.ses uses a.wav, and wave.ses is no session.
@@ -112,6 +112,45 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         EXPECT_TRUE(row.out.isEmpty() ? out.isEmpty() : out.startsWith(row.out))
             << out.toStdString();
         EXPECT_TRUE(row.err.isEmpty() ? err.isEmpty() : err.contains(row.err)) << err.toStdString();
+    }
+}
+
+// `scan` as the sweep sees it: a folder reached through a link, a session saved on Windows whose
+// take lies beside it (kept, and said so), a session cut short (refused, nothing offered).
+TEST(Cli, ScanKnowsAUsedFileHoweverItIsReached) {
+    test::ReaderFixture f;
+    const QString real = f.dir.filePath("real");
+    for (const char* name : {"used.wav", "take1.wav", "other.wav"}) {
+        ASSERT_TRUE(test::writeFile(real + '/' + name, "RIFF"));
+    }
+    ASSERT_TRUE(QFile::link("real", f.dir.filePath("link")));
+    const QByteArray sesx = test::sessionBytes(SessionKindId::Sesx, {real + "/used.wav"});
+    ASSERT_TRUE(test::writeFile(real + "/a.sesx", sesx));
+    ASSERT_TRUE(test::writeFile(real + "/b.sesx",
+                                test::sessionBytes(SessionKindId::Sesx, {"D:\\Song\\take1.wav"})));
+    ASSERT_TRUE(test::writeFile(real + "/cut.sesx", sesx.left(sesx.size() - 12)));
+    const QStringList scan = {"scan", f.dir.filePath("link"), "--kind", "sesx", "--session"};
+    const struct {
+        QString session;
+        int code;
+        QString out, err, notOffered;
+    } rows[] = {
+        {"a.sesx", 0, "[x] " + real + "/used.wav\nunused: Files to be Moved - [0/4]\n", "",
+         "[ ] used.wav"},
+        {"b.sesx", 0, "kept: 1 file(s) used by other sessions\ntake1.wav  <- b.sesx\n", "",
+         "[ ] take1.wav"},
+        {"cut.sesx", 2, "unused: Files to be Moved\n", "is incomplete", "[ ] "},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.session.toStdString());
+        QString out, err;
+        QTextStream outStream(&out), errStream(&err);
+        EXPECT_EQ(cli::run(scan + QStringList{row.session}, outStream, errStream), row.code);
+        outStream.flush();
+        errStream.flush();
+        EXPECT_TRUE(out.contains(row.out)) << out.toStdString();
+        EXPECT_TRUE(row.err.isEmpty() || err.contains(row.err)) << err.toStdString();
+        EXPECT_FALSE(out.contains(row.notOffered)) << out.toStdString();
     }
 }
 

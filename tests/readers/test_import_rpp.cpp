@@ -42,9 +42,9 @@ TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
 
 TEST(RppReader, SourcesYieldTheQuotedFile) {
     const std::tuple<const char*, QByteArray, const char*> cases[] = {
-        {"header after blank lines, the line after it unread",
+        {"header after blank lines, the line after it read too",
          "\r\n \t \n\t<REAPER_PROJECT\r\n<SOURCE WAVE\r\nFILE \"a\"\r\n<SOURCE WAVE\r\nFILE \"b\"",
-         "b"},
+         "a|b"},
         {"every media kind",
          rpp("<SOURCE WAVE|FILE \"1\"|<SOURCE VIDEO|FILE \"2\"|<SOURCE WAVPACK|FILE \"3\"|"
              "<SOURCE APE|FILE \"4\"|<SOURCE FLAC|FILE \"5\"|<SOURCE MP3|FILE \"6\" 1|"

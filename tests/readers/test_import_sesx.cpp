@@ -14,10 +14,9 @@ using test::sesxFileElement;
 // examined.
 const QByteArray kDeclaration = R"(<?xml version="1.0" encoding="UTF-8" ?><sesx version="1.7">)";
 
+// What the reading by lines gives, as Audition writes its sessions.
 QString read(const QByteArray& bytes) {
-    const SessionRead r = readSesxSession(bytes, {});
-    EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.message);
-    return r.paths.join(u'|');
+    return readSesxLines(bytes).join(u'|');
 }
 
 // A file whose first line holds a line feed is read in pieces split at line feeds, untrimmed; any
@@ -78,6 +77,56 @@ TEST(SesxReader, AFileWithoutTheSessionRootIsRefused) {
         EXPECT_EQ(r.outcome, ReaderOutcome::Rejected) << bytes.data();
         EXPECT_TRUE(r.message && r.message->title == "Processing SESX File");
     }
+}
+
+// Cut short, a session is refused: the file elements it lost would name files that are then
+// offered for moving. A complete one without media is read.
+TEST(TextSessions, ACutSessionIsRefusedAndACompleteOneWithoutMediaIsRead) {
+    const QByteArray sesx = test::sessionBytes(SessionKindId::Sesx, {"/a.wav"});
+    const QByteArray rpp = test::sessionBytes(SessionKindId::Rpp, {"a.wav"});
+    const QByteArray xml = test::sessionBytes(SessionKindId::Xml, {"a.wav"});
+    const std::tuple<const char*, SessionKindId, QByteArray, bool> cases[] = {
+        {"sesx before its files", SessionKindId::Sesx, sesx.left(sesx.indexOf("<files>")), false},
+        {"sesx before </sesx>", SessionKindId::Sesx, sesx.left(sesx.indexOf("</sesx>")), false},
+        {"sesx with <files/>", SessionKindId::Sesx, "<sesx>\n<files/>\n</sesx>\n\0", true},
+        {"rpp before its last >", SessionKindId::Rpp, rpp.left(rpp.lastIndexOf('>')), false},
+        {"rpp whole", SessionKindId::Rpp, rpp, true},
+        {"xml before its root's end", SessionKindId::Xml, xml.left(xml.indexOf("</Audition")),
+         false},
+        {"xml whole", SessionKindId::Xml, xml + "\r\n  ", true},
+    };
+    for (const auto& [name, kind, bytes, complete] : cases) {
+        const SessionRead r = sessionKind(kind).reader(bytes, {});
+        EXPECT_EQ(r.outcome, complete ? ReaderOutcome::Read : ReaderOutcome::Rejected) << name;
+        EXPECT_EQ(r.message.has_value() && r.message->text.contains("is incomplete"), !complete)
+            << name;
+    }
+}
+
+// Valid XML laid out as Audition never writes it still gives every file element; Audition's own
+// layout reads as before (the line reading alone).
+TEST(SesxReader, EveryFileElementIsFoundWhereverTheXmlPutsIt) {
+    const std::tuple<const char*, QByteArray, const char*> cases[] = {
+        {"one line",
+         R"(<sesx><files><file absolutePath="/a"/><file absolutePath="/b"/></files></sesx>)",
+         "/a|/b"},
+        {"split over lines",
+         "<sesx>\n<files>\n<file\n  absolutePath=\"/a\" id=\"0\"/>\n</files>\n</sesx>", "/a"},
+        {"single quotes, blanks around =",
+         "<sesx>\n<files>\n<file absolutePath = '/a&amp;b'/>\n</files>\n</sesx>", "/a&b"},
+        {"after </files>, escaped colon",
+         "<sesx>\r\n<files>\r\n</files>\r\n<file absolutePath=\"C%3a/x\"/>\r\n</sesx>", "C:/x"},
+        {"Audition's layout", test::sessionBytes(SessionKindId::Sesx, {"/a", "/b"}), "/a|/b"},
+    };
+    for (const auto& [name, bytes, paths] : cases) {
+        EXPECT_EQ(test::pathsRead(SessionKindId::Sesx, bytes), paths) << name;
+    }
+    // The export's wave entries on one line each give their path text.
+    const QByteArray xml =
+        "<?xml version=\"1.0\"?>\r\n<AuditionSession><EntityInfo_Wave>"
+        "<EntityInfo_Wave_1><F>0</F> C:\\a.wav <F/></EntityInfo_Wave_1>"
+        "</EntityInfo_Wave></AuditionSession>";
+    EXPECT_EQ(test::pathsRead(SessionKindId::Xml, xml), "C:\\a.wav");
 }
 
 }  // namespace

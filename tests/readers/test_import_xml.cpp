@@ -13,7 +13,8 @@ using test::xmlWaveBlock;
 // The line after the first non-blank one must begin with the session tag. An empty file is read
 // and names nothing; a file of blank lines is rejected.
 TEST(XmlReader, SecondLineMustBeginWithTheSessionTag) {
-    const QByteArray block = "\r\n" + xmlWaveBlock({"a.wav"}).join("\r\n");
+    const QByteArray block =
+        "\r\n" + xmlWaveBlock({"a.wav"}).join("\r\n") + "\r\n</AuditionSession>";
     const std::tuple<const char*, QByteArray, const char*> cases[] = {
         {"blank lines, then any line", "\r\n \r\n\t\r\nx\r\n<AuditionSession> y" + block, nullptr},
         {"empty file", "", ""},

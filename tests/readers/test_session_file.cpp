@@ -137,8 +137,11 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         const SessionKind* kind = sessionKindForFile(path);
         ASSERT_NE(kind, nullptr);
         const SessionRead read = readSessionFile(*kind, path, {QFileInfo(path).path(), &fs});
-        ASSERT_EQ(read.outcome, ReaderOutcome::Read);
-        EXPECT_FALSE(read.message);
+        // One project of the corpus is cut short in its repository (it ends inside an item):
+        // its paths are found, but it is refused, as its other media cannot be known.
+        const bool cutShort = QString(file) == "rpp/tears_dont_fall_project.rpp";
+        ASSERT_EQ(read.outcome, cutShort ? ReaderOutcome::Rejected : ReaderOutcome::Read);
+        EXPECT_EQ(read.message.has_value(), cutShort);
         EXPECT_EQ(read.paths.size(), count);
         QString expected = QString::fromUtf8(sample);
         if (kind->id == Kind::Rpp) {

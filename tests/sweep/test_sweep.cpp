@@ -67,12 +67,16 @@ protected:
         return lines;
     }
     QStringList others(const SweepRequest& r, const QStringList& usedLines) const {
-        QStringList lines;
-        const UsedIndex used(usedLines, r.folder, r.trimFolders);
-        for (const OtherFile& file : listOtherFiles(r, used, r.recordFolder, fs)) {
-            lines.append(file.text);
+        QList<UsedLine> lines;
+        for (const QString& text : usedLines) {
+            lines.append({text, false, {}, {}, {}});
         }
-        return lines;
+        const UsedIndex used(lines, r.folder, r.trimFolders, fs);
+        QStringList texts;
+        for (const OtherFile& file : listOtherFiles(r, used, r.recordFolder, fs)) {
+            texts.append(file.text);
+        }
+        return texts;
     }
 
     QTemporaryDir dir;
@@ -352,7 +356,7 @@ TEST_F(SweepTest, TheSubFolderRowListsEachFileOnceByAPathThatLeadsToIt) {
         for (int i = 0; i < row.recordPaths.size(); ++i) {
             const QByteArray project =
                 "<REAPER_PROJECT\r\n\r\nRECORD_PATH \"" + row.recordPaths[i].toUtf8() +
-                "\" \"\"\r\n<SOURCE WAVE\r\nFILE \"x/../Media/used.wav\"\r\n";
+                "\" \"\"\r\n<SOURCE WAVE\r\nFILE \"x/../Media/used.wav\"\r\n>\r\n>\r\n";
             ASSERT_TRUE(test::writeFile(
                 dir.filePath(QString("p%1").arg(i) + ext(row.kind)),
                 row.kind == Rpp ? project : test::sessionBytes(Veg, {"Media/used.wav"})));
@@ -411,6 +415,97 @@ TEST_F(SweepTest, NamesThatAreNoUtf8LeadBackToTheirFiles) {
     EXPECT_EQ(fs.fileSize(folder() + sweep.others[0].text), 4);
 }
 
+// However a used file is reached, it is not offered: through a folder that is a link (either
+// way round), through a link the session names, by its name where the session's Windows path
+// finds nothing. {S} is the session folder as the request names it, {R} the real folder; the
+// session lives in {R}, and "link" is a link to it.
+TEST_F(SweepTest, AUsedFileIsRecognisedHoweverItIsReached) {
+    touch({"real/used.wav", "real/other.wav", "real/take1.wav", "real/s_Recorded/t.wav",
+           "real/Audio/a.wav"});
+    ASSERT_TRUE(QFile::link("real", dir.filePath("link")));
+    ASSERT_TRUE(QFile::link("used.wav", dir.filePath("real/alias.wav")));
+    ASSERT_TRUE(QFile::link("Audio", dir.filePath("real/Media")));
+    const struct {
+        const char* name;
+        SessionKindId kind;
+        const char* scanned;  // the session folder as the request names it
+        QStringList saved;
+        QStringList others, kept;
+        bool subFolder;
+    } rows[] = {
+        {"scanned through a link",
+         Sesx,
+         "link",
+         {"{R}used.wav"},
+         {"alias.wav", "other.wav", "take1.wav", "s_Recorded/t.wav"},
+         {},
+         false},
+        {"named through a link",
+         Sesx,
+         "real",
+         {"{L}used.wav"},
+         {"alias.wav", "other.wav", "take1.wav", "s_Recorded/t.wav"},
+         {},
+         false},
+        {"a used link keeps its target",
+         Xml,
+         "real",
+         {"alias.wav"},
+         {"other.wav", "take1.wav", "s_Recorded/t.wav"},
+         {},
+         false},
+        {"a Windows path keeps the name beside the session",
+         Xml,
+         "real",
+         {"D:\\Music\\Song\\take1.wav"},
+         {"alias.wav", "other.wav", "used.wav", "s_Recorded/t.wav"},
+         {"take1.wav <- s.xml"},
+         false},
+        {"and in the recordings folder",
+         Ses,
+         "real",
+         {"D:\\Old\\s_Recorded\\t.wav"},
+         {"alias.wav", "other.wav", "take1.wav", "used.wav"},
+         {"s_Recorded/t.wav <- s.ses"},
+         false},
+        {"a sub-folder reached through a link",
+         Veg,
+         "real",
+         {"Media/a.wav"},
+         {"alias.wav", "other.wav", "take1.wav", "used.wav"},
+         {},
+         true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        QStringList saved;
+        for (QString path : row.saved) {
+            saved
+                << path.replace("{R}", dir.filePath("real/")).replace("{L}", dir.filePath("link/"));
+        }
+        const QString session = dir.filePath("real/s" + ext(row.kind));
+        ASSERT_TRUE(test::writeFile(session, test::sessionBytes(row.kind, saved)));
+        SweepRequest r = request(row.kind, "s" + ext(row.kind));
+        r.folder = dir.filePath(row.scanned);
+        r.sessions = sessionFiles(fs, r.folder, r.kind->sessionPattern);
+        r.selected = 0;
+        r.recordFolder = row.kind == Veg ? r.folder : "_Recorded";
+        r.subFolderOn = row.subFolder;
+        r.subFolder = "Audio";
+        const Sweep sweep = sweepFolder(r, fs);
+        QStringList others, kept;
+        for (const OtherFile& file : sweep.others) {
+            others << file.text;
+        }
+        for (const KeptFile& file : sweep.kept) {
+            kept << file.text + " <- " + file.usedBy.join(',');
+        }
+        EXPECT_EQ(others, row.others);
+        EXPECT_EQ(kept, row.kept);
+        QFile::remove(session);
+    }
+}
+
 #endif
 
 // Counts with their frame's caption; bytes in the locale's grouping, also past 2 GB.
@@ -422,6 +517,8 @@ TEST(SweepCaptions, CountTheLinesAndTheBytes) {
               "Reading stopped: mix.ses: 3 " + caption);
     EXPECT_EQ(usedFrameText(3, false, true, "mix.xml"), " Multiple SES files: 3 " + caption);
     EXPECT_EQ(unusedFrameText(2, 5), "Files to be Moved - [2/5]");
+    EXPECT_EQ(usedLineTooltip({"D:/Song/take1.wav", false, {}, {}, "take1.wav"}),
+              "Not found as written; kept: take1.wav in the session folder has its name");
     EXPECT_EQ(sizesText(3221225472, 1024),
               "Listed Other Files: 3,221,225,472 bytes (3,072.00Mb) - Selected Other Files: "
               "1,024 bytes (0.00Mb)");

@@ -181,8 +181,8 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     ASSERT_TRUE(test::writeFile(
         dir.filePath("mix.sesx"),
         test::sessionBytes(SessionKindId::Sesx, {dir.filePath("a.wav"), "Audio\\gone.wav"})));
-    ASSERT_TRUE(
-        test::writeFile(dir.filePath("s.rpp"), "<REAPER_PROJECT\n\nRECORD_PATH \"Media\" \"\"\n"));
+    ASSERT_TRUE(test::writeFile(dir.filePath("s.rpp"),
+                                "<REAPER_PROJECT\n\nRECORD_PATH \"Media\" \"\"\n>\n"));
     find<QAbstractButton>("KeepPKCheck")->click();
     run->form.pointBrowserAt(dir.path());
     const auto compare = [this](int tab, QStringList args) {

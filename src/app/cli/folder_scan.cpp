@@ -119,16 +119,12 @@ void addChosenFolder(const SweepRequest& request, const QString& chosen, Sweep& 
     SweepRequest withFolder = request;
     withFolder.subFolderOn = true;
     withFolder.subFolder = chosen;
-    QStringList used, listed;
-    for (const UsedLine& line : sweep.used.lines) {
-        used.append(line.text);
-    }
+    QStringList listed;
     for (const OtherFile& file : sweep.others) {
         listed.append(file.text);
     }
     const QList<OtherFile> more =
-        listSubFolder(withFolder, UsedIndex(used, request.folder, request.trimFolders),
-                      sweep.used.recordFolder, fs);
+        listSubFolder(withFolder, *sweep.index, sweep.used.recordFolder, fs, &sweep.kept);
     sweep.others.append(otherFilesNotListed(listed, more, withSeparator(request.folder)));
 }
 

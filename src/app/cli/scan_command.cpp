@@ -50,6 +50,13 @@ void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& ou
     for (const OtherFile& file : sweep.others) {
         out << "[ ] " << visibleText(file.text) << '\n';
     }
+    if (!sweep.kept.isEmpty()) {
+        out << "kept: " << sweep.kept.size() << " file(s) used by other sessions\n";
+        for (const KeptFile& file : sweep.kept) {
+            out << visibleText(file.text) << "  <- "
+                << visibleText(file.usedBy.join(QStringLiteral(", "))) << '\n';
+        }
+    }
     out << "info: " << captions.sizes << '\n';
 }
 
@@ -69,6 +76,14 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
                                   {QStringLiteral("size"), file.size},
                                   {QStringLiteral("path"), otherFilePath(folder, file.text)}});
     }
+    QJsonArray kept;
+    for (const KeptFile& file : sweep.kept) {
+        kept.append(
+            QJsonObject{{QStringLiteral("text"), file.text},
+                        {QStringLiteral("path"), file.path},
+                        {QStringLiteral("size"), file.size},
+                        {QStringLiteral("usedBy"), QJsonArray::fromStringList(file.usedBy)}});
+    }
     const QJsonObject document{
         {QStringLiteral("used"),
          QJsonObject{{QStringLiteral("caption"), captions.used}, {QStringLiteral("lines"), used}}},
@@ -76,6 +91,7 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
                                                {QStringLiteral("files"), others}}},
         {QStringLiteral("info"), captions.sizes},
         {QStringLiteral("stopped"), sweep.used.stopped},
+        {QStringLiteral("kept"), QJsonObject{{QStringLiteral("files"), kept}}},
     };
     out << QJsonDocument(document).toJson(QJsonDocument::Indented);
 }
