@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QProgressDialog>
 #include <QTimer>
+#include <QToolTip>
 #include <cstdio>
 #include <functional>
 
@@ -19,7 +20,7 @@
 // It plays the user: every question is answered "Yes", the folder picker picks the folder given
 // with --to, and the file manager is never started.
 //
-//   tidewick-shots results|exclusion|copy FILE [--select NAME] [--to FOLDER]
+//   tidewick-shots results|exclusion|copy|kept FILE [--select NAME] [--to FOLDER] [--sub-folder]
 namespace {
 
 using namespace tidewick;
@@ -39,6 +40,25 @@ QPixmap over(QWidget& window, QWidget* dialog) {
     const QRect centred = place.translated(window.rect().center() - place.center());
     painter.fillRect(centred.adjusted(-1, -1, 1, 1), Qt::darkGray);  // the dialog's frame
     painter.drawPixmap(centred.topLeft(), top);
+    return picture;
+}
+
+// The window with the tooltip of its control `name` shown where the pointer would rest on it.
+QPixmap withTooltip(MainWindow& window, const QString& name) {
+    for (int settle = 0; settle < 20; ++settle) {  // the window lays itself out and paints
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    auto* control = window.findChild<QWidget*>(name);
+    const QPoint at(16, 110);
+    QToolTip::showText(control->mapToGlobal(at), control->toolTip(), control);
+    QApplication::processEvents();
+    QPixmap picture = window.grab();
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QTipLabel") && widget->isVisible()) {
+            QPainter painter(&picture);
+            painter.drawPixmap(control->mapTo(&window, at), widget->grab());
+        }
+    }
     return picture;
 }
 
@@ -95,8 +115,8 @@ int main(int argc, char* argv[]) {
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {
         std::fprintf(stderr,
-                     "usage: tidewick-shots results|exclusion|copy FILE [--select NAME] "
-                     "[--to FOLDER]\n");
+                     "usage: tidewick-shots results|exclusion|copy|kept FILE [--select NAME] "
+                     "[--to FOLDER] [--sub-folder]\n");
         return 1;
     }
     const QString shot = arguments[1], file = arguments[2];
@@ -107,6 +127,9 @@ int main(int argc, char* argv[]) {
     MainWindow window(form, &store);
     ui.setOwner(&window);
     window.load();
+    if (arguments.contains(QStringLiteral("--sub-folder"))) {
+        form.SubFolderCheck.setChecked(true);  // the sub-folder row on, as its box does
+    }
     const QString selected = optionValue(arguments, QStringLiteral("--select"));
     if (!selected.isEmpty()) {
         form.SESFile.setListIndex(int(form.SESFile.items().indexOf(selected)));
@@ -137,6 +160,8 @@ int main(int argc, char* argv[]) {
             });
         form.ExcludedCheck.setChecked(false);
         form.ExcludedCheck.setChecked(true);
+    } else if (shot == QLatin1String("kept")) {
+        saved = save(withTooltip(window, QStringLiteral("UnusedFrame")), file);
     } else if (shot == QLatin1String("copy")) {
         // The picture is taken halfway, however quickly the copy goes.
         ui.progressed = [&](double done) {

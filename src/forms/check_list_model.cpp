@@ -80,7 +80,11 @@ QVariant CheckListModel::data(const QModelIndex& index, int role) const {
             return visibleText(line.text);
         case Qt::ToolTipRole:  // the whole line, also where the list is too narrow for it
             if (const auto told = tooltips_.constFind(index.row()); told != tooltips_.constEnd()) {
-                return visibleText(*told);
+                QStringList lines = told->split(u'\n');  // its own lines break; a name's do not
+                for (QString& text : lines) {
+                    text = visibleText(text);
+                }
+                return lines.join(u'\n');
             }
             return visibleText(tooltipFolder_.isEmpty() ? line.text
                                                         : otherFilePath(tooltipFolder_, line.text));

@@ -283,13 +283,19 @@ private:
     /// Appends those of `files` that lead to a file no line of UnusedFiles leads to yet.
     void appendOtherFiles(const QList<OtherFile>& files);
     /// The used test of the last load, for the other files listed after it.
-    const UsedIndex& usedIndex();
-    std::shared_ptr<const UsedIndex> usedIndex_;
+    UsedIndex& usedIndex();
+    std::shared_ptr<UsedIndex> usedIndex_;
+    /// Lets the sessions of `folder` guard their media in the used test; false when one could
+    /// not be read, which stops the load as an unreadable session does.
+    bool guardFolder(const QString& folder);
     /// The files the listings passed over because a session keeps them.
     QList<KeptFile> keptFiles_;
+    /// The folder's sessions as last read, which guard their media at every load.
+    SessionCache sessionCache_;
     void noteBrowserChange() {
         ++load_.browserChanges;
         loadStopped_ = false;
+        keptFiles_.clear();
     }
     /// Points the session-file list at `folder` and lists it afresh.
     void showSessionFolder(const QString& folder);

@@ -123,7 +123,7 @@ std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
         return copyFailureAnswer(answer);
     };
     const CopyOutcome outcome =
-        copyUsedFiles(items, CopyFolder, FSO, events, usedFileOwners(usedLines_));
+        copyUsedFiles(items, CopyFolder, FSO, events, usedFileOwners(usedLines_, keptFiles_));
     ui_.endProgress();
     copying_ = false;
     Main.setText(savedCaption);

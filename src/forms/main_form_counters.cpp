@@ -6,6 +6,12 @@
 // The counts in the list frames' captions and the sizes on the information line.
 namespace tidewick {
 
+namespace {
+
+constexpr qsizetype kKeptTooltipLines = 30;
+
+}  // namespace
+
 void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);
     const bool noMedia = UsedFiles.count() > 0 && UsedFiles.text(0) == NoMediaText;
@@ -16,6 +22,8 @@ void MainForm::UpdateSelCounter() {
         checked += UnusedFiles.isChecked(row) ? 1 : 0;
     }
     UnusedFrame.setText(unusedFrameText(checked, UnusedFiles.count()));
+    // What the listings passed over, and which sessions keep it (a long list is cut short).
+    UnusedFrame.setTooltip(keptText(keptFiles_, kKeptTooltipLines).trimmed());
     UpdateSizes();
     ui().setBusyPointer(false);
 }

@@ -76,9 +76,10 @@ void MainForm::runSessionLoad() {
     loadStopped_ = false;
     UsedFiles.clear();
     UnusedFiles.clear();
+    keptFiles_.clear();
 
     const SweepRequest request = sweepRequest();
-    const Sweep sweep = sweepFolder(request, FSO, sweepEvents());
+    const Sweep sweep = sweepFolder(request, FSO, sweepEvents(), &sessionCache_);
     RecordFolder = sweep.used.recordFolder;
     usedLines_ = sweep.used.lines;
     usedIndex_ = sweep.index;
@@ -90,8 +91,9 @@ void MainForm::runSessionLoad() {
     }
     UsedFiles.addItems(usedLines);
     for (int row = 0; row < sweep.used.lines.size(); ++row) {
-        if (!sweep.used.lines[row].keptFile.isEmpty()) {
-            UsedFiles.setTooltip(row, usedLineTooltip(sweep.used.lines[row]));
+        const UsedLine& line = sweep.used.lines[row];
+        if (!line.keptFile.isEmpty() || CheckAllFiles) {
+            UsedFiles.setTooltip(row, usedLineTooltip(line, CheckAllFiles));
         }
     }
     showOtherFiles(sweep.others);

@@ -20,7 +20,7 @@ MoveRequest MainForm::moveRequest() const {
     for (int row = 0; row < UnusedFiles.count(); ++row) {
         request.items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
     }
-    request.usedFiles = usedFileOwners(usedLines_);
+    request.usedFiles = usedFileOwners(usedLines_, keptFiles_);
     return request;
 }
 

@@ -17,11 +17,28 @@ void MainForm::UpdateUnusedFileSpec() {
     UnusedFilesBox.setListIndex(-1);
 }
 
-const UsedIndex& MainForm::usedIndex() {
+UsedIndex& MainForm::usedIndex() {
     if (!usedIndex_) {
         usedIndex_ = std::make_shared<UsedIndex>(usedLines_, SESFile.text(), TrimFoldersFlag, FSO);
     }
     return *usedIndex_;
+}
+
+bool MainForm::guardFolder(const QString& folder) {
+    QString stoppedAt;
+    auto guard =
+        sessionGuard({folder}, SESFile.text(), FSO, &sessionCache_, sweepEvents(), &stoppedAt);
+    if (guard) {
+        usedIndex().addGuard(std::move(guard));
+        return true;
+    }
+    UsedMedia stop;
+    stop.stoppedAt = stoppedAt;
+    stopNote_ = stoppedText(stop, 1);
+    loadStopped_ = true;
+    UnusedFiles.clear();
+    keptFiles_.clear();
+    return false;
 }
 
 void MainForm::KeepPKCheck_Click() {

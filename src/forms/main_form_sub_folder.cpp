@@ -69,8 +69,12 @@ void MainForm::SubFolderButton_Click() {
     if (SubFolderCheck.checked() && SESFile.listIndex() >= 0 && !load_.running) {
         // The session folder and the chosen folder, for the used lines as they are. Those were
         // shortened for the record folder of their load, so the listing compares with that one;
-        // the chosen folder becomes the record folder only afterwards.
-        UpdateUnusedFileSpec();
+        // the chosen folder becomes the record folder only afterwards. Its sessions guard
+        // their media too.
+        const QString chosenFolder = subFolderPath(SESFile.text(), folder, FSO);
+        if (chosenFolder.isEmpty() || guardFolder(chosenFolder)) {
+            UpdateUnusedFileSpec();
+        }
         UpdateSelCounter();
     }
     RecordFolder = folder;

@@ -1,5 +1,6 @@
 #include "platform/file_system.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -260,6 +261,23 @@ QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
     QList<SubFolder> folders = readSubFolders(folder);
     sortByName(folders);
     return folders;
+}
+
+std::optional<FileStamp> FileSystem::fileStamp(const QString& path) const {
+#ifdef Q_OS_UNIX
+    struct stat info {};
+    if (::stat(encodeFileName(path).constData(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        return std::nullopt;
+    }
+    return FileStamp{qint64(info.st_size),
+                     qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
+#else
+    const QFileInfo info(path);
+    if (!info.isFile()) {
+        return std::nullopt;
+    }
+    return FileStamp{info.size(), info.lastModified().toMSecsSinceEpoch() * 1000000};
+#endif
 }
 
 QList<FileId> FileSystem::fileIds(const QString& path) const {

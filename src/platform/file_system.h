@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <functional>
+#include <optional>
 
 // The one file-system object of the process: every question the sweep asks the disk goes
 // through it, so that tests can stand in a disk that fails where a real one seldom does.
@@ -30,6 +31,13 @@ struct FileId {
 inline size_t qHash(const FileId& id, size_t seed = 0) {
     return qHashMulti(seed, id.device, id.inode);
 }
+
+/// A file's length and the time of its last change, which together tell whether it changed.
+struct FileStamp {
+    qint64 size = 0;
+    qint64 modified = 0;  ///< nanoseconds since 1970
+    bool operator==(const FileStamp&) const = default;
+};
 
 /// One file of a folder listing.
 struct FolderEntry {
@@ -78,6 +86,10 @@ public:
     /// The folders of `folder` that a user sees there (links to folders too, hidden ones not),
     /// sorted by name ignoring case; empty when the folder cannot be read.
     virtual QList<SubFolder> listFolders(const QString& folder) const;
+
+    /// The length and modification time of the file `path` (of a link's target); nothing when
+    /// there is no such file.
+    virtual std::optional<FileStamp> fileStamp(const QString& path) const;
 
     /// The files that `path` reaches: the entry itself and, for a link, each link it passes
     /// through up to the file it ends at. Empty when there is no such entry.

@@ -115,7 +115,7 @@ public:
         if (depth_ != 0) {
             // Cut short, it may have lost sources; read as it is, their files would be offered.
             // The paths found stay with the refusal, for whoever reads the file itself.
-            read.outcome = ReaderOutcome::Rejected;
+            read.outcome = ReaderOutcome::Failed;
             read.message = incompleteSessionMessage(QStringLiteral("REAPER project"),
                                                     QStringLiteral("\">\""), kRejectTitle);
         }

@@ -191,7 +191,7 @@ SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
     }
     if (!endsWithClosing(bytes, kSessionEnd)) {
         // Cut short, it may have lost file elements; read as it is, their files would be offered.
-        read.outcome = ReaderOutcome::Rejected;
+        read.outcome = ReaderOutcome::Failed;
         read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition session"),
                                                 QStringLiteral("</sesx>"),
                                                 QStringLiteral("Processing SESX File"));

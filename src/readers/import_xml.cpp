@@ -68,7 +68,7 @@ public:
         if (!endsWithClosing(bytes_, "</AuditionSession>")) {
             // Cut short, it may have lost entries; read as it is, their files would be offered.
             // The paths found stay with the refusal, for whoever reads the file itself.
-            read.outcome = ReaderOutcome::Rejected;
+            read.outcome = ReaderOutcome::Failed;
             read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition XML session"),
                                                     QStringLiteral("</AuditionSession>"),
                                                     QStringLiteral("Processing XML File"));

@@ -68,7 +68,7 @@ struct SesMediaRecord {
 enum class ReaderOutcome {
     Read,      ///< the file was read, with or without media
     Rejected,  ///< the file is not a session of this kind (or of a version that can be read)
-    Failed,    ///< the file could not be read, or not to its end
+    Failed,    ///< the file could not be read, or not to its end (cut short, damaged)
 };
 
 /// Something a reader has to tell the user; the session load shows it as a message box.
@@ -115,6 +115,13 @@ struct SessionRead {
     /// What the user is to be told, when anything.
     std::optional<ReaderMessage> message;
 };
+
+/// Whether `read` found a file of another kind altogether: no session, which uses nothing. A
+/// session of the kind that could not be read (damaged, cut short, of a version that cannot be
+/// read) is no foreign file: its media are unknown.
+inline bool isForeignFile(const SessionRead& read) {
+    return read.outcome == ReaderOutcome::Rejected && !read.versionFound;
+}
 
 /// Where a session file lives, for the reader that needs to look around it.
 struct SessionPlace {

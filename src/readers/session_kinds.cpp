@@ -12,51 +12,51 @@
 
 namespace tidewick {
 
+namespace {
+
+// One kind as the table below writes it.
+struct KindRow {
+    SessionKindId id;
+    const char *caption, *key, *tooltip, *pattern, *scanAllCaption, *keepPeaksCaption, *peaks;
+    SessionReader reader;
+    bool subFolderRow;
+    const char* recordingsSuffix;
+    bool peakNamesWholeMedia, namesRecordFolder;
+    const char* backupPattern;
+};
+
+// Audition keeps a session's recordings in a folder named after it: mix_Recorded.
+constexpr KindRow kKinds[] = {
+    {SessionKindId::Ses, "SES", "SESFiles", "Audition/CEP Session Files", "*.ses",
+     "Check All &SES files", "&Keep Used PK Files", "pk", &readSesSession, false, "_Recorded",
+     false, false, ""},
+    {SessionKindId::Sesx, "SESX", "SESXFiles", "Audition CS5.5 Session Files", "*.sesx",
+     "Check All &SESX files", "&Keep Used PKF Files", "pkf", &readSesxSession, false, "_Recorded",
+     false, false, ""},
+    {SessionKindId::Xml, "XML", "XMLFiles", "Audition v3 XML Session Files", "*.xml",
+     "Check All &XML files", "&Keep Used PK Files", "pk", &readXmlSession, false, "_Recorded",
+     false, false, ""},
+    {SessionKindId::Rpp, "RPP", "RPPFiles", "Reaper Session Files", "*.rpp", "Check All &RPP files",
+     "&Keep Used Reapeaks Files", "reapeaks", &readRppSession, true, "", true, true, "*.rpp-bak"},
+    {SessionKindId::Veg, "VEG", "VEGFiles", "Vegas Session Files", "*.veg", "Check All &VEG files",
+     "&Keep Used sfk Files", "sfk", &readVegSession, true, "", true, false, "*.veg.bak"},
+};
+
+}  // namespace
+
 const QList<SessionKind>& sessionKinds() {
-    // Audition keeps a session's recordings in a folder named after it: mix_Recorded.
-    const QString kRecorded = QStringLiteral("_Recorded");
-    static const QList<SessionKind> kinds = {
-        {SessionKindId::Ses, 1, QStringLiteral("SES"), QStringLiteral("SESFiles"),
-         QStringLiteral("Audition/CEP Session Files"), QStringLiteral("*.ses"),
-         QStringLiteral("Check All &SES files"), QStringLiteral("&Keep Used PK Files"),
-         QStringLiteral("pk"), &readSesSession, false, kRecorded, false, false},
-        {SessionKindId::Sesx, 2, QStringLiteral("SESX"), QStringLiteral("SESXFiles"),
-         QStringLiteral("Audition CS5.5 Session Files"), QStringLiteral("*.sesx"),
-         QStringLiteral("Check All &SESX files"), QStringLiteral("&Keep Used PKF Files"),
-         QStringLiteral("pkf"), &readSesxSession, false, kRecorded, false, false},
-        {SessionKindId::Xml, 3, QStringLiteral("XML"), QStringLiteral("XMLFiles"),
-         QStringLiteral("Audition v3 XML Session Files"), QStringLiteral("*.xml"),
-         QStringLiteral("Check All &XML files"), QStringLiteral("&Keep Used PK Files"),
-         QStringLiteral("pk"), &readXmlSession, false, kRecorded, false, false},
-        {SessionKindId::Rpp,
-         4,
-         QStringLiteral("RPP"),
-         QStringLiteral("RPPFiles"),
-         QStringLiteral("Reaper Session Files"),
-         QStringLiteral("*.rpp"),
-         QStringLiteral("Check All &RPP files"),
-         QStringLiteral("&Keep Used Reapeaks Files"),
-         QStringLiteral("reapeaks"),
-         &readRppSession,
-         true,
-         {},
-         true,
-         true},
-        {SessionKindId::Veg,
-         5,
-         QStringLiteral("VEG"),
-         QStringLiteral("VEGFiles"),
-         QStringLiteral("Vegas Session Files"),
-         QStringLiteral("*.veg"),
-         QStringLiteral("Check All &VEG files"),
-         QStringLiteral("&Keep Used sfk Files"),
-         QStringLiteral("sfk"),
-         &readVegSession,
-         true,
-         {},
-         true,
-         false},
-    };
+    static const QList<SessionKind> kinds = [] {
+        QList<SessionKind> list;
+        int tab = 0;
+        for (const KindRow& row : kKinds) {
+            const auto text = [](const char* latin1) { return QString::fromLatin1(latin1); };
+            list.append({row.id, ++tab, text(row.caption), text(row.key), text(row.tooltip),
+                         text(row.pattern), text(row.scanAllCaption), text(row.keepPeaksCaption),
+                         text(row.peaks), row.reader, row.subFolderRow, text(row.recordingsSuffix),
+                         row.peakNamesWholeMedia, row.namesRecordFolder, text(row.backupPattern)});
+        }
+        return list;
+    }();
     return kinds;
 }
 
@@ -77,6 +77,27 @@ const SessionKind* sessionKindForFile(const QString& fileName) {
         }
     }
     return nullptr;
+}
+
+const SessionKind* sessionKindForName(const QString& name, bool* backup) {
+    for (const SessionKind& kind : sessionKinds()) {
+        for (const QString& pattern : {kind.sessionPattern, kind.backupPattern}) {
+            const QString ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
+            if (!pattern.isEmpty() && name.size() > ending.size() &&
+                name.endsWith(ending, Qt::CaseInsensitive)) {
+                if (backup) {
+                    *backup = pattern == kind.backupPattern;
+                }
+                return &kind;
+            }
+        }
+    }
+    return nullptr;
+}
+
+const QStringList& backupFolders() {
+    static const QStringList folders = {QStringLiteral("Backups"), QStringLiteral("Backup")};
+    return folders;
 }
 
 const SessionKind& sessionKind(SessionKindId id) {

@@ -36,6 +36,9 @@ struct SessionKind {
     bool peakNamesWholeMedia = false;
     /// The session names its own record folder (REAPER's RECORD_PATH), which the load settles.
     bool namesRecordFolder = false;
+    /// The pattern of the backups the editor writes beside a session ("*.rpp-bak"); empty for
+    /// the kinds that keep theirs in a folder of their own.
+    QString backupPattern;
 
     /// The peak files' pattern: "*.pk".
     QString peakPattern() const { return QStringLiteral("*.") + peakExtension; }
@@ -56,6 +59,14 @@ const SessionKind* sessionKindByKey(const QString& key);
 /// The kind whose session-file pattern matches the extension of `fileName`, ignoring case;
 /// nullptr when none does.
 const SessionKind* sessionKindForFile(const QString& fileName);
+
+/// The kind whose session or backup pattern a file's name matches, ignoring case, and whether
+/// it is a backup (of that pattern, or any session in a folder of backups); nullptr for none.
+const SessionKind* sessionKindForName(const QString& name, bool* backup = nullptr);
+
+/// The folders, relative to a session folder, where the editors keep their backups: REAPER's
+/// "Backups" and Audition's "Backup".
+const QStringList& backupFolders();
 
 /// The kind with the given id.
 const SessionKind& sessionKind(SessionKindId id);

@@ -37,14 +37,35 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
     return sessionName + QStringLiteral(": ") + counted;
 }
 
-QString usedLineTooltip(const UsedLine& line) {
-    if (line.keptFile.isEmpty()) {
-        return line.text;
+QString usedLineTooltip(const UsedLine& line, bool sessions) {
+    QString text = line.text;
+    if (!line.keptFile.isEmpty()) {
+        const QString where =
+            isHostRooted(line.keptFile) ? QString() : QStringLiteral(" in the session folder");
+        text = QStringLiteral("Not found as written; kept: ") + line.keptFile + where +
+               QStringLiteral(" has its name");
     }
-    const QString where =
-        isHostRooted(line.keptFile) ? QString() : QStringLiteral(" in the session folder");
-    return QStringLiteral("Not found as written; kept: ") + line.keptFile + where +
-           QStringLiteral(" has its name");
+    if (sessions && !line.sessions.isEmpty()) {
+        text += QStringLiteral("\nUsed by ") + line.sessions.join(QStringLiteral(", "));
+    }
+    return text;
+}
+
+QString keptText(const QList<KeptFile>& kept, qsizetype lines) {
+    if (kept.isEmpty()) {
+        return {};
+    }
+    QString text = QStringLiteral("kept: ") + QString::number(kept.size()) +
+                   QStringLiteral(" file(s) used by other sessions\n");
+    const qsizetype shown = lines < 0 ? kept.size() : std::min(lines, kept.size());
+    for (qsizetype i = 0; i < shown; ++i) {
+        text += visibleText(kept[i].text) + QStringLiteral("  <- ") +
+                visibleText(kept[i].usedBy.join(QStringLiteral(", "))) + u'\n';
+    }
+    if (shown < kept.size()) {
+        text += QStringLiteral("... and %1 more\n").arg(kept.size() - shown);
+    }
+    return text;
 }
 
 QString unusedFrameText(qsizetype checked, qsizetype listed) {
@@ -62,7 +83,7 @@ QString sizesText(qint64 listed, qint64 checked) {
 
 QString stoppedText(const UsedMedia& used, qsizetype scanned) {
     QString text = QStringLiteral("Reading stopped at \"") + used.stoppedAt + u'"';
-    if (scanned > 1) {
+    if (scanned > 1 && used.unread > 0) {
         text += QStringLiteral(" (%1 of %2 sessions not read)").arg(used.unread).arg(scanned);
     }
     return text + QStringLiteral(": no other files are listed");

@@ -6,8 +6,8 @@
 #include "platform/file_system.h"
 
 // The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
-// known to exist without asking the disk again. A name the listing lacks (a hidden file, a file
-// of another folder) is asked of the disk itself.
+// known to exist without asking the disk again. A name the listing lacks (a file of another
+// folder, a pipe) is asked of the disk itself.
 namespace tidewick {
 
 class ListedDisk : public FileSystem {
@@ -20,12 +20,18 @@ public:
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
     QString currentDirectory() const override { return disk_.currentDirectory(); }
-    QList<FileId> fileIds(const QString& path) const override { return disk_.fileIds(path); }
+    std::optional<FileStamp> fileStamp(const QString& path) const override {
+        return disk_.fileStamp(path);
+    }
+    /// From the listing for a file of a listed folder that is no link (and nothing for a name
+    /// that the listing lacks); asked of the disk for any other.
+    QList<FileId> fileIds(const QString& path) const override;
 
 private:
     struct Listing {
-        QList<FolderEntry> entries;
-        QSet<QString> names;
+        QList<FolderEntry> entries;  // hidden ones too
+        QList<FolderEntry> visible;
+        QHash<QString, qsizetype> names;  // the position of each name in `entries`
     };
     const Listing& listing(const QString& folder) const;
 

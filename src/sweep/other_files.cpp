@@ -96,9 +96,9 @@ private:
             if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
                 continue;
             }
-            const QString nameKey = usedKey(entry.name);
-            if (!used_.names(usedFolderKey, entry.name, nameKey, recordFolder_, entry.id) &&
-                !kept(folder, usedFolderKey, prefix, entry, nameKey)) {
+            const QString key = usedFolderKey + usedKey(entry.name);
+            if (!used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id) &&
+                !kept(folder, prefix, entry, key)) {
                 add(prefix + entry.name, entry);
             }
         }
@@ -109,16 +109,15 @@ private:
 
     // Whether a session keeps the file (another way of naming it, or another session); such a
     // file is noted with the sessions that keep it.
-    bool kept(const QString& folder, const QString& folderKey, const QString& prefix,
-              const FolderEntry& entry, const QString& nameKey) {
-        const QStringList* keepers = used_.keptBy(folderKey, nameKey, entry.id);
+    bool kept(const QString& folder, const QString& prefix, const FolderEntry& entry,
+              const QString& key) {
+        const QStringList* keepers = used_.keptBy(key, entry.id);
         if (keepers == nullptr) {
             return false;
         }
-        const QString text = prefix + entry.name;
-        if (kept_ != nullptr && !keptTexts_.contains(text)) {
-            keptTexts_.insert(text);
-            kept_->append({text, folder + entry.name, entry.size, *keepers});
+        // A folder is listed once, so no file is noted twice.
+        if (kept_ != nullptr) {
+            kept_->append({prefix + entry.name, folder + entry.name, entry.size, *keepers});
         }
         return true;
     }
@@ -138,10 +137,10 @@ private:
             if (secondTrim) {
                 base = GetBaseName(base);
             }
-            if (request_.keepPeaks && used_.peakOwners(secondTrim).contains(base.toUpper())) {
+            if (request_.keepPeaks && used_.ownsPeak(base.toUpper(), secondTrim)) {
                 continue;
             }
-            if (!kept(folder, folderKey, prefix, *entry, usedKey(entry->name))) {
+            if (!kept(folder, prefix, *entry, folderKey + usedKey(entry->name))) {
                 add(prefix + entry->name, *entry);
             }
         }
@@ -173,7 +172,6 @@ private:
     QList<OtherFile> files_;
     QSet<QString> texts_;
     QSet<QString> listedFolders_;
-    QSet<QString> keptTexts_;
 };
 
 }  // namespace

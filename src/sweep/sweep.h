@@ -52,6 +52,9 @@ struct SweepRequest {
     /// folder (reaperSubFolder).
     bool subFolderOn = false;
     QString subFolder;
+    /// The folder's other sessions guard their media (sessionGuard); off only where a load is
+    /// measured without them.
+    bool guarded = true;
 };
 
 /// The options a load is made of, as the window's controls or the command line's arguments
@@ -87,8 +90,8 @@ QString startingRecordFolder(const SessionKind& kind, const QString& folder, boo
 struct UsedLine {
     QString text;  ///< the media path as listed
     bool exists = false;
-    QString path;     ///< the file that was looked for on disk
-    QString session;  ///< the session file that named it first
+    QString path;          ///< the file that was looked for on disk
+    QStringList sessions;  ///< the session files that name it, the first to name it first
     /// For a line not found as written: the file that a reading without its folders finds (a
     /// session saved on Windows), as the session folder names it ("take1.wav"); kept.
     QString keptFile;
@@ -161,21 +164,24 @@ public:
     /// session named it before its folders were dropped.
     bool names(const QString& path, const QString& recordFolder) const;
     /// The same for the file `name` of the folder whose key (usedKey of its path with its
-    /// separator) is `folderKey`; the name's key is given too, as the caller has it, and the
-    /// file's identity where the listing knows it.
-    bool names(const QString& folderKey, const QString& name, const QString& nameKey,
+    /// separator) is `folderKey`; the file's own key (`folderKey` and the name's usedKey) is
+    /// given too, as the caller has it, and the file's identity where the listing knows it.
+    bool names(const QString& key, const QString& folderKey, const QString& name,
                const QString& recordFolder, FileId id = {}) const;
-    /// The base names of the lines whose extension is "wav", or with `anyMedia` one of "wav",
-    /// "wv", "ape", "aif", "flac", "mp3", "ogg": the media a peak file can belong to.
-    const QSet<QString>& peakOwners(bool anyMedia) const {
-        return anyMedia ? mediaOwners_ : wavOwners_;
-    }
+    /// Whether a line (or a file kept for a session) of the base name `base` (upper case) has
+    /// the extension "wav", or with `anyMedia` one of "wav", "wv", "ape", "aif", "flac", "mp3",
+    /// "ogg": the media a peak file of that base name belongs to.
+    bool ownsPeak(const QString& base, bool anyMedia) const;
 
     /// Keeps the file `path` (however it is reached) out of every listing: `session` uses it.
     void keep(const QString& path, const QString& session, const FileSystem& fs);
-    /// The sessions that keep the file `name` of the folder with key `folderKey` (as for
-    /// names()), or nullptr when none does.
-    const QStringList* keptBy(const QString& folderKey, const QString& nameKey, FileId id) const;
+    /// Keeps the file `path` out of every listing without a word: a session file.
+    void hide(const QString& path, const FileSystem& fs);
+    /// Takes in what the sessions of `guard` (sessionGuard) keep and hide.
+    void addGuard(std::shared_ptr<const UsedIndex> guard) { guards_.append(std::move(guard)); }
+    /// The sessions that keep the file whose key (as for names()) is `key`, or nullptr when
+    /// none does.
+    const QStringList* keptBy(const QString& key, FileId id) const;
 
 private:
     bool trimmed_;
@@ -184,6 +190,9 @@ private:
     QList<QStringList> keepers_;  // by kept file
     QHash<QString, qsizetype> keptKeys_;
     QHash<FileId, qsizetype> keptIds_;
+    QList<std::shared_ptr<const UsedIndex>> guards_;
+
+    void notePeakOwner(const QString& path);
 };
 
 /// The file a used line stands for: a line without a folder part, or any line shortened by
@@ -209,9 +218,10 @@ QString reaperSubFolder(const QString& recordFolder, const QString& projectFolde
 /// A name as the used test compares it: upper-cased, accented letters in one form.
 QString usedKey(const QString& name);
 
-/// The files that `lines` name and that exist, by canonical path, each with the session that
-/// named it first: what a move or a copy must never replace.
-QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines);
+/// The files that `lines` name and that exist, and the files kept for sessions (`kept`), by
+/// canonical path, each with the session that uses it: what a move or a copy must never replace.
+QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines,
+                                       const QList<KeptFile>& kept = {});
 
 /// The sessions `request` names, first and last position in its list.
 struct ScanRange {
@@ -257,10 +267,53 @@ struct Sweep {
     QList<KeptFile> kept;
     /// The used test of the load, for listings made afterwards (another media type, the
     /// sub-folder row's folder).
-    std::shared_ptr<const UsedIndex> index;
+    std::shared_ptr<UsedIndex> index;
 };
-Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs,
-                  const SweepEvents& events = {});
+
+/// Sessions read once and kept while their file stays as it was (its path, size and time of
+/// change): the other sessions of a folder, which guard its media, are read once however often
+/// its files are listed again, and what they keep is worked out once for as long as none of
+/// them changes.
+class SessionCache {
+public:
+    /// Reads `files` (each with its kind), those not in memory on the cores at hand; the reads in
+    /// the order of `files`.
+    QList<SessionRead> readAll(const QList<std::pair<const SessionKind*, QString>>& files,
+                               const FileSystem& fs);
+
+    /// What the sessions of `folders` kept when last worked out, if each of them (its path and
+    /// stamp in `stamps`) is as it was then.
+    std::shared_ptr<const UsedIndex> guard(
+        const QString& folders, const QList<std::pair<QString, FileStamp>>& stamps) const;
+    void setGuard(const QString& folders, const QList<std::pair<QString, FileStamp>>& stamps,
+                  std::shared_ptr<const UsedIndex> table);
+
+private:
+    struct Entry {
+        FileStamp stamp;
+        SessionKindId kind;
+        SessionRead read;
+    };
+    struct Guard {
+        QList<std::pair<QString, FileStamp>> stamps;
+        std::shared_ptr<const UsedIndex> table;
+    };
+    QHash<QString, Entry> entries_;
+    QHash<QString, Guard> guards_;
+};
+
+/// What the sessions of every kind in `folders` (and in their "Backups" and "Backup" folders)
+/// keep, as a used test of its own: the files each one uses, kept with its name as the session
+/// folder `sessionFolder` names it ("mix.sesx", "Backups/song.rpp"), and the session files
+/// themselves, hidden from the listings (but for backups, which stay listed). A file its
+/// reader finds foreign is no session and guards nothing. Nothing when a session could not be
+/// read: its name is in `stoppedAt` and its message told, as its media are unknown.
+std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
+                                              const QString& sessionFolder, const FileSystem& fs,
+                                              SessionCache* cache, const SweepEvents& events,
+                                              QString* stoppedAt);
+Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events = {},
+                  SessionCache* cache = nullptr);
 
 /// The used-media frame's caption for `lineCount` lines: "mix.ses: 3 Media File(s) Used ...";
 /// after a load that a failed read stopped it says so first.
@@ -268,8 +321,11 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
                       const QString& sessionName, bool stopped = false);
 /// The tooltip of a used line: its text, or for a line not found as written whose file was
 /// found by its name, where: "Not found as written; kept: take1.wav in the session folder has
-/// its name".
-QString usedLineTooltip(const UsedLine& line);
+/// its name". With `sessions`, the sessions that use it follow ("Used by a.ses, b.ses").
+QString usedLineTooltip(const UsedLine& line, bool sessions = false);
+/// What is kept and why, a line each: "kept: 3 file(s) used by other sessions", then
+/// "vox.wav  <- mix.sesx"; at most `lines` files, then how many more. Empty when none is kept.
+QString keptText(const QList<KeptFile>& kept, qsizetype lines = -1);
 /// The other-files frame's caption: "Files to be Moved - [2/5]".
 QString unusedFrameText(qsizetype checked, qsizetype listed);
 /// The information line: "Listed Other Files: 1,024 bytes (0.00Mb) - Selected Other Files: ...".

@@ -6,7 +6,34 @@
 // A whole load of a session folder: the used media, then the other files.
 namespace tidewick {
 
-Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events) {
+namespace {
+
+// The folders a load of `request` lists files from: the session folder, each scanned session's
+// recordings folder, and the sub-folder row's folder.
+QStringList listedFolders(const SweepRequest& request, const QString& subFolder,
+                          const FileSystem& fs) {
+    const QString folder = withSeparator(request.folder);
+    QStringList folders = {folder};
+    if (!request.kind->recordingsSuffix.isEmpty()) {
+        const ScanRange range = scanRange(request);
+        for (int i = range.first; i <= range.last; ++i) {
+            folders.append(folder + GetBaseName(request.sessions.at(i)) +
+                           request.kind->recordingsSuffix);
+        }
+    }
+    if (request.subFolderOn) {
+        const QString sub = subFolderPath(folder, subFolder, fs);
+        if (!sub.isEmpty()) {
+            folders.append(sub);
+        }
+    }
+    return folders;
+}
+
+}  // namespace
+
+Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events,
+                  SessionCache* cache) {
     const SessionKind& kind = *request.kind;
     const bool nothingSelected = !request.wholeFolder && request.selected < 0;
     // The session folder is listed for the other files anyway; listed first, it also tells
@@ -35,8 +62,23 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     const QString folder = withSeparator(request.folder);
     for (const UsedLine& line : sweep.used.lines) {
         if (!line.keptFile.isEmpty()) {
-            index->keep(otherFilePath(folder, line.keptFile), line.session, disk);
+            index->keep(otherFilePath(folder, line.keptFile), line.sessions.value(0), disk);
         }
+    }
+    if (request.guarded) {
+        const QStringList folders = listedFolders(request, listed.subFolder, disk);
+        for (const QString& each : folders) {
+            disk.listFiles(each);  // listed now, the guard's questions are answered from memory
+        }
+        QString stoppedAt;
+        auto guard = sessionGuard(folders, request.folder, disk, cache, events, &stoppedAt);
+        if (!guard) {
+            sweep.used.stopped = true;
+            sweep.used.stoppedAt = stoppedAt;
+            sweep.used.unread = 0;
+            return sweep;
+        }
+        index->addGuard(std::move(guard));
     }
     sweep.index = index;
     sweep.others =

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/path_text.h"
 #include "sweep/sweep.h"
 
@@ -17,9 +19,6 @@ QString usedKey(const QString& name) {
 UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder, bool trimmed,
                      const FileSystem& fs)
     : trimmed_(trimmed) {
-    static const QSet<QString> kMediaExtensions = {
-        QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
-        QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
     const QString folder = withSeparator(sessionFolder);
     files_.reserve(lines.size());
     for (const UsedLine& line : lines) {
@@ -36,15 +35,28 @@ UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder,
                 ids_.insert(id);
             }
         }
-        const QString extension = GetExtensionName(text).toLower();
-        if (kMediaExtensions.contains(extension)) {
-            const QString base = GetBaseName(text).toUpper();
-            mediaOwners_.insert(base);
-            if (extension == QLatin1String("wav")) {
-                wavOwners_.insert(base);
-            }
+        notePeakOwner(text);
+    }
+}
+
+void UsedIndex::notePeakOwner(const QString& path) {
+    static const QSet<QString> kMediaExtensions = {
+        QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
+        QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
+    const QString extension = GetExtensionName(path).toLower();
+    if (kMediaExtensions.contains(extension)) {
+        const QString base = GetBaseName(path).toUpper();
+        mediaOwners_.insert(base);
+        if (extension == QLatin1String("wav")) {
+            wavOwners_.insert(base);
         }
     }
+}
+
+bool UsedIndex::ownsPeak(const QString& base, bool anyMedia) const {
+    return (anyMedia ? mediaOwners_ : wavOwners_).contains(base) ||
+           std::any_of(guards_.cbegin(), guards_.cend(),
+                       [&](const auto& guard) { return guard->ownsPeak(base, anyMedia); });
 }
 
 bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
@@ -52,17 +64,23 @@ bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
            (trimmed_ && lines_.contains(usedKey(trimFolders(path, recordFolder))));
 }
 
-bool UsedIndex::names(const QString& folderKey, const QString& name, const QString& nameKey,
+bool UsedIndex::names(const QString& key, const QString& folderKey, const QString& name,
                       const QString& recordFolder, FileId id) const {
     // Keys join where the folder ends in its separator: letter case and the form of accented
     // letters change nothing across it.
-    if (files_.contains(folderKey + nameKey) || (id.isKnown() && ids_.contains(id))) {
+    if (files_.contains(key) || (id.isKnown() && ids_.contains(id))) {
         return true;
     }
-    return trimmed_ && names(folderKey + name, recordFolder);
+    if (trimmed_ && names(folderKey + name, recordFolder)) {
+        return true;
+    }
+    return std::any_of(guards_.cbegin(), guards_.cend(), [&](const auto& guard) {
+        return guard->names(key, folderKey, name, recordFolder, id);
+    });
 }
 
 void UsedIndex::keep(const QString& path, const QString& session, const FileSystem& fs) {
+    notePeakOwner(path);  // its peak files are kept with "Keep Used ... Files" too
     const QString key = usedKey(cleanHostPath(path));
     qsizetype at = keptKeys_.value(key, -1);
     const QList<FileId> ids = fs.fileIds(path);
@@ -84,13 +102,27 @@ void UsedIndex::keep(const QString& path, const QString& session, const FileSyst
     }
 }
 
-const QStringList* UsedIndex::keptBy(const QString& folderKey, const QString& nameKey,
-                                     FileId id) const {
-    qsizetype at = keptKeys_.value(folderKey + nameKey, -1);
+void UsedIndex::hide(const QString& path, const FileSystem& fs) {
+    files_.insert(usedKey(cleanHostPath(path)));
+    for (const FileId& id : fs.fileIds(path)) {
+        ids_.insert(id);
+    }
+}
+
+const QStringList* UsedIndex::keptBy(const QString& key, FileId id) const {
+    qsizetype at = keptKeys_.value(key, -1);
     if (at < 0 && id.isKnown()) {
         at = keptIds_.value(id, -1);
     }
-    return at < 0 ? nullptr : &keepers_[at];
+    if (at >= 0) {
+        return &keepers_[at];
+    }
+    for (const auto& guard : guards_) {
+        if (const QStringList* keepers = guard->keptBy(key, id)) {
+            return keepers;
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace tidewick

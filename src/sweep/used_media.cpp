@@ -135,14 +135,18 @@ private:
         for (const QString& readPath : paths) {
             Resolved line = resolvePath(readPath, kind_.id, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);
-            if (shown_.contains(line.shown)) {
+            if (const auto seen = shown_.constFind(line.shown); seen != shown_.constEnd()) {
+                QStringList& sessions = media_.lines[*seen].sessions;
+                if (!sessions.contains(session)) {
+                    sessions.append(session);
+                }
                 continue;
             }
-            shown_.insert(line.shown);
+            shown_.insert(line.shown, media_.lines.size());
             const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
             const QString kept = exists ? QString() : keptInstead(toHostPath(readPath));
             media_.lines.append(
-                {std::move(line.shown), exists, std::move(line.tested), session, kept});
+                {std::move(line.shown), exists, std::move(line.tested), {session}, kept});
         }
     }
 
@@ -181,7 +185,7 @@ private:
     const SweepEvents& events_;
     const QString sessionFolder_;  // S: the session folder with its separator
     UsedMedia media_;
-    QSet<QString> shown_;
+    QHash<QString, qsizetype> shown_;  // each line's text, with its position
 };
 
 }  // namespace
@@ -218,15 +222,21 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
     return path.startsWith(folder) ? path.mid(cut) : path;
 }
 
-QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines) {
+QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines, const QList<KeptFile>& kept) {
     QHash<QString, QString> owners;
+    const auto own = [&owners](const QString& path, const QStringList& sessions) {
+        const QString canonical = QFileInfo(path).canonicalFilePath();
+        if (!canonical.isEmpty() && !owners.contains(canonical)) {
+            owners.insert(canonical, sessions.value(0));
+        }
+    };
     for (const UsedLine& line : lines) {
         if (line.exists) {
-            const QString canonical = QFileInfo(line.path).canonicalFilePath();
-            if (!canonical.isEmpty() && !owners.contains(canonical)) {
-                owners.insert(canonical, line.session);
-            }
+            own(line.path, line.sessions);
         }
+    }
+    for (const KeptFile& file : kept) {
+        own(file.path, file.usedBy);
     }
     return owners;
 }

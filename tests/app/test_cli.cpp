@@ -8,6 +8,7 @@
 
 #include "app/cli/cli.h"
 #include "platform/path_text.h"
+#include "readers/session_kinds.h"
 #include "support/reader_fixture.h"
 #include "support/ses_writer.h"
 #include "support/session_files.h"
@@ -116,7 +117,8 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
 }
 
 // `scan` as the sweep sees it: a folder reached through a link, a session saved on Windows whose
-// take lies beside it (kept, and said so), a session cut short (refused, nothing offered).
+// take lies beside it (kept, and said so), each session keeping the other's media, and a session
+// cut short (refused, nothing offered).
 TEST(Cli, ScanKnowsAUsedFileHoweverItIsReached) {
     test::ReaderFixture f;
     const QString real = f.dir.filePath("real");
@@ -128,21 +130,26 @@ TEST(Cli, ScanKnowsAUsedFileHoweverItIsReached) {
     ASSERT_TRUE(test::writeFile(real + "/a.sesx", sesx));
     ASSERT_TRUE(test::writeFile(real + "/b.sesx",
                                 test::sessionBytes(SessionKindId::Sesx, {"D:\\Song\\take1.wav"})));
-    ASSERT_TRUE(test::writeFile(real + "/cut.sesx", sesx.left(sesx.size() - 12)));
     const QStringList scan = {"scan", f.dir.filePath("link"), "--kind", "sesx", "--session"};
     const struct {
         QString session;
         int code;
         QString out, err, notOffered;
     } rows[] = {
-        {"a.sesx", 0, "[x] " + real + "/used.wav\nunused: Files to be Moved - [0/4]\n", "",
-         "[ ] used.wav"},
-        {"b.sesx", 0, "kept: 1 file(s) used by other sessions\ntake1.wav  <- b.sesx\n", "",
+        {"a.sesx", 0,
+         "[x] " + real + "/used.wav\nunused: Files to be Moved - [0/1]\n[ ] other.wav\n" +
+             "kept: 1 file(s) used by other sessions\ntake1.wav  <- b.sesx\n",
+         "", "[ ] used.wav"},
+        {"b.sesx", 0,
+         "kept: 2 file(s) used by other sessions\ntake1.wav  <- b.sesx\nused.wav  <- a.sesx\n", "",
          "[ ] take1.wav"},
         {"cut.sesx", 2, "unused: Files to be Moved\n", "is incomplete", "[ ] "},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.session.toStdString());
+        if (row.session == "cut.sesx") {
+            ASSERT_TRUE(test::writeFile(real + "/cut.sesx", sesx.left(sesx.size() - 12)));
+        }
         QString out, err;
         QTextStream outStream(&out), errStream(&err);
         EXPECT_EQ(cli::run(scan + QStringList{row.session}, outStream, errStream), row.code);
@@ -151,6 +158,85 @@ TEST(Cli, ScanKnowsAUsedFileHoweverItIsReached) {
         EXPECT_TRUE(out.contains(row.out)) << out.toStdString();
         EXPECT_TRUE(row.err.isEmpty() || err.contains(row.err)) << err.toStdString();
         EXPECT_FALSE(out.contains(row.notOffered)) << out.toStdString();
+    }
+}
+
+// Every session of the folder guards its media, whatever its kind and the tab: what `scan` of
+// the first session lists and keeps. A session is "name:kind:path,path"; a backup is listed, a
+// foreign file guards nothing, a damaged session stops the load.
+TEST(Cli, EverySessionInTheFolderGuardsItsMedia) {
+    const struct {
+        const char* name;
+        QStringList sessions;  // the first is scanned
+        QString unused, kept;  // "a.wav|b.wav", "vox.wav <- mix.sesx|..."
+        int code = 0;
+    } rows[] = {
+        {"two of one kind",
+         {"a.ses:ses:a.wav", "b.ses:ses:b.wav"},
+         "vox.wav|x.wav",
+         "b.wav <- b.ses"},
+        {"three kinds",
+         {"song.rpp:rpp:Media/t.wav", "mix.sesx:sesx:vox.wav", "f.veg:veg:b.wav"},
+         "a.wav|x.wav",
+         "b.wav <- f.veg|vox.wav <- mix.sesx"},
+        {"a relative path, a Windows one",
+         {"s.rpp:rpp:a.wav", "a.xml:xml:x/../vox.wav,D:\\x\\b.wav"},
+         "x.wav",
+         "b.wav <- a.xml|vox.wav <- a.xml"},
+        {"backups beside and in their folders",
+         {"s.rpp:rpp:a.wav", "s.rpp-bak:rpp:b.wav", "Backups/s-1.rpp:rpp:x.wav",
+          "Backup/m.sesx:sesx:Media/m.wav", "f.veg.bak:veg:vox.wav"},
+         "f.veg.bak|s.rpp-bak",
+         "b.wav <- s.rpp-bak|vox.wav <- f.veg.bak|x.wav <- Backups/s-1.rpp"},
+        {"foreign files guard nothing",
+         {"a.sesx:sesx:a.wav", "b.xml:RIFF", "c.ses:RIFF", "d.rpp:<ITEM"},
+         "b.wav|b.xml|c.ses|d.rpp|vox.wav|x.wav",
+         ""},
+        {"a damaged session stops the load",
+         {"a.sesx:sesx:a.wav", "b.rpp:<REAPER_PROJECT"},
+         "",
+         "",
+         2},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        test::ReaderFixture f;
+        for (const char* file :
+             {"a.wav", "b.wav", "x.wav", "vox.wav", "Media/m.wav", "Media/t.wav"}) {
+            ASSERT_TRUE(test::writeFile(f.dir.filePath(file), "RIFF"));
+        }
+        for (const QString& session : row.sessions) {
+            const QStringList parts = session.split(':');
+            const SessionKind* kind = sessionKindByCaption(parts.value(1));
+            const QStringList paths = session.section(':', 2).split(',', Qt::SkipEmptyParts);
+            const QByteArray bytes =
+                kind ? test::sessionBytes(kind->id, paths) : parts.value(1).toUtf8();
+            ASSERT_TRUE(test::writeFile(f.dir.filePath(parts[0]), bytes));
+        }
+        const QString first = row.sessions[0].section(':', 0, 0);
+        QString out, err;
+        QTextStream outStream(&out), errStream(&err);
+        EXPECT_EQ(cli::run({"scan", f.dir.path(), "--kind", row.sessions[0].section(':', 1, 1),
+                            "--session", first, "--json"},
+                           outStream, errStream),
+                  row.code);
+        outStream.flush();
+        const QJsonDocument json = QJsonDocument::fromJson(out.toUtf8());
+        QStringList unused, kept;
+        for (const QJsonValue file : json["unused"]["files"].toArray()) {
+            unused << file["text"].toString();
+        }
+        for (const QJsonValue file : json["kept"]["files"].toArray()) {
+            QStringList by;
+            for (const QJsonValue session : file["usedBy"].toArray()) {
+                by << session.toString();
+            }
+            kept << file["text"].toString() + " <- " + by.join(',');
+        }
+        unused.sort();
+        kept.sort();
+        EXPECT_EQ(unused.join('|'), row.unused);
+        EXPECT_EQ(kept.join('|'), row.kept);
     }
 }
 

@@ -85,12 +85,12 @@ printf '<sesx>\n<files>\n<file absolutePath="%s/S/drum.wav"/>\n</files>\n</sesx>
      {"1 File(s) successfully copied", "drum.wav 5"}},
     {"NeitherAMoveNorACopyReplacesAUsedFile",
      false,
-     R"(set +e; mkdir -p S/Imp S/Imported; printf used > S/take.wav; printf other > S/Imp/take.wav
-printf new > S/a.wav; printf kept > S/Imported/a.wav
+     R"(set +e; mkdir -p S/Imp S/Imported S/mix_Recorded; printf used > S/take.wav
+printf other > S/Imp/take.wav; printf new > S/mix_Recorded/a.wav; printf kept > S/Imported/a.wav
 printf '<sesx>\n<files>\n<file absolutePath="%s/S/%s"/>\n<file absolutePath="%s/S/%s"/>\n<file absolutePath="%s/S/%s"/>\n</files>\n</sesx>\n' \
   "$W" take.wav "$W" Imp/take.wav "$W" Imported/a.wav > S/mix.sesx
 "$CLI" copy-used S --kind sesx --session mix.sesx --to S 2>&1
-"$CLI" move S --kind sesx --session mix.sesx --to S/Imported --overwrite yes --only a.wav
+"$CLI" move S --kind sesx --session mix.sesx --to S/Imported --overwrite yes --only 'mix_*' 
 cat S/take.wav S/Imported/a.wav)",
      {"1 File(s) successfully copied", "the file in the target is used by mix.sesx",
       "a.wav...Skipped - the file in the target is used by mix.sesx", "usedkept"}},

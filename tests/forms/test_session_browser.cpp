@@ -92,6 +92,7 @@ TEST_F(SessionFolderTest, TheCheckBoxesReloadOnlyASelectedSession) {
     EXPECT_EQ(usedLines(), QStringList({"[ ] x/a.wav", "[ ] y/b.wav"}));
     form.IgnoreFoldersCheck.setChecked(false);
     EXPECT_EQ(usedLines(), QStringList({"[ ] C:/x/a.wav", "[ ] D:/y/b.wav"}));
+    EXPECT_EQ(form.UsedFiles.tooltip(1), "D:/y/b.wav\nUsed by b.rpp");  // which session uses it
 }
 
 // A drive that cannot be opened is reported and the browser stays; a folder that cannot be

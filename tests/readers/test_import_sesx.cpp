@@ -97,7 +97,7 @@ TEST(TextSessions, ACutSessionIsRefusedAndACompleteOneWithoutMediaIsRead) {
     };
     for (const auto& [name, kind, bytes, complete] : cases) {
         const SessionRead r = sessionKind(kind).reader(bytes, {});
-        EXPECT_EQ(r.outcome, complete ? ReaderOutcome::Read : ReaderOutcome::Rejected) << name;
+        EXPECT_EQ(r.outcome, complete ? ReaderOutcome::Read : ReaderOutcome::Failed) << name;
         EXPECT_EQ(r.message.has_value() && r.message->text.contains("is incomplete"), !complete)
             << name;
     }

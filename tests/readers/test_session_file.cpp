@@ -140,7 +140,7 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         // One project of the corpus is cut short in its repository (it ends inside an item):
         // its paths are found, but it is refused, as its other media cannot be known.
         const bool cutShort = QString(file) == "rpp/tears_dont_fall_project.rpp";
-        ASSERT_EQ(read.outcome, cutShort ? ReaderOutcome::Rejected : ReaderOutcome::Read);
+        ASSERT_EQ(read.outcome, cutShort ? ReaderOutcome::Failed : ReaderOutcome::Read);
         EXPECT_EQ(read.message.has_value(), cutShort);
         EXPECT_EQ(read.paths.size(), count);
         QString expected = QString::fromUtf8(sample);

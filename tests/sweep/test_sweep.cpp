@@ -168,6 +168,7 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
     };
     const QString noMedia = "[ ] <no media files found>";
     const char* invalid = "SES File Error: \"s.ses\" does not appear to be a valid session file.";
+    touch({"x.wav"});
     for (const Case& c :
          {Case{Ses, "s.ses", "RIFF....WAVE", {}, "", invalid},
           Case{Ses, "s.ses", test::sessionBytes(Ses, {}), {noMedia}, "Audition 3.0"},

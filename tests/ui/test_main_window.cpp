@@ -170,8 +170,9 @@ TEST_F(MainWindowTest, TheDrivesAreTheUsersPlacesAndTheTreeShowsTheChosenOne) {
 }
 
 // mix.sesx uses a.wav, whose peak file is a.pkf, and a missing take; b.wav, b.pkf, a take in the
-// recordings folder, z.sesx (never read) and a name wider than the list are the other files. A
-// REAPER project with its sub-folder row on also lists its record folder.
+// recordings folder, z.sesx (no session) and a name wider than the list are the other files. A
+// REAPER project with its sub-folder row on also lists its record folder, and keeps what
+// mix.sesx uses, with the frame's tooltip saying so.
 TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     const QString wide = QString(120, 'w') + ".wav";
     for (const QString& name : QStringList{"a.wav", "a.pkf", "b.wav", "b.pkf", "z.sesx",
@@ -189,8 +190,10 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
         find<QTabBar>("FileTypeTab")->setCurrentIndex(tab);
         auto* sessions = find<QListView>("SESFile");
         sessions->setCurrentIndex(sessions->model()->index(0, 0));  // mix.sesx before z.sesx
-        const QString onScreen =
-            shown("Used") + shown("Unused") + "info: " + find<QLabel>("InfoLabel")->text() + '\n';
+        const QString kept = find<QGroupBox>("UnusedFrame")->toolTip();
+        const QString onScreen = shown("Used") + shown("Unused") +
+                                 (kept.isEmpty() ? "" : kept + '\n') +
+                                 "info: " + find<QLabel>("InfoLabel")->text() + '\n';
         QString out;
         QTextStream stream(&out);  // a message on the error stream shows as a difference
         EXPECT_EQ(cli::run(QStringList{"scan", dir.path(), "--session"} + args, stream, stream), 0);
@@ -199,7 +202,7 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
         return onScreen;
     };
     const QString sesx = compare(1, {"mix.sesx", "--kind", "sesx", "--keep-peaks"});
-    EXPECT_TRUE(sesx.contains("Files to be Moved - [0/6]")) << sesx.toStdString();
+    EXPECT_TRUE(sesx.contains("Files to be Moved - [0/5]")) << sesx.toStdString();
     QApplication::processEvents();  // the list lays its lines out
     EXPECT_GT(find<QListView>("UnusedFiles")->horizontalScrollBar()->maximum(), 0);
     find<QTabBar>("FileTypeTab")->setCurrentIndex(3);

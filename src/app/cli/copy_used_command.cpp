@@ -50,8 +50,9 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         return CopyFailureAnswer::Ignore;
     };
     events.stopRequested = interrupted;
-    const CopyOutcome outcome = copyUsedFiles(items, AddBackslash(folder), disk, events,
-                                              usedFileOwners(scan->scan.sweep.used.lines));
+    const CopyOutcome outcome =
+        copyUsedFiles(items, AddBackslash(folder), disk, events,
+                      usedFileOwners(scan->scan.sweep.used.lines, scan->scan.sweep.kept));
     out << visibleText(copiedFilesLine(outcome.copied, folder)) << '\n';
     if (outcome.aborted) {
         return kInterrupted;

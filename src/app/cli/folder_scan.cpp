@@ -115,10 +115,25 @@ SweepRequest scanRequest(const ScanOptions& options, const QString& folder, cons
 // The folder chosen for the sub-folder row after the load, as its "Select Folder" button does:
 // its files join those of the load, each once, with the lines that lead to it.
 void addChosenFolder(const SweepRequest& request, const QString& chosen, Sweep& sweep,
-                     const FileSystem& fs) {
+                     const FileSystem& fs, const SweepEvents& events) {
     SweepRequest withFolder = request;
     withFolder.subFolderOn = true;
     withFolder.subFolder = chosen;
+    // The sessions of the chosen folder guard their media too.
+    const QString folder = subFolderPath(request.folder, chosen, fs);
+    if (!folder.isEmpty()) {
+        QString stoppedAt;
+        auto guard = sessionGuard({folder}, request.folder, fs, nullptr, events, &stoppedAt);
+        if (!guard) {
+            sweep.used.stopped = true;
+            sweep.used.stoppedAt = stoppedAt;
+            sweep.used.unread = 0;
+            sweep.others.clear();
+            sweep.kept.clear();
+            return;
+        }
+        sweep.index->addGuard(std::move(guard));
+    }
     QStringList listed;
     for (const OtherFile& file : sweep.others) {
         listed.append(file.text);
@@ -156,7 +171,7 @@ std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& er
     events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
     scan.sweep = sweepFolder(scan.request, fs, events);
     if (options.subFolderGiven && !scan.sweep.used.stopped) {
-        addChosenFolder(scan.request, options.subFolder, scan.sweep, fs);
+        addChosenFolder(scan.request, options.subFolder, scan.sweep, fs, events);
     }
     if (scan.sweep.used.stopped) {
         const ScanRange range = scanRange(scan.request);

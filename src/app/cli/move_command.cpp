@@ -62,7 +62,7 @@ MoveRequest moveRequest(const FolderScan& scan, const QString& target, const Mov
     request.targetText = target;
     request.storeInSubFolder = options.storeInSubFolder;
     request.itemsMayBePaths = scan.request.kind->subFolderRow;
-    request.usedFiles = usedFileOwners(scan.sweep.used.lines);
+    request.usedFiles = usedFileOwners(scan.sweep.used.lines, scan.sweep.kept);
     request.excludeOn = !options.excluded.isEmpty();
     request.excluded = options.excluded;
     for (const OtherFile& file : scan.sweep.others) {

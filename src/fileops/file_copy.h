@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "fileops/file_operations.h"
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <utility>
+
+// The system calls behind the file engine's copies on Linux and macOS.
+namespace tidewick {
+
+/// The failure the system reports by `code`, with its description; lastError() for errno.
+FileError errorOf(int code);
+FileError lastError();
+
+/// Closes its descriptor when it goes.
+struct Descriptor {
+    int fd = -1;
+    explicit Descriptor(int descriptor) : fd(descriptor) {}
+    ~Descriptor() {
+        if (fd >= 0) {
+            ::close(fd);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    // Closes now, where a failure to write the last data back still shows.
+    bool close() { return ::close(std::exchange(fd, -1)) == 0; }
+};
+
+/// Writes the file `source` (described by `info`: a link's own stat, or its target's when it is
+/// to be followed) under the new name `copy`: a link as a link, a file's data (holes kept) with
+/// its permissions and times. The copy must come out at the source's size.
+FileResult writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
+                     const FileOperations::Progress& progress);
+
+/// Gives `from` the name `to` unless a file has that name: never replaces.
+FileResult renameNoReplace(const QByteArray& from, const QByteArray& to);
+
+}  // namespace tidewick
+
+#endif

@@ -1,0 +1,194 @@
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "platform/path_text.h"
+#include "sweep/sweep.h"
+
+// The folder's other sessions, of every kind, guard the files they use: a file that any session
+// the load can see uses is never offered for moving.
+namespace tidewick {
+
+namespace {
+
+// A path a session names, in host form: the "\" of a session saved on Windows becomes "/".
+QString hostForm(QString path) {
+    if (hostSeparator() == u'/') {
+        path.replace(u'\\', u'/');
+    }
+    return path;
+}
+
+// The files a path of the session in `folder` (with its separator) may name, as a load of that
+// session resolves it with "Ignore Leading Folder names" and without: as written (a bare or
+// relative one in the session's folder), its last folder and name there, its name there.
+QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind) {
+    const QString path = hostForm(written);
+    const bool rooted = path.contains(u':') || (!path.isEmpty() && isPathSeparator(path[0]));
+    QStringList files = {rooted ? path : folder + path};
+    for (const QString& shortened :
+         {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
+        if (!shortened.isEmpty() && !files.contains(folder + shortened)) {
+            files.append(folder + shortened);
+        }
+    }
+    return files;
+}
+
+// A session that may guard the load: its file, kind, the folders its relative paths are read
+// against (its own; for a backup in a folder of backups, the session folder above it too) and
+// whether it is a backup.
+struct Guard {
+    QString path;
+    const SessionKind* kind;
+    QStringList folders;  // with their separators
+    bool backup;
+};
+
+// The sessions of `folder` and of its backup folders, the load's own among them.
+void findSessions(const QString& folder, const FileSystem& fs, QList<Guard>& found,
+                  QSet<QString>& seen) {
+    QStringList places = {withSeparator(folder)};
+    for (const QString& backups : backupFolders()) {
+        places.append(withSeparator(withSeparator(folder) + backups));
+    }
+    for (qsizetype i = 0; i < places.size(); ++i) {
+        const QString place = withSeparator(cleanHostPath(places[i]));
+        if (seen.contains(place) || !fs.FolderExists(place)) {
+            continue;
+        }
+        seen.insert(place);
+        const auto isSession = [](const QString& name) {
+            return sessionKindForName(name) != nullptr;
+        };
+        for (const FolderEntry& entry : fs.listFiles(place, true, isSession)) {
+            const QString path = place + entry.name;
+            bool backup = false;
+            const SessionKind* kind = sessionKindForName(entry.name, &backup);
+            const QStringList folders =
+                i > 0 ? QStringList{place, withSeparator(folder)} : QStringList{place};
+            found.append({path, kind, folders, backup || i > 0});
+        }
+    }
+}
+
+// How the session folder names a file: by its path from there, or whole when it lies elsewhere.
+QString namedFrom(const QString& sessionFolder, const QString& path) {
+    return path.startsWith(sessionFolder) ? path.mid(sessionFolder.size()) : path;
+}
+
+}  // namespace
+
+QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind*, QString>>& files,
+                                         const FileSystem& fs) {
+    QList<SessionRead> reads(files.size());
+    QList<std::optional<FileStamp>> stamps(files.size());
+    std::vector<qsizetype> missing;
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        const auto& [kind, path] = files[i];
+        stamps[i] = fs.fileStamp(path);
+        const auto known = entries_.constFind(path);
+        if (stamps[i] && known != entries_.constEnd() && known->stamp == *stamps[i] &&
+            known->kind == kind->id) {
+            reads[i] = known->read;
+        } else {
+            missing.push_back(i);
+        }
+    }
+    // Each reader is a function of its file's bytes: the files are read side by side, one a
+    // core, and the disk's answers (REAPER's record folder) come from `fs` itself.
+    std::atomic<size_t> next{0};
+    const auto work = [&] {
+        for (size_t at = next++; at < missing.size(); at = next++) {
+            const qsizetype i = missing[at];
+            reads[i] = readSessionFile(*files[i].first, files[i].second,
+                                       {hostParentFolder(files[i].second), &fs});
+        }
+    };
+    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
+    std::vector<std::thread> helpers;
+    for (unsigned n = 1; n < std::min<size_t>(cores, missing.size()); ++n) {
+        helpers.emplace_back(work);
+    }
+    work();
+    for (std::thread& helper : helpers) {
+        helper.join();
+    }
+    for (const qsizetype i : missing) {
+        if (stamps[i]) {
+            entries_.insert(files[i].second, {*stamps[i], files[i].first->id, reads[i]});
+        }
+    }
+    return reads;
+}
+
+std::shared_ptr<const UsedIndex> SessionCache::guard(
+    const QString& folders, const QList<std::pair<QString, FileStamp>>& stamps) const {
+    const auto known = guards_.constFind(folders);
+    return known != guards_.constEnd() && known->stamps == stamps ? known->table : nullptr;
+}
+
+void SessionCache::setGuard(const QString& folders,
+                            const QList<std::pair<QString, FileStamp>>& stamps,
+                            std::shared_ptr<const UsedIndex> table) {
+    guards_.insert(folders, {stamps, std::move(table)});
+}
+
+std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
+                                              const QString& sessionFolder, const FileSystem& fs,
+                                              SessionCache* cache, const SweepEvents& events,
+                                              QString* stoppedAt) {
+    QList<Guard> guards;
+    QSet<QString> seen;
+    for (const QString& folder : folders) {
+        findSessions(folder, fs, guards, seen);
+    }
+    // Worked out once for the sessions as they are: a load after a change of media type, peak
+    // option or sub-folder row asks the disk only whether any of them changed.
+    QList<std::pair<QString, FileStamp>> stamps;
+    for (const Guard& guard : guards) {
+        stamps.append({guard.path, fs.fileStamp(guard.path).value_or(FileStamp{-1, -1})});
+    }
+    const QString key = folders.join(u'\n');
+    SessionCache once;
+    SessionCache& reads = cache ? *cache : once;
+    if (auto known = reads.guard(key, stamps)) {
+        return known;
+    }
+    QList<std::pair<const SessionKind*, QString>> files;
+    for (const Guard& guard : guards) {
+        files.append({guard.kind, guard.path});
+    }
+    const QList<SessionRead> read = reads.readAll(files, fs);
+    auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
+    const QString folder = withSeparator(sessionFolder);
+    for (qsizetype i = 0; i < guards.size(); ++i) {
+        const Guard& guard = guards[i];
+        if (isForeignFile(read[i])) {
+            continue;  // no session: a file like any other
+        }
+        const QString name = namedFrom(folder, guard.path);
+        if (read[i].outcome != ReaderOutcome::Read) {
+            if (read[i].message && events.tell) {
+                events.tell({read[i].message->text, read[i].message->title, read[i].message->icon});
+            }
+            *stoppedAt = name;
+            return nullptr;
+        }
+        for (const QString& path : read[i].paths) {
+            for (const QString& from : guard.folders) {
+                for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
+                    table->keep(file, name, fs);
+                }
+            }
+        }
+        if (!guard.backup) {
+            table->hide(guard.path, fs);
+        }
+    }
+    reads.setGuard(key, stamps, table);
+    return table;
+}
+
+}  // namespace tidewick
