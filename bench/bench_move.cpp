@@ -11,6 +11,7 @@
 
 #include "cli_program.h"
 #include "process_timing.h"
+#include "take_folder.h"
 
 namespace {
 
@@ -33,23 +34,7 @@ struct Studio {
     QString data() const { return root.filePath(QStringLiteral("data%1").arg(runs)); }
     QString trash() const { return data() + QStringLiteral("/Trash/files"); }
 
-    bool make() const {
-        QDir().mkpath(song);
-        QFile session(song + QStringLiteral("/session.sesx"));
-        if (!session.open(QIODevice::WriteOnly) ||
-            session.write("<?xml version=\"1.0\"?>\n<sesx version=\"1.4\">\n</sesx>\n") < 0) {
-            return false;
-        }
-        QByteArray bytes(kFileSize, 'x');
-        for (int index = 0; index < kFiles; ++index) {
-            bytes[index % kFileSize] = char(index);  // no two files alike
-            QFile file(song + QStringLiteral("/take%1.wav").arg(index, 4, 10, QLatin1Char('0')));
-            if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != kFileSize) {
-                return false;
-            }
-        }
-        return true;
-    }
+    bool make() const { return tidewick::bench::writeTakes(song, kFiles, kFileSize); }
 
     // The originals back from the last run's trash, and a fresh target and trash for the next.
     void next() {

@@ -20,7 +20,8 @@
 // It plays the user: every question is answered "Yes", the folder picker picks the folder given
 // with --to, and the file manager is never started.
 //
-//   tidewick-shots results|exclusion|copy|kept FILE [--select NAME] [--to FOLDER] [--sub-folder]
+//   tidewick-shots results|exclusion|copy|kept|restore FILE [--select NAME] [--to FOLDER]
+//                  [--sub-folder]
 namespace {
 
 using namespace tidewick;
@@ -107,6 +108,17 @@ void whenOpen(const QString& name, std::function<bool(QDialog*)> ready,
     timer->start(100);
 }
 
+// Takes the picture of `window` with the dialog called `name` over it once it opens, then
+// closes the dialog as Escape would.
+void overWhenOpen(QWidget& window, const QString& name, const QString& file, bool& saved) {
+    whenOpen(
+        name, [](QDialog*) { return true; },
+        [&window, file, &saved](QDialog* dialog) {
+            saved = save(over(window, dialog), file);
+            dialog->reject();
+        });
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -115,8 +127,8 @@ int main(int argc, char* argv[]) {
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {
         std::fprintf(stderr,
-                     "usage: tidewick-shots results|exclusion|copy|kept FILE [--select NAME] "
-                     "[--to FOLDER] [--sub-folder]\n");
+                     "usage: tidewick-shots results|exclusion|copy|kept|restore FILE "
+                     "[--select NAME] [--to FOLDER] [--sub-folder]\n");
         return 1;
     }
     const QString shot = arguments[1], file = arguments[2];
@@ -152,14 +164,12 @@ int main(int argc, char* argv[]) {
         });
         form.MoveButton_Click();
     } else if (shot == QLatin1String("exclusion")) {
-        whenOpen(
-            QStringLiteral("Exclusion"), [](QDialog*) { return true; },
-            [&](QDialog* dialog) {
-                saved = save(over(window, dialog), file);
-                dialog->reject();
-            });
+        overWhenOpen(window, QStringLiteral("Exclusion"), file, saved);
         form.ExcludedCheck.setChecked(false);
         form.ExcludedCheck.setChecked(true);
+    } else if (shot == QLatin1String("restore")) {
+        overWhenOpen(window, QStringLiteral("Restore"), file, saved);
+        form.mnuFileRestore_Click();
     } else if (shot == QLatin1String("kept")) {
         saved = save(withTooltip(window, QStringLiteral("UnusedFrame")), file);
     } else if (shot == QLatin1String("copy")) {

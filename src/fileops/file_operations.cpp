@@ -94,6 +94,15 @@ std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* 
     return qint64(info.st_size);
 }
 
+std::optional<FileStamp> FileOperations::entryStamp(const QString& path) const {
+    struct stat info {};
+    if (::lstat(encodeFileName(path).constData(), &info) != 0) {
+        return std::nullopt;
+    }
+    return FileStamp{qint64(info.st_size),
+                     qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
+}
+
 std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
     // The kernel answers for the folder's permissions, its disk being read-only and its being
     // immutable, as a write would meet them.
@@ -140,11 +149,15 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
             return failed;
         }
     }
-    if (const FileResult failed = renameNoReplace(copy, to)) {
+    if (const FileResult failed = tidewick::renameNoReplace(copy, to)) {
         ::unlink(copy.constData());
         return failed;
     }
     return std::nullopt;
+}
+
+FileResult FileOperations::renameNoReplace(const QString& from, const QString& to) {
+    return tidewick::renameNoReplace(encodeFileName(from), encodeFileName(to));
 }
 
 FileResult FileOperations::removeFile(const QString& path) {
@@ -195,6 +208,10 @@ std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* 
     return info.size();
 }
 
+std::optional<FileStamp> FileOperations::entryStamp(const QString& path) const {
+    return fileStamp(path);
+}
+
 std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
     return QFileInfo(folder).isWritable() ? std::nullopt : std::optional(errorOf(EACCES));
 }
@@ -236,6 +253,11 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
         progress(QFileInfo(destination).size());
     }
     return std::nullopt;
+}
+
+FileResult FileOperations::renameNoReplace(const QString& from, const QString& to) {
+    QFile file(from);
+    return file.rename(to) ? FileResult() : FileError{int(file.error()), file.errorString()};
 }
 
 FileResult FileOperations::removeFile(const QString& path) {
@@ -292,6 +314,16 @@ FileResult FileOperations::moveToTrash(const QString& path, TrashPlace* place) {
         place->info = QDir::cleanPath(place->info);
     }
     return std::nullopt;
+}
+
+FileResult FileOperations::trashInPlaceOf(const TrashPlace& freed, const QString& path) {
+    if (const std::optional<FileResult> done = reuseTrashPlace(freed, path)) {
+        return *done;
+    }
+    if (!freed.info.isEmpty() && !entryStamp(freed.file)) {
+        QFile::remove(freed.info);  // the record of the file that left
+    }
+    return moveToTrash(path);
 }
 
 QString usedBy(const UsedFileOwners& owners, const QString& path) {

@@ -67,6 +67,9 @@ public:
     /// permission), or nothing when it can.
     virtual std::optional<FileError> writeRefusal(const QString& folder) const;
 
+    /// The length and time of change of the entry `path` itself (of a link, the link).
+    virtual std::optional<FileStamp> entryStamp(const QString& path) const;
+
     /// Creates the folder `path`; its parent must exist.
     virtual FileResult createFolder(const QString& path);
 
@@ -84,6 +87,18 @@ public:
     /// Puts `path` into the desktop's trash: the home trash for a file of its disk, else the
     /// trash of the file's own volume. Where it went is told in `place`, when given.
     virtual FileResult moveToTrash(const QString& path, TrashPlace* place = nullptr);
+
+    /// Puts the file `path`, a copy of a file just taken out of the trash, into the trash in
+    /// the place `freed` that it left: under that name, its record rewritten to say where
+    /// `path` was. That spares the trash a
+    /// record made and one deleted for each file, which a restore would otherwise pay. A place
+    /// that cannot take it (another disk, a name taken meanwhile) is given up and `path` is
+    /// trashed as moveToTrash does.
+    virtual FileResult trashInPlaceOf(const TrashPlace& freed, const QString& path);
+
+    /// Gives the file `from` the name `to`, which no file may have: it never replaces one (EXDEV
+    /// when the two lie on different disks).
+    virtual FileResult renameNoReplace(const QString& from, const QString& to);
 
     /// Deletes the file `path` for good.
     virtual FileResult removeFile(const QString& path);

@@ -18,4 +18,10 @@ namespace tidewick {
 std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
                                           TrashPlace* place);
 
+/// Puts `path` into the trash place `freed` (a name in "files" that its file just left, and its
+/// record), then rewrites the record in place to name `path`. Nothing, with the record left as
+/// it was, when the place cannot take it. `path` is the copy of the file that left, so a run cut
+/// short between the two steps leaves a record that names where the same bytes were.
+std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path);
+
 }  // namespace tidewick

@@ -79,7 +79,9 @@ private:
         log(QStringLiteral("Moving...") + withSeparator(request_.sessionFolder) +
             request_.items[index].text + result + kLogLineEnd);
     }
+    MovedFile file_;  // the file in hand
     void copyFailed(qsizetype index, const FileError& error) {
+        file_.outcome = MovedFile::Outcome::Failed;
         outcome_.results[index] = QStringLiteral("...Error ") + errorText(error);
         outcome_.failed = true;
     }
@@ -88,6 +90,9 @@ private:
 MoveOutcome MoveRun::run() {
     log(QStringLiteral("Moving selected files to...") + moveDestination(request_) + kLogLineEnd);
     log(QStringLiteral("Commenced ") + logTimestamp() + kLogLineEnd + kDashes + kLogLineEnd);
+    if (!events_.notice.isEmpty()) {
+        log(events_.notice + kLogLineEnd);
+    }
     if (const QString problem = moveProblem(request_, disk_); !problem.isEmpty()) {
         log(problem + kLogLineEnd);  // said once, not once for every file
         outcome_.failed = true;
@@ -112,6 +117,17 @@ void MoveRun::moveEach() {
             continue;
         }
         const qint64 doneBefore = done_;
+        const PlannedMove& planned = plans_[index];
+        const FileStamp stamp = disk_.entryStamp(planned.source).value_or(FileStamp{});
+        file_ = {request_.items[index].text,
+                 planned.source,
+                 planned.destination,
+                 stamp.size,
+                 stamp.modified,
+                 MovedFile::Outcome::Skipped,
+                 {},
+                 false,
+                 {}};
         if (events_.stopRequested && events_.stopRequested()) {
             outcome_.cancelled = true;
         } else {
@@ -120,6 +136,9 @@ void MoveRun::moveEach() {
                 outcome_.cancelled = true;  // "&Cancel" at the overwrite question
             } else {
                 logItem(index, *result);
+                if (events_.fileDone) {
+                    events_.fileDone(file_);
+                }
             }
         }
         if (outcome_.cancelled) {
@@ -136,6 +155,7 @@ std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
     const PlannedMove& planned = plans_[index];
     // An excluded file stays whatever the target holds: there is nothing to ask about it.
     if (planned.excluded) {
+        file_.outcome = MovedFile::Outcome::Excluded;
         return QStringLiteral("...File Excluded");
     }
     FileError absent;
@@ -177,8 +197,9 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
             return;
         }
     }
-    if (const FileResult failed = disk_.copyFile(sourceFile, destination, {replace, false},
-                                                 [this](qint64 bytes) { progress(bytes); })) {
+    if (const FileResult failed = disk_.copyFile(
+            sourceFile, destination, {replace, false}, [this](qint64 bytes) { progress(bytes); },
+            &file_.replaced)) {
         copyFailed(index, *failed);
         return;
     }
@@ -187,7 +208,9 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
         QStringLiteral("...OK - ") + groupedNumber(*size) + QStringLiteral(" bytes moved");
     // The copy is whole under its final name. When the trash will not take the source, the copy
     // is written through to the disk before the source is deleted for good, and the log says so.
-    if (!disk_.moveToTrash(sourceFile)) {
+    file_.outcome = MovedFile::Outcome::CopiedSourceKept;
+    if (!disk_.moveToTrash(sourceFile, &file_.sourceTrash)) {
+        file_.outcome = MovedFile::Outcome::Moved;
         outcome_.moved[index] = true;
         outcome_.results[index] = moved + u'.';
         return;
@@ -204,6 +227,8 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
         return;
     }
     outcome_.moved[index] = true;
+    file_.outcome = MovedFile::Outcome::Moved;
+    file_.sourceDeleted = true;
     ++outcome_.sourcesDeleted;
     outcome_.results[index] = moved + QStringLiteral(" (source deleted: the trash refused it).");
 }

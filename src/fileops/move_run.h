@@ -62,6 +62,20 @@ struct PlannedMove {
 };
 PlannedMove planMove(const MoveRequest& request, const QString& item, const FileSystem& disk);
 
+/// What became of one file of a move: what its record keeps, so that the move can be undone.
+struct MovedFile {
+    enum class Outcome { Moved, Skipped, Excluded, Failed, CopiedSourceKept };
+    QString text;         ///< the line of "Files to be Moved"
+    QString source;       ///< where it was
+    QString destination;  ///< where its copy went
+    qint64 size = 0;      ///< its length, and
+    qint64 modified = 0;  ///< its time of change (ns since 1970), as the run found it
+    Outcome outcome = Outcome::Skipped;
+    TrashPlace sourceTrash;      ///< where the trash put the source
+    bool sourceDeleted = false;  ///< the trash refused the source, which was deleted
+    TrashPlace replaced;         ///< where the file it replaced in the target went
+};
+
 /// What a run reports while it goes on. Each may be left empty.
 struct MoveEvents {
     /// Text to append to the log, line ends included.
@@ -72,6 +86,10 @@ struct MoveEvents {
     std::function<void(qint64 done, qint64 total)> progress;
     /// Asked before each file: true stops the run there, as "&Cancel" does (an interrupt).
     std::function<bool()> stopRequested;
+    /// A checked file is done with, whatever became of it.
+    std::function<void(const MovedFile& file)> fileDone;
+    /// A line the log shows after its heading, before the files (a warning).
+    QString notice;
 };
 
 /// How a run ended.

@@ -58,6 +58,7 @@ constexpr ControlPlace kLayout[] = {
     {"CloseButton", K::Button, "UnusedFrame", 8130, 4830, 1455, 435, "&Close", ""},
     {"InfoLabel", K::Label, "", 210, 9690, 13785, 195, "", ""},
     {"mnuFileMain", K::Menu, "", 0, 0, 0, 0, "&File", ""},
+    {"mnuFileRestore", K::MenuItem, "mnuFileMain", 0, 0, 0, 0, "&Restore a Move...", ""},
     {"mnuFileExit", K::MenuItem, "mnuFileMain", 0, 0, 0, 0, "E&xit", ""},
     {"mnuWindowMain", K::Menu, "", 0, 0, 0, 0, "&Window", ""},
     {"mnuWindowCentre", K::MenuItem, "mnuWindowMain", 0, 0, 0, 0, "&Centre", ""},
@@ -105,6 +106,7 @@ MainForm::MainForm(UserInteraction& ui)
       MoveButton(named(u"MoveButton")),
       CloseButton(named(u"CloseButton")),
       InfoLabel(named(u"InfoLabel")),
+      mnuFileRestore(named(u"mnuFileRestore")),
       mnuFileExit(named(u"mnuFileExit")),
       mnuWindowCentre(named(u"mnuWindowCentre")),
       mnuHelpAbout(named(u"mnuHelpAbout")),
@@ -160,6 +162,7 @@ void MainForm::connectEvents() {
     on(MoveButton, &Control::clicked, &MainForm::MoveButton_Click);
     on(CloseButton, &Control::clicked, &MainForm::CloseButton_Click);
     on(FolderButton, &Control::clicked, &MainForm::FolderButton_Click);
+    on(mnuFileRestore, &Control::clicked, &MainForm::mnuFileRestore_Click);
     on(mnuFileExit, &Control::clicked, &MainForm::mnuFileExit_Click);
     on(mnuWindowCentre, &Control::clicked, &MainForm::mnuWindowCentre_Click);
     on(mnuHelpAbout, &Control::clicked, &MainForm::mnuHelpAbout_Click);

@@ -14,6 +14,7 @@
 #include "fileops/move_run.h"
 #include "forms/check_list_model.h"
 #include "forms/control.h"
+#include "forms/move_form.h"
 #include "platform/interaction.h"
 #include "settings/preferences.h"
 #include "sweep/sweep.h"
@@ -24,7 +25,7 @@
 namespace tidewick {
 
 class ExclusionForm;
-class MoveForm;
+class RestoreForm;
 class SizeCache;
 
 /// The window caption: "Tidewick - Version 6.00" for 6.0.0, the revision written straight after
@@ -91,6 +92,7 @@ public:
     Control& MoveButton;
     Control& CloseButton;
     Control& InfoLabel;
+    Control& mnuFileRestore;
     Control& mnuFileExit;
     Control& mnuWindowCentre;
     Control& mnuHelpAbout;
@@ -192,6 +194,11 @@ public:
     /// Shows "Exclude Files" over the window, modal, and returns when it has closed; without it
     /// nothing opens.
     std::function<void(ExclusionForm& form)> showExclusionForm;
+    /// "File > &Restore a Move...": the recorded moves to choose from, then the restore of the
+    /// one chosen in the results window, and the session read again if its folder is shown.
+    void mnuFileRestore_Click();
+    /// Shows "Restore a Move" over the window, modal; without it nothing is chosen.
+    std::function<void(RestoreForm& form)> showRestoreForm;
     /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
     /// The controls as a sweep request, and the window's answers to what a sweep reports.
@@ -297,6 +304,12 @@ private:
         loadStopped_ = false;
         keptFiles_.clear();
     }
+    /// Where a results window runs its work: beside the window when there is one.
+    MoveForm::Runner resultsRunner() const;
+    /// Shows `form` and returns when it has closed (or runs it to its end without a window).
+    void showResults(MoveForm& form);
+    /// Lists the session folder again and selects `session`, which reads it again.
+    void reloadSession(const QString& session);
     /// Points the session-file list at `folder` and lists it afresh.
     void showSessionFolder(const QString& folder);
     /// The checked lines of UsedFiles, each with the file it stands for.

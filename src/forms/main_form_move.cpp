@@ -1,7 +1,9 @@
 #include <QDir>
 
+#include "fileops/restore.h"
 #include "forms/main_form.h"
 #include "forms/move_form.h"
+#include "forms/restore_form.h"
 #include "platform/path_text.h"
 
 // "&Move Files": the checks and the confirmation before the results window runs the move, and
@@ -60,20 +62,57 @@ void MainForm::MoveButton_Click() {
 
     const QString session = request.sessionFile;
     {
-        MoveForm form(ui(), FSO, request, lastOverwriteAnswer_,
-                      showMoveForm ? MoveForm::Runner::Background : MoveForm::Runner::Inline);
-        if (showMoveForm) {
-            showMoveForm(form);
-        } else {
-            form.runToEnd();
-        }
+        MoveForm form(ui(), FSO, request, lastOverwriteAnswer_, resultsRunner());
+        showResults(form);
     }
-    // The lists show the folder as the move has left it.
+    reloadSession(session);
+}
+
+MoveForm::Runner MainForm::resultsRunner() const {
+    return showMoveForm ? MoveForm::Runner::Background : MoveForm::Runner::Inline;
+}
+
+void MainForm::showResults(MoveForm& form) {
+    if (showMoveForm) {
+        showMoveForm(form);
+    } else {
+        form.runToEnd();
+    }
+}
+
+void MainForm::reloadSession(const QString& session) {
+    // The lists show the folder as the move (or its restore) has left it.
     UpdateSelCounter();
     refreshSessionFiles();
     const int index = int(SESFile.items().indexOf(session));
     if (index >= 0) {
         SESFile.setListIndex(index);
+    }
+}
+
+void MainForm::mnuFileRestore_Click() {
+    RestoreForm chooser(ui_, moveRecords(moveRecordsFolder()));
+    if (showRestoreForm) {
+        showRestoreForm(chooser);
+    }
+    if (chooser.chosen() == nullptr) {
+        return;
+    }
+    const MoveRecord record = *chooser.chosen();
+    {
+        const auto restore = [this, record](const MoveEvents& events) {
+            const RestoreOutcome restored =
+                restoreMove(record, FSO, false, {events.log, {}, events.progress});
+            MoveOutcome outcome;
+            outcome.failed = restored.left > 0;
+            return outcome;
+        };
+        MoveForm form(ui_, restore, record.sessionFolder, resultsRunner());
+        showResults(form);
+    }
+    // The folder shown gets its files back: its session is read again.
+    if (withSeparator(SESFile.text()) == withSeparator(record.sessionFolder)) {
+        reloadSession(SESFile.items().value(SESFile.listIndex()));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "fileops/move_record.h"
 #include "platform/path_text.h"
 
 namespace tidewick {
@@ -23,13 +24,24 @@ constexpr QStringView kButtons[] = {u"ExploreButton", u"CopyButton", u"CloseButt
 
 }  // namespace
 
-MoveForm::MoveForm(UserInteraction& ui, FileOperations& disk, MoveRequest request,
+MoveForm::MoveForm(UserInteraction& ui, FileOperations& disk, const MoveRequest& request,
                    OverwriteAnswer& lastAnswer, Runner runner)
+    : MoveForm(
+          ui,
+          [&disk, request](const MoveEvents& events) {
+              QString record;
+              return runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+          },
+          moveDestination(request), runner) {
+    lastAnswer_ = &lastAnswer;
+}
+
+MoveForm::MoveForm(UserInteraction& ui, Job job, QString folder, Runner runner)
     : controls_(createControls(kLayout)),
       ui_(ui),
-      disk_(disk),
-      request_(std::move(request)),
-      lastAnswer_(lastAnswer),
+      job_(std::move(job)),
+      folder_(std::move(folder)),
+      lastAnswer_(nullptr),
       runner_(runner) {
     for (const QStringView name : kButtons) {
         findControl(controls_, name)->setEnabled(false);
@@ -55,11 +67,11 @@ void MoveForm::Form_Activate() {
     runDone_ = true;
     ui_.setBusyPointer(true);
     if (runner_ == Runner::Inline) {
-        finish(runMove(request_, disk_, runEvents()));
+        finish(job_(runEvents()));
         return;
     }
     worker_.reset(QThread::create([this] {
-        const MoveOutcome outcome = runMove(request_, disk_, runEvents());
+        const MoveOutcome outcome = job_(runEvents());
         QMetaObject::invokeMethod(
             this, [this, outcome] { finish(outcome); }, Qt::QueuedConnection);
     }));
@@ -101,13 +113,16 @@ void MoveForm::append(const QString& text) {
 
 OverwriteAnswer MoveForm::askOverwrite(const QString& question) {
     ui_.setBusyPointer(false);
-    const std::optional<OverwriteAnswer> answer = ui_.askOverwrite(question, lastAnswer_);
+    const OverwriteAnswer focus = lastAnswer_ ? *lastAnswer_ : OverwriteAnswer::Yes;
+    const std::optional<OverwriteAnswer> answer = ui_.askOverwrite(question, focus);
     ui_.setBusyPointer(true);
     // Closing the question by its frame stops the run, and is no answer to remember.
     if (!answer) {
         return OverwriteAnswer::Cancel;
     }
-    lastAnswer_ = *answer;
+    if (lastAnswer_) {
+        *lastAnswer_ = *answer;
+    }
     return *answer;
 }
 
@@ -147,7 +162,7 @@ void MoveForm::CopyButton_Click() {
 }
 
 void MoveForm::ExploreButton_Click() {
-    const QString folder = moveDestination(request_);
+    const QString& folder = folder_;
     const bool opened = ui_.openFolder(folder);
     ui_.processEvents();
     if (!opened) {

@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 #include <QThread>
+#include <functional>
 #include <memory>
 
 #include "fileops/file_operations.h"
@@ -22,10 +23,16 @@ public:
     /// each file as it is done, or in the caller's thread, to its end, when no window waits.
     enum class Runner { Background, Inline };
 
+    /// What the window runs, telling its log and progress through the events it is given.
+    using Job = std::function<MoveOutcome(const MoveEvents& events)>;
+
+    /// The window of a move of `request`, which keeps its record (runRecordedMove).
     /// `lastAnswer` is the overwrite question's button pressed last in this run of the
     /// program: it has the focus at the next question, and each answer given replaces it.
-    MoveForm(UserInteraction& ui, FileOperations& disk, MoveRequest request,
+    MoveForm(UserInteraction& ui, FileOperations& disk, const MoveRequest& request,
              OverwriteAnswer& lastAnswer, Runner runner = Runner::Background);
+    /// The window of another run on the files, `job` (a restore), whose Explore opens `folder`.
+    MoveForm(UserInteraction& ui, Job job, QString folder, Runner runner = Runner::Background);
     /// Waits for a run that is still going.
     ~MoveForm() override;
 
@@ -48,7 +55,6 @@ public:
     /// "E&xplore Destination Folder", "Cop&y to Clipboard" and "&Close" can be pressed: the run
     /// is over.
     bool buttonsEnabled() const { return finished_; }
-    const MoveRequest& request() const { return request_; }
     /// How the run ended; meaningful once buttonsEnabled().
     const MoveOutcome& outcome() const { return outcome_; }
 
@@ -68,9 +74,9 @@ Q_SIGNALS:
 private:
     std::vector<std::unique_ptr<Control>> controls_;
     UserInteraction& ui_;
-    FileOperations& disk_;
-    MoveRequest request_;
-    OverwriteAnswer& lastAnswer_;
+    Job job_;
+    QString folder_;  // what Explore opens
+    OverwriteAnswer* lastAnswer_;
     Runner runner_;
     QString results_;
     bool runDone_ = false;

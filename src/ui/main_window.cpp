@@ -22,6 +22,7 @@
 #include <QUrl>
 
 #include "forms/exclusion_form.h"
+#include "forms/restore_form.h"
 #include "ui/about_dialog.h"
 #include "ui/control_widgets.h"
 #include "ui/drawn_icons.h"
@@ -29,6 +30,7 @@
 #include "ui/folder_tree_model.h"
 #include "ui/frame_style.h"
 #include "ui/move_window.h"
+#include "ui/restore_window.h"
 #include "ui/twips.h"
 
 namespace tidewick {
@@ -80,6 +82,10 @@ MainWindow::MainWindow(MainForm& form, SettingsStore* store, QWidget* parent)
         MoveWindow results(move, this);
         results.exec();
     };
+    form_.showRestoreForm = [this](RestoreForm& restore) {
+        RestoreWindow chooser(restore, this);
+        chooser.exec();
+    };
     connect(&form_, &MainForm::webPageRequested, this,
             [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
     // Escape closes the window from whichever control has the focus.
@@ -94,6 +100,7 @@ MainWindow::MainWindow(MainForm& form, SettingsStore* store, QWidget* parent)
 MainWindow::~MainWindow() {
     form_.showMoveForm = nullptr;
     form_.showExclusionForm = nullptr;
+    form_.showRestoreForm = nullptr;
 }
 
 void MainWindow::load() {

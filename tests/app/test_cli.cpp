@@ -95,7 +95,7 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {move + QStringList{gone, "--only", "b.pk"}, 4, "",
          "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
         {move + QStringList{"  " + old + "  ", "--only", "b.pk"}, 0,  // trimmed where it enters
-         "Moving selected files to..." + old + "\nCommenced ", ""},
+         "Moving selected files to..." + old + "\nCommenced ", "the record of this move is"},
 
         {copy, 1, "", "--to TARGET is missing"},
         {copy + QStringList{"--to", gone}, 4, "",

@@ -64,7 +64,7 @@ echo "[exit $?]"; listing S)",
      false,
      R"(S="$W/S"; session S; printf abc > S/take.wav; mkdir cwd; cd cwd
 XDG_DATA_HOME=rel HOME="$W/home" move; cd ..; echo "cwd:[$(listing cwd)]"; listing home)",
-     {"take.wav...OK - 3 bytes moved.\n", "cwd:[]\n.local/share/Trash/files/take.wav 3"}},
+     {"take.wav...OK - 3 bytes moved.\n", "cwd:[]\n", ".local/share/Trash/files/take.wav 3"}},
     {"ARelativeHomeHasNoTrash",
      false,
      R"(S=S; session S; printf abc > S/take.wav; mkdir cwd; cd cwd

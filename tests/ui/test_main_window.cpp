@@ -281,8 +281,8 @@ TEST_F(MainWindowTest, KeepOtherFilesEditsTheExclusionListThatTheWindowSaves) {
 
 // "&Move Files" through the window: the confirmation, the overwrite question with the focus on
 // the first answer of a program run, the results window that comes alive when its run is over,
-// and the session read again after it closes.
-TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndReadsTheSessionAgain) {
+// and the session read again after it closes. "&Restore a Move..." then undoes the move.
+TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndRestoreUndoesIt) {
     qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
     QTemporaryDir target;
     for (const char* name : {"a.wav", "b.wav", "c.wav"}) {
@@ -308,6 +308,10 @@ TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndReadsTheSessionAgain)
     QString log;
     QTimer closer;  // the user, who reads the log and closes the window once they can
     QObject::connect(&closer, &QTimer::timeout, [&] {
+        if (auto* chooser = run->window.findChild<QDialog*>("Restore");
+            chooser && chooser->isVisible()) {
+            chooser->findChild<QPushButton*>("RestoreButton")->click();
+        }
         auto* results = run->window.findChild<QDialog*>("MoveForm");
         auto* close = results ? results->findChild<QPushButton*>("CloseButton") : nullptr;
         if (close != nullptr && close->isEnabled()) {
@@ -334,6 +338,14 @@ TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndReadsTheSessionAgain)
         << log.toStdString();
     EXPECT_EQ(shown("Unused"), "unused: Files to be Moved - [0/1]\n[ ] b.wav\n");
     EXPECT_EQ(run->form.Form_Unload().lastOverwriteAnswer, OverwriteAnswer::No);
+
+    run->ui.answers = {MessageAnswer::Yes};
+    run->window.findChild<QAction*>("mnuFileRestore")->trigger();
+    EXPECT_TRUE(run->ui.messages.value(1).text.startsWith("Put the 1 file(s) of the move of "));
+    EXPECT_TRUE(
+        log.contains("Restoring..." + dir.filePath("c.wav") + "...OK - 1,000 bytes restored."))
+        << log.toStdString();
+    EXPECT_EQ(shown("Unused"), "unused: Files to be Moved - [0/2]\n[ ] b.wav\n[ ] c.wav\n");
 }
 
 }  // namespace

@@ -1,7 +1,14 @@
 #include "app/cli/cli.h"
 
+#include <QFile>
 #include <atomic>
 #include <csignal>
+
+#include "fileops/move_run.h"
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
 
 namespace tidewick::cli {
 
@@ -16,10 +23,13 @@ const char* const kUsage =
     "                         [--only PATTERN]... [--overwrite no|yes] [--dry-run]\n"
     "       tidewick-cli copy-used FOLDER --kind K (--session NAME | --all) --to TARGET\n"
     "                              [--trim]\n"
+    "       tidewick-cli restore (RECORD | --last) [--dry-run]\n"
+    "       tidewick-cli restore --list\n"
     "  media   prints the media paths that a session file names, one a line\n"
     "  scan    prints the used media and the files to be moved, as the window shows them\n"
     "  move    moves the files to be moved to TARGET, their originals to the trash\n"
-    "  copy-used  copies the used files present on disk to TARGET\n";
+    "  copy-used  copies the used files present on disk to TARGET\n"
+    "  restore    puts the files of a recorded move back where they were\n";
 
 std::atomic<bool> gInterrupted{false};
 
@@ -37,6 +47,21 @@ void watchInterrupts() {
 
 bool interrupted() {
     return gInterrupted;
+}
+
+std::function<void(QString text)> logPrinter(QTextStream& out) {
+    const auto* file = qobject_cast<QFile*>(out.device());
+#ifdef Q_OS_UNIX
+    const bool live = file != nullptr && ::isatty(file->handle());
+#else
+    const bool live = file != nullptr;
+#endif
+    return [&out, live](QString text) {
+        out << text.replace(kLogLineEnd, QStringLiteral("\n"));
+        if (live) {
+            out.flush();
+        }
+    };
 }
 
 int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
@@ -58,6 +83,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     if (command == QLatin1String("copy-used")) {
         return runCopyUsed(rest, out, err);
+    }
+    if (command == QLatin1String("restore")) {
+        return runRestore(rest, out, err);
     }
     err << "tidewick-cli: unknown command '" << command << "'\n" << kUsage;
     return UsageError;

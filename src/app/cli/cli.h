@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <QTextStream>
+#include <functional>
 
 // tidewick-cli: the command-line companion, on the same logic as the window.
 namespace tidewick::cli {
@@ -16,6 +17,10 @@ void watchInterrupts();
 bool interrupted();
 /// The exit code of a command stopped by an interrupt.
 constexpr int kInterrupted = 130;
+
+/// Prints the text of a results log to `out` as it comes, with the console's line ends; a
+/// terminal sees each line at once, a file or pipe takes them in blocks.
+std::function<void(QString text)> logPrinter(QTextStream& out);
 
 /// Runs the command line `arguments` (without the program name); output goes to `out`,
 /// messages to `err`. Returns the exit code.
@@ -33,6 +38,10 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// [--store-in-sub-folder] [--exclude PATTERN]... [--only PATTERN]... [--overwrite no|yes]
 /// [--dry-run]`: moves the files to be moved, as the results window does, and prints its log.
 int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err);
+
+/// `restore (RECORD | --last) [--dry-run]`, `restore --list`: puts the files of a recorded move
+/// back, or lists the records.
+int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
 /// `copy-used FOLDER --kind K (--session NAME | --all) --to TARGET [--trim]`: copies the used
 /// files present on disk into TARGET (made when missing, one level deep) and prints how many.

@@ -1,6 +1,6 @@
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
-#include "fileops/move_run.h"
+#include "fileops/move_record.h"
 #include "platform/path_text.h"
 #include "platform/wildcard.h"
 
@@ -107,13 +107,15 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return Success;
     }
     MoveEvents events;
-    events.log = [&out](QString text) {
-        out << text.replace(kLogLineEnd, QStringLiteral("\n"));
-        out.flush();
-    };
+    events.log = logPrinter(out);
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
     events.stopRequested = interrupted;
-    const MoveOutcome outcome = tidewick::runMove(request, disk, events);
+    QString record;
+    const MoveOutcome outcome =
+        runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+    if (!record.isEmpty()) {
+        err << "tidewick-cli move: the record of this move is " << visibleText(record) << '\n';
+    }
     out << '\n';
     if (interrupted()) {
         return kInterrupted;

@@ -1,0 +1,269 @@
+#include "fileops/restore.h"
+
+#include <QFile>
+#include <cerrno>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/number_text.h"
+
+namespace tidewick {
+
+namespace {
+
+// A change time may come back a little coarser from a file system that keeps whole seconds.
+constexpr qint64 kTimeSlack = 2'000'000'000;
+
+// Runs the steps handed to it on a thread of its own, in the order given, until it is
+// destroyed: the copies of restored files go to the trash there while the next files come
+// back, the two renames of a file being in different folders.
+class Follower {
+public:
+    Follower() : thread_([this] { work(); }) {}
+    ~Follower() {
+        {
+            const std::lock_guard lock(mutex_);
+            ended_ = true;
+        }
+        wake_.notify_one();
+        thread_.join();
+    }
+    Follower(const Follower&) = delete;
+    Follower& operator=(const Follower&) = delete;
+
+    void add(std::function<void()> step) {
+        {
+            const std::lock_guard lock(mutex_);
+            steps_.push_back(std::move(step));
+        }
+        wake_.notify_one();
+    }
+
+private:
+    void work() {
+        std::vector<std::function<void()>> batch;
+        for (;;) {
+            {
+                std::unique_lock lock(mutex_);
+                wake_.wait(lock, [this] { return !steps_.empty() || ended_; });
+                if (steps_.empty()) {
+                    return;
+                }
+                batch.swap(steps_);
+            }
+            for (const std::function<void()>& step : batch) {
+                step();
+            }
+            batch.clear();
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::vector<std::function<void()>> steps_;
+    bool ended_ = false;
+    std::thread thread_;
+};
+
+class Restore {
+public:
+    Restore(const MoveRecord& record, FileOperations& disk, bool dryRun,
+            const RestoreEvents& events)
+        : record_(record), disk_(disk), dryRun_(dryRun), events_(events) {
+        for (const MovedFile& file : record.files) {
+            total_ += restorable(file) ? file.size : 0;
+        }
+    }
+
+    RestoreOutcome run() {
+        std::optional<Follower> follower;
+        if (!dryRun_) {
+            follower_ = &follower.emplace();
+        }
+        for (const MovedFile& file : record_.files) {
+            if (!restorable(file)) {
+                continue;
+            }
+            const QString result =
+                file.outcome == MovedFile::Outcome::Moved ? putBack(file) : takeCopyAway(file);
+            log(QStringLiteral("Restoring...") + file.source + result + kLogLineEnd);
+            done_ += file.size;
+            if (events_.progress) {
+                events_.progress(done_, total_);
+            }
+        }
+        follower.reset();  // every copy in the trash before the totals
+        if (outcome_.restored == 0 && outcome_.left == 0) {
+            log(kLogLineEnd +
+                QStringLiteral("Nothing to restore: the files of this move are where "
+                               "they were.") +
+                kLogLineEnd);
+        } else {
+            log(kLogLineEnd + restoreTotalsLine(outcome_.restored, outcome_.bytes, dryRun_) +
+                kLogLineEnd);
+        }
+        return outcome_;
+    }
+
+private:
+    static bool restorable(const MovedFile& file) {
+        return file.outcome == MovedFile::Outcome::Moved ||
+               file.outcome == MovedFile::Outcome::CopiedSourceKept;
+    }
+
+    // Whether `path` holds the file as the move found it: its size and time of change.
+    bool matches(const QString& path, const MovedFile& file) const {
+        const std::optional<FileStamp> stamp =
+            path.isEmpty() ? std::nullopt : disk_.entryStamp(path);
+        return stamp && stamp->size == file.size &&
+               std::abs(stamp->modified - file.modified) <= kTimeSlack;
+    }
+
+    // What a file at the source path of `file` means: the file back already, or another that
+    // took its name; empty when there is none.
+    QString atSource(const MovedFile& file) {
+        if (!disk_.entryStamp(file.source)) {
+            return {};
+        }
+        if (matches(file.source, file)) {
+            ++outcome_.inPlace;
+            return QStringLiteral("...Already in place");
+        }
+        return leave(file, QStringLiteral("another file now has its name"));
+    }
+
+    // A moved file: back from the trash, else from its copy in the target. The rename that
+    // brings it back never replaces a file, and tells when one has the name.
+    QString putBack(const MovedFile& file) {
+        const bool inTrash = matches(file.sourceTrash.file, file);
+        const bool inTarget = matches(file.destination, file);
+        if (dryRun_ || (!inTrash && !inTarget)) {
+            if (const QString there = atSource(file); !there.isEmpty()) {
+                return there;
+            }
+        }
+        if (!inTrash && !inTarget) {
+            return leave(file, QStringLiteral("neither the trash nor the target holds it as it "
+                                              "was moved"));
+        }
+        if (dryRun_) {
+            return planned(file, inTrash ? QStringLiteral("...would come back from the trash")
+                                         : QStringLiteral("...would come back from its copy in "
+                                                          "the target"));
+        }
+        const QString from = inTrash ? file.sourceTrash.file : file.destination;
+        FileResult failed = disk_.renameNoReplace(from, file.source);
+        if (failed && failed->code == EXDEV) {  // another disk: a whole copy, as the move made it
+            failed = disk_.copyFile(from, file.source, {false, false});
+            if (!failed && !inTrash) {
+                disk_.moveToTrash(from);
+            }
+        }
+        if (failed && failed->code == EEXIST) {
+            if (const QString there = atSource(file); !there.isEmpty()) {
+                return there;
+            }
+        }
+        if (failed) {
+            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        }
+        if (inTrash && inTarget) {
+            follower_->add([this, &file] {
+                disk_.trashInPlaceOf(file.sourceTrash, file.destination);  // where the source was
+                replacedBack(file);
+            });
+        } else {
+            if (inTrash) {
+                QFile::remove(file.sourceTrash.info);
+            }
+            replacedBack(file);
+        }
+        return restored(file);
+    }
+
+    // A file whose source stayed: only its copy in the target goes, to the trash.
+    QString takeCopyAway(const MovedFile& file) {
+        if (!matches(file.destination, file)) {
+            ++outcome_.inPlace;
+            return QStringLiteral("...Already in place");
+        }
+        if (dryRun_) {
+            return planned(file, QStringLiteral("...its copy in the target would go to the trash"));
+        }
+        if (const FileResult failed = disk_.moveToTrash(file.destination)) {
+            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        }
+        replacedBack(file);
+        return restored(file);
+    }
+
+    // The file that the move's copy replaced in the target comes back from the trash.
+    void replacedBack(const MovedFile& file) {
+        if (!file.replaced.file.isEmpty() && disk_.entryStamp(file.replaced.file) &&
+            !disk_.entryStamp(file.destination) &&
+            !disk_.renameNoReplace(file.replaced.file, file.destination)) {
+            QFile::remove(file.replaced.info);
+        }
+    }
+
+    QString restored(const MovedFile& file) {
+        ++outcome_.restored;
+        outcome_.bytes += file.size;
+        return QStringLiteral("...OK - ") + groupedNumber(file.size) +
+               QStringLiteral(" bytes restored.");
+    }
+
+    // A dry run counts what it would restore as the run would.
+    QString planned(const MovedFile& file, const QString& how) {
+        ++outcome_.restored;
+        outcome_.bytes += file.size;
+        return how;
+    }
+
+    QString leave(const MovedFile& file, const QString& why) {
+        ++outcome_.left;
+        const QString where = matches(file.sourceTrash.file, file) ? file.sourceTrash.file
+                              : matches(file.destination, file)    ? file.destination
+                                                                   : QString();
+        const QString text =
+            why +
+            (where.isEmpty() ? QString() : QStringLiteral("; the moved file stays at ") + where);
+        if (events_.left) {
+            events_.left(file.source + QStringLiteral(": ") + text);
+        }
+        return QStringLiteral("...Not restored - ") + text;
+    }
+
+    void log(const QString& text) const {
+        if (events_.log) {
+            events_.log(text);
+        }
+    }
+
+    const MoveRecord& record_;
+    FileOperations& disk_;
+    const bool dryRun_;
+    const RestoreEvents& events_;
+    Follower* follower_ = nullptr;
+    RestoreOutcome outcome_;
+    qint64 total_ = 0;
+    qint64 done_ = 0;
+};
+
+}  // namespace
+
+RestoreOutcome restoreMove(const MoveRecord& record, FileOperations& disk, bool dryRun,
+                           const RestoreEvents& events) {
+    return Restore(record, disk, dryRun, events).run();
+}
+
+QString restoreTotalsLine(qint64 files, qint64 bytes, bool dryRun) {
+    const QString what = dryRun ? QStringLiteral(" to Restore") : QStringLiteral(" Restored");
+    return QStringLiteral("Files") + what + QStringLiteral(": ") + groupedNumber(files) +
+           QStringLiteral(" - Bytes") + what + QStringLiteral(":  ") + groupedNumber(bytes) +
+           QStringLiteral(" (") + megabyteText(bytes) + QStringLiteral("Mb)");
+}
+
+}  // namespace tidewick

@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+
+#include <QDirIterator>
+#include <QLocale>
+#include <QRegularExpression>
+#include <QTextStream>
+#include <functional>
+
+#include "app/cli/cli.h"
+#include "fileops/move_record.h"
+#include "support/reader_fixture.h"
+
+// A move undone with `tidewick-cli restore`, on the real disk and the real trash: what the
+// session folder and the target hold afterwards, byte for byte, whatever happened in between.
+namespace tidewick {
+namespace {
+
+struct RestoreCase {
+    const char* name;
+    const char* inTarget;  // files of 10 bytes in Old before the move (replaced by it)
+    std::function<void(const QString& root, const QString& record)> between;
+    int code;
+    QStringList shown;       // what `restore` prints, in order
+    const char *song, *old;  // what Song and Old hold afterwards ("name:content", "|" between)
+};
+
+void PrintTo(const RestoreCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+const auto kNothing = [](const QString&, const QString&) {};
+const QString kBack = "a.wav:aaaa|b.wav:bbbb";
+
+void removeAll(const QString& folder) {
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+}
+
+const RestoreCase kCases[] = {
+    {"MovedFilesComeBackFromTheTrash",
+     "",
+     kNothing,
+     0,
+     {"a.wav...OK - 4 bytes restored.", "Files Restored: 2 - Bytes Restored:  8"},
+     "a.wav:aaaa|b.wav:bbbb",
+     ""},
+    {"AnEmptiedTrashLeavesTheTargetCopies",
+     "",
+     [](const QString& root, const QString&) { removeAll(root + "/data/Trash"); },
+     0,
+     {"b.wav...OK - 4 bytes restored."},
+     "a.wav:aaaa|b.wav:bbbb",
+     ""},
+    {"DeletedCopiesLeaveTheTrash",
+     "",
+     [](const QString& root, const QString&) { removeAll(root + "/Old"); },
+     0,
+     {"Files Restored: 2"},
+     "a.wav:aaaa|b.wav:bbbb",
+     ""},
+    {"ANewFileAtTheSourceStaysAndTheMovedOneToo",
+     "",
+     [](const QString& root, const QString&) { test::writeFile(root + "/Song/a.wav", "new"); },
+     4,
+     {"a.wav...Not restored - another file now has its name", "b.wav...OK"},
+     "a.wav:new|b.wav:bbbb",
+     "a.wav:aaaa"},
+    {"FilesTheMoveReplacedComeBack",
+     "a.wav",
+     kNothing,
+     0,
+     {"Files Restored: 2"},
+     "a.wav:aaaa|b.wav:bbbb",
+     "a.wav:xxxxxxxxxx"},
+    {"ARunCutShortRestoresWhatItMoved",
+     "",
+     [](const QString&, const QString& record) {
+         QFile file(record);  // the end and half of the last file's line never written
+         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+         const QByteArray bytes = file.readAll();
+         const qsizetype end = bytes.lastIndexOf('\n', bytes.size() - 2);
+         file.resize(bytes.lastIndexOf('\n', end - 1) + 20);
+     },
+     0,
+     {"a.wav...OK", "Files Restored: 1"},
+     "a.wav:aaaa",
+     "b.wav:bbbb"},
+    {"ASecondRestoreChangesNothing",
+     "",
+     [](const QString&, const QString& record) {
+         QString out;
+         QTextStream stream(&out);
+         cli::run({"restore", record}, stream, stream);
+     },
+     0,
+     {"a.wav...Already in place", "Nothing to restore"},
+     "a.wav:aaaa|b.wav:bbbb",
+     ""},
+    {"ADamagedRecordIsRefused",
+     "",
+     [](const QString&, const QString& record) { test::writeFile(record, "{\"moves\": 1}\n"); },
+     2,
+     {"cannot be read: it is no record of a Tidewick move"},
+     "",
+     "a.wav:aaaa|b.wav:bbbb"},
+};
+
+class RestoreCases : public ::testing::TestWithParam<RestoreCase> {
+protected:
+    // "name:content" of each file under `folder`, hidden ones too.
+    static QString contents(const QString& folder) {
+        QStringList found;
+        QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            found << QDir(folder).relativeFilePath(path) + ':' + test::readFile(path);
+        }
+        found.sort();
+        return found.join('|');
+    }
+};
+
+TEST_P(RestoreCases, PutsTheFoldersBackAsTheyWereAndLosesNothing) {
+    const RestoreCase& c = GetParam();
+    QTemporaryDir root;
+    qputenv("XDG_DATA_HOME", root.filePath("data").toUtf8());
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    ASSERT_TRUE(test::writeFile(root.filePath("Song/a.wav"), "aaaa") &&
+                test::writeFile(root.filePath("Song/b.wav"), "bbbb") &&
+                QDir().mkpath(root.filePath("Old")));
+    for (const QString& name : test::texts(c.inTarget)) {
+        ASSERT_TRUE(test::writeFile(root.filePath("Old/" + name), "xxxxxxxxxx"));
+    }
+    MoveRequest request;
+    request.sessionFolder = root.filePath("Song");
+    request.targetText = root.filePath("Old");
+    request.items = {{"a.wav", true}, {"b.wav", true}};
+    MoveEvents events;
+    events.askOverwrite = [](const QString&) { return OverwriteAnswer::YesToAll; };
+    FileOperations disk;
+    QString record;
+    runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+    ASSERT_TRUE(record.startsWith(root.filePath("data/Tidewick/moves/")));
+    c.between(root.path(), record);
+
+    // A dry run changes nothing, and says what would come back.
+    const QString before = contents(root.path());
+    QString out;
+    QTextStream stream(&out);
+    cli::run({"restore", record, "--dry-run"}, stream, stream);
+    EXPECT_EQ(contents(root.path()), before);
+
+    out.clear();
+    EXPECT_EQ(cli::run({"restore", record}, stream, stream), c.code);
+    stream.flush();
+    qsizetype from = 0;
+    for (const QString& expected : c.shown) {
+        from = out.indexOf(expected, from);
+        EXPECT_GE(from, 0) << expected.toStdString() << "\nin:\n" << out.toStdString();
+    }
+    EXPECT_EQ(contents(root.filePath("Song")), QString(c.song));
+    EXPECT_EQ(contents(root.filePath("Old")), QString(c.old));
+    // Every byte moved is somewhere: back in Song, in Old, or in the trash, whose every record
+    // has its file and names the folder it came from.
+    const QString all = contents(root.path());
+    EXPECT_TRUE(all.contains(":aaaa") && all.contains(":bbbb")) << all.toStdString();
+    const QDir info(root.filePath("data/Trash/info"));
+    for (const QString& record : info.entryList(QDir::Files)) {
+        const QString name = record.chopped(QString(".trashinfo").size());
+        EXPECT_TRUE(QFile::exists(root.filePath("data/Trash/files/" + name))) << name.toStdString();
+        const QString text = test::readFile(info.filePath(record));
+        const QString was = QString(name).remove(QRegularExpression(" \\d+(?=\\.wav$)"));
+        EXPECT_TRUE(text.contains("Path=" + root.filePath("Old/" + was) + '\n') ||
+                    text.contains("Path=" + root.filePath("Song/" + was) + '\n'))
+            << text.toStdString();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Restores, RestoreCases, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Restore, ListsTheRecordsNewestFirst) {
+    QTemporaryDir root;
+    qputenv("XDG_DATA_HOME", root.filePath("data").toUtf8());
+    const QString moves = root.filePath("data/Tidewick/moves");
+    ASSERT_TRUE(test::writeFile(moves + "/2026-01-01T10-00-00-1.jsonl",
+                                "{\"tidewickMove\":1,\"started\":\"2026-01-01T10:00:00\","
+                                "\"sessionFolder\":\"/old\"}\n"));
+    ASSERT_TRUE(test::writeFile(moves + "/2026-02-01T10-00-00-1.jsonl",
+                                "{\"tidewickMove\":1,\"started\":\"2026-02-01T10:00:00\","
+                                "\"sessionFolder\":\"/new\"}\n{\"finished\":\"\"}\n"));
+    QString out;
+    QTextStream stream(&out);
+    EXPECT_EQ(cli::run({"restore", "--list"}, stream, stream), 0);
+    stream.flush();
+    EXPECT_LT(out.indexOf("/new  0 file(s)  0 bytes\n"),
+              out.indexOf("/old  0 file(s)  0 bytes  (cut short)"));
+    EXPECT_EQ(cli::run({"restore"}, stream, stream), 1);
+    EXPECT_EQ(cli::run({"restore", "--last", moves}, stream, stream), 1);
+}
+
+}  // namespace
+}  // namespace tidewick
