@@ -74,8 +74,9 @@ qsizetype utf8SequenceLength(QByteArrayView bytes) {
 
 // One readdir pass and one stat per file: the directory entry's type says whether a name is a
 // file or a link, and the stat gives the size (of the target, for a link) in the same call.
+// The folders themselves (no links to them) go into `folders`, when given.
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
-                              const FileSystem::NameTest& wanted) {
+                              const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
     QList<FolderEntry> entries;
     DIR* dir = ::opendir(encodeFileName(folder).constData());
     if (dir == nullptr) {
@@ -95,11 +96,19 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
         }
         struct stat info {};
         bool link = entry->d_type == DT_LNK;
+        bool isFolder = entry->d_type == DT_DIR;
         if (entry->d_type == DT_UNKNOWN) {
             if (::fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
                 continue;
             }
             link = S_ISLNK(info.st_mode);
+            isFolder = S_ISDIR(info.st_mode);
+        }
+        if (isFolder) {
+            if (folders != nullptr) {
+                folders->append(decoded);
+            }
+            continue;
         }
         if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) {
             continue;  // a folder, pipe, socket or device
@@ -143,7 +152,15 @@ QList<SubFolder> readSubFolders(const QString& folder) {
 }
 #else
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
-                              const FileSystem::NameTest& wanted) {
+                              const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
+    if (folders != nullptr) {
+        QDirIterator dirs(folder,
+                          QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::NoSymLinks);
+        while (dirs.hasNext()) {
+            dirs.next();
+            folders->append(dirs.fileName());
+        }
+    }
     QList<FolderEntry> entries;
     QDirIterator it(folder, withHidden ? QDir::Files | QDir::Hidden : QDir::Files);
     while (it.hasNext()) {
@@ -261,6 +278,14 @@ QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
     QList<SubFolder> folders = readSubFolders(folder);
     sortByName(folders);
     return folders;
+}
+
+FileSystem::Contents FileSystem::listContents(const QString& folder) const {
+    Contents contents;
+    contents.files = readFolder(folder, true, {}, &contents.folders);
+    sortByName(contents.files);
+    contents.folders.sort(Qt::CaseInsensitive);
+    return contents;
 }
 
 std::optional<FileStamp> FileSystem::fileStamp(const QString& path) const {

@@ -87,6 +87,15 @@ public:
     /// sorted by name ignoring case; empty when the folder cannot be read.
     virtual QList<SubFolder> listFolders(const QString& folder) const;
 
+    /// One reading of `folder`: its files as listFiles lists them with the hidden ones, and
+    /// the folders it holds itself, hidden ones too, by name, sorted ignoring case: never a
+    /// link to a folder, so that a walk of a tree visits each folder once and stays in it.
+    struct Contents {
+        QList<FolderEntry> files;
+        QStringList folders;
+    };
+    virtual Contents listContents(const QString& folder) const;
+
     /// The length and modification time of the file `path` (of a link's target); nothing when
     /// there is no such file.
     virtual std::optional<FileStamp> fileStamp(const QString& path) const;

@@ -144,10 +144,8 @@ private:
         // that folder is found only in host form.
         toHostSeparators(r);
         entry.hasValue = true;
-        entry.existsAsIs = folderExists(r);
-        entry.absolute = QDir::isAbsolutePath(r);
-        entry.existsInProject = !r.isEmpty() && folderExists(projectFolder_ + r);
         entry.value = std::move(r);
+        checkRecordPath(entry, {projectFolder_, fs_});
         return entry;
     }
 
@@ -232,11 +230,6 @@ private:
         return line;
     }
 
-    // A text with a zero character names no folder; the file system would only warn about it.
-    bool folderExists(const QString& path) const {
-        return fs_ != nullptr && !path.contains(QChar(u'\0')) && fs_->FolderExists(path);
-    }
-
     bool containsUrlPrefix(QStringView path) const {
         // Looked for only where a "u" or "U" stands, so a path without one costs one pass.
         for (qsizetype at = 0; at + kUrlPrefixLength <= path.size(); ++at) {
@@ -261,6 +254,17 @@ private:
 };
 
 }  // namespace
+
+void checkRecordPath(RecordPathLine& line, const SessionPlace& place) {
+    // A text with a zero character names no folder; the file system would only warn about it.
+    const auto folderExists = [&place](const QString& path) {
+        return place.fs != nullptr && !path.contains(QChar(u'\0')) && place.fs->FolderExists(path);
+    };
+    const QString& value = line.value;
+    line.existsAsIs = folderExists(value);
+    line.absolute = QDir::isAbsolutePath(value);
+    line.existsInProject = !value.isEmpty() && folderExists(withSeparator(place.folder) + value);
+}
 
 SessionRead readRppSession(QByteArrayView bytes, const SessionPlace& place) {
     return RppRead(bytes, place).run();

@@ -16,6 +16,10 @@ namespace tidewick {
 /// to look on; without a disk no folder exists.
 SessionRead readRppSession(QByteArrayView bytes, const SessionPlace& place);
 
+/// Asks the disk of `place` what a RECORD_PATH line's value names: a folder as it stands, a
+/// folder of the project folder. A line read earlier is asked again before it is used again.
+void checkRecordPath(RecordPathLine& line, const SessionPlace& place);
+
 /// The record folder after one RECORD_PATH line of a project in `projectFolder` (which ends
 /// with a separator), starting from `recordFolder`. In a single-project load a line sets the
 /// folder: an absolute existing folder as it stands, an existing sub-folder of the project, else

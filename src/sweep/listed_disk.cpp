@@ -4,30 +4,73 @@
 
 namespace tidewick {
 
-const ListedDisk::Listing& ListedDisk::listing(const QString& folder) const {
+ListedDisk::Held ListedDisk::listing(const QString& folder) const {
     const QString key = withSeparator(folder);
-    auto it = listings_.find(key);
-    if (it == listings_.end()) {
-        // One reading with the hidden files, which the session lists want, and the view without
-        // them, which the other lists want.
-        Listing listing;
-        listing.entries = disk_.listFiles(folder, true);
-        listing.names.reserve(listing.entries.size());
-        for (qsizetype i = 0; i < listing.entries.size(); ++i) {
-            listing.names.insert(listing.entries[i].name, i);
-            if (!listing.entries[i].name.startsWith(u'.')) {
-                listing.visible.append(listing.entries[i]);
+    {
+        const std::lock_guard lock(mutex_);
+        if (const auto it = listings_.constFind(key); it != listings_.constEnd()) {
+            return *it;
+        }
+    }
+    Held read = listingOf(disk_.listFiles(folder, true));  // a thread that came first wins
+    const std::lock_guard lock(mutex_);
+    return *listings_.insert(key, listings_.value(key, read));
+}
+
+std::pair<ListedDisk::Held, qsizetype> ListedDisk::entryOf(const QString& path) const {
+    qsizetype cut = path.size();
+    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
+        --cut;
+    }
+    Held listed;
+    {
+        const std::lock_guard lock(mutex_);
+        listed = listings_.value(path.left(cut));
+    }
+    const qsizetype at = listed ? listed->names().value(path.mid(cut), -1) : -1;
+    return {at >= 0 ? std::move(listed) : nullptr, at};
+}
+
+ListedDisk::Held ListedDisk::listingOf(QList<FolderEntry> entries) {
+    auto listing = std::make_shared<Listing>();
+    listing->entries = std::move(entries);
+    return listing;
+}
+
+void ListedDisk::Listing::index() const {
+    // One reading with the hidden files, which the session lists want, and the view without
+    // them, which the other lists want.
+    std::call_once(indexed_, [this] {
+        names_.reserve(entries.size());
+        for (qsizetype i = 0; i < entries.size(); ++i) {
+            names_.insert(entries[i].name, i);
+            if (!entries[i].name.startsWith(u'.')) {
+                visible_.append(entries[i]);
             }
         }
-        it = listings_.insert(key, std::move(listing));
-    }
-    return *it;
+    });
+}
+
+const QList<FolderEntry>& ListedDisk::Listing::visible() const {
+    index();
+    return visible_;
+}
+
+const QHash<QString, qsizetype>& ListedDisk::Listing::names() const {
+    index();
+    return names_;
+}
+
+void ListedDisk::keep(const QString& folder, QList<FolderEntry> entries) {
+    Held listing = listingOf(std::move(entries));
+    const std::lock_guard lock(mutex_);
+    listings_.insert(withSeparator(folder), std::move(listing));
 }
 
 QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,
                                          const NameTest& wanted) const {
-    const Listing& listed = listing(folder);
-    const QList<FolderEntry>& entries = withHidden ? listed.entries : listed.visible;
+    const Held listed = listing(folder);
+    const QList<FolderEntry>& entries = withHidden ? listed->entries : listed->visible();
     if (!wanted) {
         return entries;
     }
@@ -41,31 +84,15 @@ QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,
 }
 
 QList<FileId> ListedDisk::fileIds(const QString& path) const {
-    qsizetype cut = path.size();
-    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
-        --cut;
-    }
-    const auto it = listings_.constFind(path.left(cut));
-    if (it != listings_.constEnd()) {
-        const auto at = it->names.constFind(path.mid(cut));
-        if (at != it->names.constEnd() && !it->entries[*at].isLink &&
-            it->entries[*at].id.isKnown()) {
-            return {it->entries[*at].id};
-        }
+    if (const auto [listed, at] = entryOf(path);
+        listed && !listed->entries[at].isLink && listed->entries[at].id.isKnown()) {
+        return {listed->entries[at].id};
     }
     return disk_.fileIds(path);
 }
 
 bool ListedDisk::FileExists(const QString& path) const {
-    qsizetype cut = path.size();
-    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
-        --cut;
-    }
-    const auto it = listings_.constFind(path.left(cut));
-    if (it != listings_.constEnd() && it->names.contains(path.mid(cut))) {
-        return true;
-    }
-    return disk_.FileExists(path);
+    return entryOf(path).first != nullptr || disk_.FileExists(path);
 }
 
 }  // namespace tidewick

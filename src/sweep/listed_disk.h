@@ -2,12 +2,14 @@
 
 #include <QHash>
 #include <QSet>
+#include <memory>
+#include <mutex>
 
 #include "platform/file_system.h"
 
 // The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
 // known to exist without asking the disk again. A name the listing lacks (a file of another
-// folder, a pipe) is asked of the disk itself.
+// folder, a pipe) is asked of the disk itself. Threads may ask it side by side.
 namespace tidewick {
 
 class ListedDisk : public FileSystem {
@@ -23,6 +25,10 @@ public:
     std::optional<FileStamp> fileStamp(const QString& path) const override {
         return disk_.fileStamp(path);
     }
+    /// Takes in the listing of `folder` (with the hidden files) made elsewhere, as its own
+    /// reading would have made it.
+    void keep(const QString& folder, QList<FolderEntry> entries);
+
     /// From the listing for a file of a listed folder that is no link (and nothing for a name
     /// that the listing lacks); asked of the disk for any other.
     QList<FileId> fileIds(const QString& path) const override;
@@ -30,13 +36,27 @@ public:
 private:
     struct Listing {
         QList<FolderEntry> entries;  // hidden ones too
-        QList<FolderEntry> visible;
-        QHash<QString, qsizetype> names;  // the position of each name in `entries`
+        // The view without hidden files and the position of each name in `entries`, made when
+        // first asked for: a walk of a library keeps many listings that no one looks into.
+        const QList<FolderEntry>& visible() const;
+        const QHash<QString, qsizetype>& names() const;
+
+    private:
+        void index() const;
+        mutable std::once_flag indexed_;
+        mutable QList<FolderEntry> visible_;
+        mutable QHash<QString, qsizetype> names_;
     };
-    const Listing& listing(const QString& folder) const;
+    using Held = std::shared_ptr<const Listing>;
+    // The listing of `folder`, read now when it was not yet.
+    Held listing(const QString& folder) const;
+    // The listing of the folder of `path` and the position of its name there, when held.
+    std::pair<Held, qsizetype> entryOf(const QString& path) const;
+    static Held listingOf(QList<FolderEntry> entries);
 
     const FileSystem& disk_;
-    mutable QHash<QString, Listing> listings_;  // by folder, with its separator
+    mutable std::mutex mutex_;
+    mutable QHash<QString, Held> listings_;  // by folder, with its separator
 };
 
 }  // namespace tidewick

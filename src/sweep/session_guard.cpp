@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "platform/path_text.h"
+#include "readers/import_rpp.h"
 #include "sweep/sweep.h"
 
 // The folder's other sessions, of every kind, guard the files they use: a file that any session
@@ -11,30 +12,6 @@
 namespace tidewick {
 
 namespace {
-
-// A path a session names, in host form: the "\" of a session saved on Windows becomes "/".
-QString hostForm(QString path) {
-    if (hostSeparator() == u'/') {
-        path.replace(u'\\', u'/');
-    }
-    return path;
-}
-
-// The files a path of the session in `folder` (with its separator) may name, as a load of that
-// session resolves it with "Ignore Leading Folder names" and without: as written (a bare or
-// relative one in the session's folder), its last folder and name there, its name there.
-QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind) {
-    const QString path = hostForm(written);
-    const bool rooted = path.contains(u':') || (!path.isEmpty() && isPathSeparator(path[0]));
-    QStringList files = {rooted ? path : folder + path};
-    for (const QString& shortened :
-         {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
-        if (!shortened.isEmpty() && !files.contains(folder + shortened)) {
-            files.append(folder + shortened);
-        }
-    }
-    return files;
-}
 
 // A session that may guard the load: its file, kind, the folders its relative paths are read
 // against (its own; for a backup in a folder of backups, the session folder above it too) and
@@ -78,7 +55,28 @@ QString namedFrom(const QString& sessionFolder, const QString& path) {
     return path.startsWith(sessionFolder) ? path.mid(sessionFolder.size()) : path;
 }
 
+// A path a session names, in host form: the "\" of a session saved on Windows becomes "/".
+QString hostForm(QString path) {
+    if (hostSeparator() == u'/') {
+        path.replace(u'\\', u'/');
+    }
+    return path;
+}
+
 }  // namespace
+
+QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind) {
+    const QString path = hostForm(written);
+    const bool rooted = path.contains(u':') || (!path.isEmpty() && isPathSeparator(path[0]));
+    QStringList files = {rooted ? path : folder + path};
+    for (const QString& shortened :
+         {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
+        if (!shortened.isEmpty() && !files.contains(folder + shortened)) {
+            files.append(folder + shortened);
+        }
+    }
+    return files;
+}
 
 QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind*, QString>>& files,
                                          const FileSystem& fs) {
@@ -92,6 +90,12 @@ QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind
         if (stamps[i] && known != entries_.constEnd() && known->stamp == *stamps[i] &&
             known->kind == kind->id) {
             reads[i] = known->read;
+            // What the disk said of a record path then may no longer hold: it is asked again.
+            for (RecordPathLine& line : reads[i].recordPaths) {
+                if (line.hasValue) {
+                    checkRecordPath(line, {hostParentFolder(path), &fs});
+                }
+            }
         } else {
             missing.push_back(i);
         }

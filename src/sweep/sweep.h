@@ -55,6 +55,10 @@ struct SweepRequest {
     /// The folder's other sessions guard their media (sessionGuard); off only where a load is
     /// measured without them.
     bool guarded = true;
+    /// The sessions are taken from the load's SessionCache when their files are as they were
+    /// then (an audit, which reads each session once for every kind's load); a load the user
+    /// asks for reads them afresh.
+    bool reuseReads = false;
 };
 
 /// The options a load is made of, as the window's controls or the command line's arguments
@@ -234,10 +238,12 @@ ScanRange scanRange(const SweepRequest& request);
 /// D:\Audio\Song_Recorded\Take 1.wav gives Song_Recorded\Take 1.wav with "_Recorded".
 QString trimFolders(const QString& path, const QString& recordFolder);
 
+class SessionCache;
+
 /// Reads the sessions of the request and resolves every media path they name against the
-/// session folder and the disk.
+/// session folder and the disk; with `request.reuseReads`, from `cache` where it can.
 UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
-                        const SweepEvents& events = {});
+                        const SweepEvents& events = {}, SessionCache* cache = nullptr);
 
 /// The files of the session folder (and of its recordings and sub-folder) that no line of
 /// `used` names, for the record folder `recordFolder`; those that `used` keeps for a session
@@ -268,6 +274,9 @@ struct Sweep {
     /// The used test of the load, for listings made afterwards (another media type, the
     /// sub-folder row's folder).
     std::shared_ptr<UsedIndex> index;
+    /// The folders whose files the load looked at (with their separators): the session folder,
+    /// the recordings folders and the sub-folder row's folder.
+    QStringList folders;
 };
 
 /// Sessions read once and kept while their file stays as it was (its path, size and time of
@@ -280,6 +289,22 @@ public:
     /// the order of `files`.
     QList<SessionRead> readAll(const QList<std::pair<const SessionKind*, QString>>& files,
                                const FileSystem& fs);
+    /// Reads the one session `path` of `kind`, or takes it from memory.
+    SessionRead read(const SessionKind& kind, const QString& path, const FileSystem& fs) {
+        return readAll({{&kind, path}}, fs).constFirst();
+    }
+
+    /// One session held: its file's stamp when read, its kind and what its reader gave.
+    struct Entry {
+        FileStamp stamp;
+        SessionKindId kind;
+        SessionRead read;
+    };
+    /// Takes in a read made elsewhere (an index of sessions) for the file `path` as `entry`
+    /// says it was.
+    void remember(const QString& path, Entry entry) { entries_.insert(path, std::move(entry)); }
+    /// The sessions held, by path.
+    const QHash<QString, Entry>& entries() const { return entries_; }
 
     /// What the sessions of `folders` kept when last worked out, if each of them (its path and
     /// stamp in `stamps`) is as it was then.
@@ -289,11 +314,6 @@ public:
                   std::shared_ptr<const UsedIndex> table);
 
 private:
-    struct Entry {
-        FileStamp stamp;
-        SessionKindId kind;
-        SessionRead read;
-    };
     struct Guard {
         QList<std::pair<QString, FileStamp>> stamps;
         std::shared_ptr<const UsedIndex> table;
@@ -301,6 +321,12 @@ private:
     QHash<QString, Entry> entries_;
     QHash<QString, Guard> guards_;
 };
+
+/// The files the path `written` of a session of `kind` in `folder` (with its separator) may
+/// name, as a load resolves it with "Ignore Leading Folder names" and without: as written (a
+/// bare or relative one in the session's folder), its last folder and name there, its name
+/// there. Every use of a file by a session is judged by these.
+QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind);
 
 /// What the sessions of every kind in `folders` (and in their "Backups" and "Backup" folders)
 /// keep, as a used test of its own: the files each one uses, kept with its name as the session

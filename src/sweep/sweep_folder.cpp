@@ -43,7 +43,7 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
         disk.listFiles(request.folder);
     }
     Sweep sweep;
-    sweep.used = readUsedMedia(request, disk, events);
+    sweep.used = readUsedMedia(request, disk, events, cache);
     // A session file whose extension is longer than its kind's ("a.xmlx") was not read: with
     // nothing read, every file would look unused.
     const bool longExtension =
@@ -65,8 +65,9 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
             index->keep(otherFilePath(folder, line.keptFile), line.sessions.value(0), disk);
         }
     }
+    sweep.folders = listedFolders(request, listed.subFolder, disk);
     if (request.guarded) {
-        const QStringList folders = listedFolders(request, listed.subFolder, disk);
+        const QStringList& folders = sweep.folders;
         for (const QString& each : folders) {
             disk.listFiles(each);  // listed now, the guard's questions are answered from memory
         }

@@ -69,8 +69,10 @@ Resolved resolvePath(const QString& readPath, SessionKindId kind, const QString&
 // One load in progress: the lines so far and the set that keeps them distinct.
 class UsedMediaLoad {
 public:
-    UsedMediaLoad(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events)
-        : request_(request),
+    UsedMediaLoad(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events,
+                  SessionCache* cache)
+        : cache_(request.reuseReads ? cache : nullptr),
+          request_(request),
           kind_(*request.kind),
           fs_(fs),
           events_(events),
@@ -105,7 +107,8 @@ private:
         if (events_.reading) {
             events_.reading(fullName);
         }
-        const SessionRead read = readSessionFile(kind_, fullName, {request_.folder, &fs_});
+        const SessionRead read = cache_ ? cache_->read(kind_, fullName, fs_)
+                                        : readSessionFile(kind_, fullName, {request_.folder, &fs_});
         if (read.message) {
             tell({read.message->text, read.message->title, read.message->icon});
         }
@@ -179,6 +182,7 @@ private:
         }
     }
 
+    SessionCache* cache_;
     const SweepRequest& request_;
     const SessionKind& kind_;
     const FileSystem& fs_;
@@ -242,8 +246,8 @@ QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines, const QList
 }
 
 UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
-                        const SweepEvents& events) {
-    return UsedMediaLoad(request, fs, events).run();
+                        const SweepEvents& events, SessionCache* cache) {
+    return UsedMediaLoad(request, fs, events, cache).run();
 }
 
 QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {

@@ -25,11 +25,13 @@ const char* const kUsage =
     "                              [--trim]\n"
     "       tidewick-cli restore (RECORD | --last) [--dry-run]\n"
     "       tidewick-cli restore --list\n"
+    "       tidewick-cli audit ROOT [--json | --csv] [--missing]\n"
     "  media   prints the media paths that a session file names, one a line\n"
     "  scan    prints the used media and the files to be moved, as the window shows them\n"
     "  move    moves the files to be moved to TARGET, their originals to the trash\n"
     "  copy-used  copies the used files present on disk to TARGET\n"
-    "  restore    puts the files of a recorded move back where they were\n";
+    "  restore    puts the files of a recorded move back where they were\n"
+    "  audit      every session folder under ROOT: what it could free, what it is missing\n";
 
 std::atomic<bool> gInterrupted{false};
 
@@ -49,13 +51,17 @@ bool interrupted() {
     return gInterrupted;
 }
 
-std::function<void(QString text)> logPrinter(QTextStream& out) {
-    const auto* file = qobject_cast<QFile*>(out.device());
+bool isTerminal(QTextStream& stream) {
+    const auto* file = qobject_cast<QFile*>(stream.device());
 #ifdef Q_OS_UNIX
-    const bool live = file != nullptr && ::isatty(file->handle());
+    return file != nullptr && ::isatty(file->handle());
 #else
-    const bool live = file != nullptr;
+    return file != nullptr;
 #endif
+}
+
+std::function<void(QString text)> logPrinter(QTextStream& out) {
+    const bool live = isTerminal(out);
     return [&out, live](QString text) {
         out << text.replace(kLogLineEnd, QStringLiteral("\n"));
         if (live) {
@@ -86,6 +92,9 @@ int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     if (command == QLatin1String("restore")) {
         return runRestore(rest, out, err);
+    }
+    if (command == QLatin1String("audit")) {
+        return runAudit(rest, out, err);
     }
     err << "tidewick-cli: unknown command '" << command << "'\n" << kUsage;
     return UsageError;

@@ -18,6 +18,9 @@ bool interrupted();
 /// The exit code of a command stopped by an interrupt.
 constexpr int kInterrupted = 130;
 
+/// Whether `stream` writes to a terminal, where a person watches it as it comes.
+bool isTerminal(QTextStream& stream);
+
 /// Prints the text of a results log to `out` as it comes, with the console's line ends; a
 /// terminal sees each line at once, a file or pipe takes them in blocks.
 std::function<void(QString text)> logPrinter(QTextStream& out);
@@ -42,6 +45,9 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// `restore (RECORD | --last) [--dry-run]`, `restore --list`: puts the files of a recorded move
 /// back, or lists the records.
 int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err);
+/// `audit ROOT [--json | --csv] [--missing]`: every session folder under ROOT, what a load of all
+/// its sessions would offer and what it is missing, with a totals line.
+int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
 /// `copy-used FOLDER --kind K (--session NAME | --all) --to TARGET [--trim]`: copies the used
 /// files present on disk into TARGET (made when missing, one level deep) and prints how many.

@@ -1,0 +1,108 @@
+#include <QElapsedTimer>
+
+#include "app/cli/audit_output.h"
+#include "app/cli/cli.h"
+#include "audit/session_index.h"
+#include "platform/number_text.h"
+#include "platform/path_text.h"
+
+// `audit`: every session folder under a root, what each could free and what each is missing.
+namespace tidewick::cli {
+
+namespace {
+
+const char* const kAuditUsage = "usage: tidewick-cli audit ROOT [--json | --csv] [--missing]\n";
+
+// The audit's progress on a terminal, a few times a second, on one line that the next one
+// overwrites; nothing at all when stderr is a file or a pipe.
+class ProgressLine {
+public:
+    explicit ProgressLine(QTextStream& err) : err_(err), live_(isTerminal(err)) { clock_.start(); }
+
+    void show(const AuditProgress& progress) {
+        if (!live_ || (clock_.elapsed() - shown_ < 100 && shown_ > 0)) {
+            return;
+        }
+        shown_ = clock_.elapsed();
+        err_ << "\r\x1b[Ktidewick-cli audit: "
+             << (progress.walking ? QStringLiteral("walking ") : QStringLiteral("auditing "))
+             << groupedNumber(progress.folders) << ' '
+             << (progress.walking ? QStringLiteral("folder(s), ")
+                                  : QStringLiteral("of ") + groupedNumber(progress.sessionFolders) +
+                                        QStringLiteral(" session folder(s), "))
+             << groupedNumber(progress.files) << " file(s), " << megabyteText(progress.bytes)
+             << "Mb, " << clock_.elapsed() / 1000 << " s";
+        err_.flush();
+    }
+
+    void clear() {
+        if (live_ && shown_ > 0) {
+            err_ << "\r\x1b[K";
+            err_.flush();
+        }
+    }
+
+private:
+    QTextStream& err_;
+    bool live_ = false;
+    QElapsedTimer clock_;
+    qint64 shown_ = 0;
+};
+
+}  // namespace
+
+int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+    QString root;
+    bool json = false, csv = false, missing = false;
+    for (const QString& argument : arguments) {
+        if (argument == QLatin1String("--json")) {
+            json = true;
+        } else if (argument == QLatin1String("--csv")) {
+            csv = true;
+        } else if (argument == QLatin1String("--missing")) {
+            missing = true;
+        } else if (argument.startsWith(QLatin1String("--")) || !root.isEmpty()) {
+            err << "tidewick-cli audit: unexpected argument '" << argument << "'\n" << kAuditUsage;
+            return UsageError;
+        } else {
+            root = argument;
+        }
+    }
+    if (root.isEmpty() || (json && csv)) {
+        err << kAuditUsage;
+        return UsageError;
+    }
+    const FileSystem disk;
+    if (!disk.FolderExists(root)) {
+        err << "tidewick-cli audit: no such folder: " << visibleText(root) << '\n';
+        return UsageError;
+    }
+    SessionIndex index;
+    if (!index.setAside().isEmpty()) {
+        err << "tidewick-cli audit: the index could not be used and was set aside as "
+            << visibleText(index.setAside()) << "; a new one is made\n";
+    }
+    ProgressLine line(err);
+    AuditEvents events;
+    events.progress = [&line](const AuditProgress& progress) { line.show(progress); };
+    events.stopRequested = interrupted;
+    const LibraryReport report = auditLibrary(root, disk, &index, events);
+    line.clear();
+    if (json) {
+        out << QString::fromUtf8(auditJson(report));
+    } else {
+        out << (csv ? auditCsv(report) : auditText(report, missing));
+    }
+    for (const FolderReport& folder : report.folders) {
+        if (folder.stopped) {
+            err << "tidewick-cli audit: " << visibleText(folder.folder) << ": "
+                << visibleText(folder.reason) << '\n';
+        }
+    }
+    if (interrupted()) {
+        return kInterrupted;
+    }
+    return report.stopped > 0 ? ReaderError : Success;
+}
+
+}  // namespace tidewick::cli

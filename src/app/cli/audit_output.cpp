@@ -1,0 +1,169 @@
+#include "app/cli/audit_output.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "platform/number_text.h"
+#include "platform/path_text.h"
+
+namespace tidewick::cli {
+
+namespace {
+
+QString bytesText(qint64 bytes) {
+    return groupedNumber(bytes) + QStringLiteral(" bytes (") + megabyteText(bytes) +
+           QStringLiteral("Mb)");
+}
+
+QString totalsLine(const LibraryReport& report) {
+    QString line = QStringLiteral("Totals: ") + groupedNumber(report.folders.size()) +
+                   QStringLiteral(" folder(s), ") + groupedNumber(report.sessions) +
+                   QStringLiteral(" session(s), ") + groupedNumber(report.used) +
+                   QStringLiteral(" used, ") + groupedNumber(report.missing) +
+                   QStringLiteral(" missing, reclaimable ") +
+                   groupedNumber(report.reclaimableFiles) + QStringLiteral(" file(s) ") +
+                   bytesText(report.reclaimableBytes);
+    if (report.stopped > 0) {
+        line += QStringLiteral("; ") + groupedNumber(report.stopped) +
+                QStringLiteral(" folder(s) stopped");
+    }
+    if (report.cancelled) {
+        line += QStringLiteral("; cancelled before the last folders");
+    }
+    return line;
+}
+
+// A field of a CSV row: quoted when it holds a comma, a quote or a line end.
+QString csvField(const QString& text) {
+    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
+        !text.contains(u'\r')) {
+        return text;
+    }
+    return u'"' + QString(text).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
+int sessionsOfKind(const FolderReport& folder, const SessionKind& kind) {
+    for (const auto& [id, names] : folder.sessions) {
+        if (id == kind.id) {
+            return int(names.size());
+        }
+    }
+    return 0;
+}
+
+QJsonObject folderJson(const FolderReport& folder) {
+    QJsonObject sessions;
+    for (const auto& [id, names] : folder.sessions) {
+        sessions.insert(sessionKind(id).tabCaption, QJsonArray::fromStringList(names));
+    }
+    QJsonArray missing;
+    for (const MissingMedia& media : folder.missing) {
+        QJsonArray candidates;
+        for (const Candidate& candidate : media.candidates) {
+            candidates.append(QJsonObject{{QStringLiteral("path"), candidate.path},
+                                          {QStringLiteral("size"), candidate.size}});
+        }
+        missing.append(
+            QJsonObject{{QStringLiteral("text"), media.text},
+                        {QStringLiteral("path"), media.path},
+                        {QStringLiteral("sessions"), QJsonArray::fromStringList(media.sessions)},
+                        {QStringLiteral("candidates"), candidates}});
+    }
+    QJsonArray kept;
+    for (const KeptElsewhere& file : folder.keptElsewhere) {
+        kept.append(QJsonObject{{QStringLiteral("path"), file.path},
+                                {QStringLiteral("size"), file.size},
+                                {QStringLiteral("usedBy"), file.usedBy}});
+    }
+    return {{QStringLiteral("folder"), folder.folder},
+            {QStringLiteral("sessions"), sessions},
+            {QStringLiteral("used"), folder.used},
+            {QStringLiteral("missing"), folder.missing.size()},
+            {QStringLiteral("reclaimable"),
+             QJsonObject{{QStringLiteral("files"), folder.reclaimable.size()},
+                         {QStringLiteral("bytes"), folder.reclaimableBytes}}},
+            {QStringLiteral("keptElsewhere"), kept},
+            {QStringLiteral("stopped"), folder.stopped},
+            {QStringLiteral("reason"), folder.reason},
+            {QStringLiteral("missingMedia"), missing}};
+}
+
+}  // namespace
+
+QString sessionsText(const FolderReport& folder) {
+    QStringList kinds;
+    for (const auto& [id, names] : folder.sessions) {
+        kinds.append(sessionKind(id).tabCaption + u' ' + QString::number(names.size()));
+    }
+    return kinds.join(QStringLiteral(", "));
+}
+
+QString auditText(const LibraryReport& report, bool missing) {
+    QString text;
+    for (const FolderReport& folder : report.folders) {
+        text += visibleText(folder.folder) + QStringLiteral("  ");
+        if (folder.stopped) {
+            text += QStringLiteral("stopped: ") + visibleText(folder.reason);
+        } else {
+            text += QStringLiteral("reclaimable ") + groupedNumber(folder.reclaimable.size()) +
+                    QStringLiteral(" file(s) ") + bytesText(folder.reclaimableBytes);
+        }
+        text += QStringLiteral("  sessions ") + sessionsText(folder) + QStringLiteral("  used ") +
+                groupedNumber(folder.used) + QStringLiteral("  missing ") +
+                groupedNumber(folder.missing.size()) + u'\n';
+        for (const MissingMedia& media : missing ? folder.missing : QList<MissingMedia>()) {
+            text += QStringLiteral("  missing ") + visibleText(media.text) + u'\n';
+            for (const Candidate& candidate : media.candidates) {
+                text += QStringLiteral("    may be ") + visibleText(candidate.path) +
+                        QStringLiteral("  ") + bytesText(candidate.size) + u'\n';
+            }
+            if (media.candidates.isEmpty()) {
+                text += QStringLiteral("    no file of that name in the library\n");
+            }
+        }
+    }
+    return text + totalsLine(report) + u'\n';
+}
+
+QString auditCsv(const LibraryReport& report) {
+    QString text = QStringLiteral("folder,sessions");
+    for (const SessionKind& kind : sessionKinds()) {
+        text += u',' + kind.tabCaption;
+    }
+    text += QStringLiteral(",used,missing,reclaimable_files,reclaimable_bytes,stopped,reason\n");
+    for (const FolderReport& folder : report.folders) {
+        text += csvField(folder.folder) + u',' + QString::number(folder.sessionCount());
+        for (const SessionKind& kind : sessionKinds()) {
+            text += u',' + QString::number(sessionsOfKind(folder, kind));
+        }
+        text += u',' + QString::number(folder.used) + u',' +
+                QString::number(folder.missing.size()) + u',' +
+                QString::number(folder.reclaimable.size()) + u',' +
+                QString::number(folder.reclaimableBytes) + u',' +
+                (folder.stopped ? QStringLiteral("yes") : QStringLiteral("no")) + u',' +
+                csvField(folder.reason) + u'\n';
+    }
+    return text;
+}
+
+QByteArray auditJson(const LibraryReport& report) {
+    QJsonArray folders;
+    for (const FolderReport& folder : report.folders) {
+        folders.append(folderJson(folder));
+    }
+    const QJsonObject totals{{QStringLiteral("folders"), report.folders.size()},
+                             {QStringLiteral("sessions"), report.sessions},
+                             {QStringLiteral("used"), report.used},
+                             {QStringLiteral("missing"), report.missing},
+                             {QStringLiteral("reclaimableFiles"), report.reclaimableFiles},
+                             {QStringLiteral("reclaimableBytes"), report.reclaimableBytes},
+                             {QStringLiteral("stopped"), report.stopped},
+                             {QStringLiteral("cancelled"), report.cancelled}};
+    return QJsonDocument(QJsonObject{{QStringLiteral("root"), report.root},
+                                     {QStringLiteral("folders"), folders},
+                                     {QStringLiteral("totals"), totals}})
+        .toJson(QJsonDocument::Indented);
+}
+
+}  // namespace tidewick::cli

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "audit/library_audit.h"
+
+// What `audit` prints: one line a folder and the totals, the same as CSV, or one JSON document.
+namespace tidewick::cli {
+
+/// "SESX 1, RPP 2": the folder's sessions by kind.
+QString sessionsText(const FolderReport& folder);
+
+/// A line a folder, largest reclaimable first, then the totals line; with `missing`, each
+/// missing file of a folder under its line, with the files of the library that may be it.
+QString auditText(const LibraryReport& report, bool missing);
+
+/// The same as CSV, with a header row.
+QString auditCsv(const LibraryReport& report);
+
+/// One document: the root, each folder (its sessions by kind, used and missing counts, the
+/// reclaimable files and bytes, the files kept for sessions of other folders and who keeps them,
+/// whether it stopped and why, each missing file with its candidates), and the totals.
+QByteArray auditJson(const LibraryReport& report);
+
+}  // namespace tidewick::cli

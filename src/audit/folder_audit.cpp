@@ -1,0 +1,129 @@
+#include "audit/folder_audit.h"
+
+#include <algorithm>
+
+#include "platform/path_text.h"
+
+namespace tidewick {
+
+namespace {
+
+// The load of all the sessions of `kind`, as "Check All" makes it with "All Files", the peak files
+// of used media kept and REAPER's record folder gathered by the sub-folder row.
+SweepRequest wholeLoad(const SessionKind& kind, const QString& folder, const QStringList& names) {
+    SweepOptions options;
+    options.kind = &kind;
+    options.folder = folder;
+    options.sessions = names;
+    options.wholeFolder = true;
+    options.keepPeaks = true;
+    options.subFolderChecked = kind.namesRecordFolder;
+    options.recordFolder = startingRecordFolder(kind, folder, true);
+    SweepRequest request = sweepRequest(options);
+    request.reuseReads = true;
+    return request;
+}
+
+// One folder's loads taken together: a file can be freed when some load offers it and no load
+// that looks at it keeps it (a peak file of another kind's media is an ordinary file to one load
+// and a kept peak file to its own).
+class FolderLoads {
+public:
+    // `alone`: the folder holds sessions of one kind, whose one load says all.
+    FolderLoads(const QString& folder, const FileSystem& disk, bool alone)
+        : folder_(folder), disk_(disk), alone_(alone) {}
+
+    // False when the load stopped at a session it could not read.
+    bool add(const Sweep& sweep, FolderReport& report) {
+        for (const UsedLine& line : sweep.used.lines) {
+            if (lines_.contains(line.path)) {
+                continue;
+            }
+            lines_.insert(line.path);
+            if (line.exists || !line.keptFile.isEmpty()) {
+                ++report.used;
+            } else {
+                report.missing.append({line.text, line.path, line.sessions, {}});
+            }
+        }
+        if (sweep.used.stopped) {
+            return false;
+        }
+        QSet<QString> offeredHere;
+        for (const OtherFile& other : sweep.others) {
+            // The listings join a clean folder and a name: the path is clean as it stands.
+            const QString path = otherFilePath(folder_, other.text);
+            offered_.insert(path, other.size);
+            offeredHere.insert(path);
+        }
+        if (!alone_) {
+            for (const QString& listed : sweep.folders) {
+                for (const FolderEntry& entry : disk_.listFiles(listed)) {
+                    if (const QString path = listed + entry.name; !offeredHere.contains(path)) {
+                        kept_.insert(path);
+                    }
+                }
+            }
+        }
+        return true;
+    }
+
+    void finish(FolderReport& report) const {
+        for (auto it = offered_.cbegin(); it != offered_.cend(); ++it) {
+            if (!kept_.contains(it.key())) {
+                report.reclaimable.append({it.key(), it.value()});
+                report.reclaimableBytes += it.value();
+            }
+        }
+        std::sort(report.reclaimable.begin(), report.reclaimable.end());
+    }
+
+private:
+    const QString& folder_;
+    const FileSystem& disk_;
+    const bool alone_;
+    QSet<QString> lines_;
+    QHash<QString, qint64> offered_;
+    QSet<QString> kept_;
+};
+
+}  // namespace
+
+qsizetype FolderReport::sessionCount() const {
+    qsizetype count = 0;
+    for (const auto& [kind, names] : sessions) {
+        count += names.size();
+    }
+    return count;
+}
+
+FolderReport auditFolder(const QString& folder,
+                         const QList<std::pair<const SessionKind*, QStringList>>& sessions,
+                         const FileSystem& disk, SessionCache& cache) {
+    FolderReport report;
+    report.folder = cleanHostPath(folder);
+    FolderLoads loads(folder, disk, sessions.size() == 1);
+    for (const auto& [kind, names] : sessions) {
+        report.sessions.append({kind->id, names});
+    }
+    for (const auto& [kind, names] : sessions) {
+        QString told;
+        SweepEvents events;
+        events.tell = [&told](const MessageBoxRequest& message) {
+            if (told.isEmpty()) {
+                told = message.text.simplified();
+            }
+        };
+        const Sweep sweep = sweepFolder(wholeLoad(*kind, folder, names), disk, events, &cache);
+        if (!loads.add(sweep, report)) {
+            report.stopped = true;
+            report.reason = QStringLiteral("Reading stopped at \"") + sweep.used.stoppedAt + u'"' +
+                            (told.isEmpty() ? QString() : QStringLiteral(": ") + told);
+            return report;
+        }
+    }
+    loads.finish(report);
+    return report;
+}
+
+}  // namespace tidewick

@@ -1,0 +1,228 @@
+#include "audit/recording_disk.h"
+
+#include <cstring>
+#include <type_traits>
+
+#include "platform/path_text.h"
+
+namespace tidewick {
+
+namespace {
+
+// The questions a folder's audit asks of the disk.
+enum Question : char {
+    kFileExists = 'e',
+    kFolderExists = 'd',
+    kFileSize = 's',
+    kListFiles = 'l',
+    kListFolders = 'f',
+    kFileStamp = 't',
+    kFileIds = 'i',
+    kCurrentDirectory = 'c',
+};
+
+// The bytes of answers, as the hash takes them in: each value's own bytes, a text after its
+// length. Nothing here outlives the run that wrote it but the hash.
+class Answer {
+public:
+    template <typename T>
+    Answer& operator<<(T value) {
+        static_assert(std::is_arithmetic_v<T>);
+        bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
+        return *this;
+    }
+    Answer& operator<<(const QString& text) {
+        *this << text.size();
+        bytes_.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        return *this;
+    }
+    const QByteArray& bytes() const { return bytes_; }
+
+private:
+    QByteArray bytes_;
+};
+
+// A question as the record keeps it: its kind, the length of its path and the path.
+QByteArray question(char kind, const QString& path) {
+    QByteArray bytes(1, kind);
+    return bytes.append((Answer() << path).bytes());
+}
+
+template <typename T>
+void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHash& hash) {
+    Answer answer;
+    answer << kind << path;
+    if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
+        // A listing is hashed whole (hidden files too), however the question narrowed it.
+        for (const FolderEntry& entry : value) {
+            answer << entry.name << entry.size << entry.isLink << entry.id.device << entry.id.inode;
+        }
+    } else if constexpr (std::is_same_v<T, QList<SubFolder>>) {
+        for (const SubFolder& folder : value) {
+            answer << folder.name << folder.mayHaveSubFolders;
+        }
+    } else if constexpr (std::is_same_v<T, std::optional<FileStamp>>) {
+        answer << value.has_value() << (value ? value->size : 0) << (value ? value->modified : 0);
+    } else if constexpr (std::is_same_v<T, QList<FileId>>) {
+        for (const FileId& id : value) {
+            answer << id.device << id.inode;
+        }
+    } else {
+        answer << value;
+    }
+    hash.addData(answer.bytes());
+}
+
+// The path of a question as noted (`question`).
+QString pathOf(const QByteArray& question) {
+    qsizetype length = 0;
+    std::memcpy(&length, question.constData() + 1, sizeof length);
+    return QString(reinterpret_cast<const QChar*>(question.constData() + 1 + sizeof length),
+                   length);
+}
+
+// The answer that `disk` gives now to one question, into `hash`.
+void answerNow(char kind, const QString& path, const FileSystem& disk, QCryptographicHash& hash) {
+    switch (kind) {
+        case kFileExists:
+            return hashAnswer(kind, path, disk.FileExists(path), hash);
+        case kFolderExists:
+            return hashAnswer(kind, path, disk.FolderExists(path), hash);
+        case kFileSize:
+            return hashAnswer(kind, path, disk.fileSize(path), hash);
+        case kListFiles:
+            return hashAnswer(kind, path, disk.listFiles(path, true), hash);
+        case kListFolders:
+            return hashAnswer(kind, path, disk.listFolders(path), hash);
+        case kFileStamp:
+            return hashAnswer(kind, path, disk.fileStamp(path), hash);
+        case kFileIds:
+            return hashAnswer(kind, path, disk.fileIds(path), hash);
+        default:
+            return hashAnswer(kind, path, disk.currentDirectory(), hash);
+    }
+}
+
+}  // namespace
+
+template <typename T>
+T RecordingDisk::noted(char kind, const QString& path, T value) const {
+    QByteArray asked = question(kind, path);
+    if (seen_.contains(asked)) {
+        return value;
+    }
+    seen_.insert(asked);
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hashAnswer(kind, path, value, hash);
+    bool byListing = false;
+    if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
+        QSet<QString>& files = listed_[withSeparator(path)];
+        for (const FolderEntry& entry : value) {
+            if (!entry.isLink && entry.id.isKnown()) {
+                files.insert(entry.name);
+            }
+        }
+    } else if constexpr (std::is_same_v<T, bool>) {
+        byListing = kind == kFileExists && value;
+    } else if constexpr (std::is_same_v<T, QList<FileId>>) {
+        byListing = value.size() == 1;
+    }
+    noted_.append({std::move(asked), hash.result(), byListing});
+    return value;
+}
+
+bool RecordingDisk::listed(const QString& path) const {
+    qsizetype cut = path.size();
+    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
+        --cut;
+    }
+    const auto it = listed_.constFind(path.left(cut));
+    return it != listed_.constEnd() && it->contains(path.mid(cut));
+}
+
+QByteArray RecordingDisk::questions() const {
+    QByteArray questions;
+    for (const Noted& noted : noted_) {
+        if (!noted.byListing || !listed(pathOf(noted.question))) {
+            questions += noted.question;
+        }
+    }
+    return questions;
+}
+
+QByteArray RecordingDisk::signature() const {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    for (const Noted& noted : noted_) {
+        if (!noted.byListing || !listed(pathOf(noted.question))) {
+            hash.addData(noted.answer);
+        }
+    }
+    return hash.result();
+}
+
+bool RecordingDisk::FileExists(const QString& path) const {
+    return noted(kFileExists, path, disk_.FileExists(path));
+}
+
+bool RecordingDisk::FolderExists(const QString& path) const {
+    return noted(kFolderExists, path, disk_.FolderExists(path));
+}
+
+qint64 RecordingDisk::fileSize(const QString& path) const {
+    return noted(kFileSize, path, disk_.fileSize(path));
+}
+
+QList<FolderEntry> RecordingDisk::listFiles(const QString& folder, bool withHidden,
+                                            const NameTest& wanted) const {
+    const QList<FolderEntry> all = noted(kListFiles, folder, disk_.listFiles(folder, true));
+    if (withHidden && !wanted) {
+        return all;
+    }
+    QList<FolderEntry> picked;
+    for (const FolderEntry& entry : all) {
+        if ((withHidden || !entry.name.startsWith(u'.')) && (!wanted || wanted(entry.name))) {
+            picked.append(entry);
+        }
+    }
+    return picked;
+}
+
+QList<SubFolder> RecordingDisk::listFolders(const QString& folder) const {
+    return noted(kListFolders, folder, disk_.listFolders(folder));
+}
+
+std::optional<FileStamp> RecordingDisk::fileStamp(const QString& path) const {
+    return noted(kFileStamp, path, disk_.fileStamp(path));
+}
+
+QList<FileId> RecordingDisk::fileIds(const QString& path) const {
+    return noted(kFileIds, path, disk_.fileIds(path));
+}
+
+QString RecordingDisk::currentDirectory() const {
+    return noted(kCurrentDirectory, {}, disk_.currentDirectory());
+}
+
+QByteArray replaySignature(const QByteArray& questions, const FileSystem& disk) {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    QCryptographicHash answer(QCryptographicHash::Sha1);
+    for (qsizetype at = 0; at < questions.size();) {
+        qsizetype length = 0;
+        if (questions.size() - at < qsizetype(1 + sizeof length)) {
+            return {};  // a damaged record matches nothing
+        }
+        std::memcpy(&length, questions.constData() + at + 1, sizeof length);
+        const qsizetype from = at + 1 + qsizetype(sizeof length);
+        if (length < 0 || length > (questions.size() - from) / 2) {
+            return {};
+        }
+        const QString path(reinterpret_cast<const QChar*>(questions.constData() + from), length);
+        answer.reset();
+        answerNow(questions[at], path, disk, answer);
+        hash.addData(answer.resultView());
+        at = from + 2 * length;
+    }
+    return hash.result();
+}
+
+}  // namespace tidewick

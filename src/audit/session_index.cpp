@@ -1,0 +1,389 @@
+#include "audit/session_index.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStandardPaths>
+#include <QVariant>
+
+#include "audit/index_packing.h"
+#include "platform/path_text.h"
+#include "readers/import_rpp.h"
+
+namespace tidewick {
+
+namespace {
+
+// Written into every index, so that a file of another program, or of a later layout, is known.
+const QString kFormat = QStringLiteral("tidewick-index-1");
+
+const char* const kSchema[] = {
+    "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT)",
+    "CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
+    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL)",
+    "CREATE TABLE media (session TEXT NOT NULL, folder TEXT NOT NULL, file TEXT NOT NULL)",
+    "CREATE INDEX media_folder ON media (folder)",
+    "CREATE INDEX media_session ON media (session)",
+    "CREATE TABLE roots (path TEXT PRIMARY KEY, audited INTEGER NOT NULL)",
+    "CREATE TABLE audits (folder TEXT PRIMARY KEY, questions BLOB NOT NULL, "
+    "signature BLOB NOT NULL, report BLOB NOT NULL)",
+};
+
+// A query that reads its rows once, in order: nothing is kept behind it.
+QSqlQuery reading(const QString& connection) {
+    QSqlQuery query(QSqlDatabase::database(connection, false));
+    query.setForwardOnly(true);
+    return query;
+}
+
+// The bounds of the paths under `root`: from "root/" up to "root0", '0' following '/'.
+std::pair<QString, QString> under(const QString& root) {
+    const QString from = withSeparator(root);
+    return {from, from.chopped(1) + QChar(from.back().unicode() + 1)};
+}
+
+}  // namespace
+
+SessionIndex::SessionIndex(const QString& file)
+    : file_(file),
+      connection_(QStringLiteral("tidewick-index-") + QString::number(quintptr(this), 16)) {
+    if (!open(file_)) {
+        rebuild();
+    }
+}
+
+SessionIndex::~SessionIndex() {
+    QSqlDatabase::database(connection_, false).close();
+    QSqlDatabase::removeDatabase(connection_);
+}
+
+QString SessionIndex::defaultFile() {
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return cache.isEmpty() ? QString() : cache + QStringLiteral("/Tidewick/index.sqlite");
+}
+
+bool SessionIndex::open(const QString& file) {
+    if (file != QLatin1String(":memory:") && !QDir().mkpath(hostParentFolder(file))) {
+        reason_ = QStringLiteral("its folder cannot be made");
+        return false;
+    }
+    QSqlDatabase db = QSqlDatabase::contains(connection_)
+                          ? QSqlDatabase::database(connection_, false)
+                          : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
+    db.close();
+    db.setDatabaseName(file);
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
+    if (!db.open()) {
+        reason_ = db.lastError().text();
+        return false;
+    }
+    QSqlQuery query(db);
+    if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
+        if (query.next() && query.value(0).toString() == kFormat) {
+            return true;
+        }
+        reason_ = QStringLiteral("it is no index of this version of Tidewick");
+        return false;
+    }
+    // No index yet: an empty database gets the tables; one with tables of its own is another
+    // program's, and a file that is no database says so here.
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !query.next() ||
+        query.value(0).toInt() != 0) {
+        reason_ = query.lastError().isValid() ? query.lastError().text()
+                                              : QStringLiteral("it is another program's database");
+        return false;
+    }
+    return write([&db] {
+        QSqlQuery make(db);
+        for (const char* statement : kSchema) {
+            if (!make.exec(QString::fromLatin1(statement))) {
+                return false;
+            }
+        }
+        make.prepare(QStringLiteral("INSERT INTO meta VALUES ('format', ?)"));
+        make.addBindValue(kFormat);
+        return make.exec();
+    });
+}
+
+void SessionIndex::rebuild() {
+    QSqlDatabase::database(connection_, false).close();
+    if (QFile::exists(file_)) {
+        const QString stamp =
+            file_ + QStringLiteral(".set-aside-") +
+            QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+        QString aside = stamp;
+        for (int n = 2; QFile::exists(aside); ++n) {
+            aside = stamp + u'-' + QString::number(n);
+        }
+        if (QFile::rename(file_, aside)) {
+            QFile::rename(file_ + QStringLiteral("-journal"), aside + QStringLiteral("-journal"));
+            setAside_ = aside + QStringLiteral(" (") + reason_ + u')';
+        }
+    }
+    if (!open(file_)) {
+        open(QStringLiteral(":memory:"));  // this run alone keeps what it read
+    }
+}
+
+bool SessionIndex::write(const std::function<bool()>& work) {
+    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    if (db.transaction() && work() && db.commit()) {
+        return true;
+    }
+    reason_ = db.lastError().text();
+    db.rollback();
+    return false;
+}
+
+void SessionIndex::loadInto(const QString& root, SessionCache& cache, const FileSystem& disk) {
+    QSqlQuery query = reading(connection_);
+    query.prepare(QStringLiteral(
+        "SELECT path, size, modified, kind, read FROM sessions WHERE path >= ? AND path < ?"));
+    const auto [from, to] = under(root);
+    query.addBindValue(from);
+    query.addBindValue(to);
+    if (!query.exec()) {
+        reason_ = query.lastError().text();
+        rebuild();
+        return;
+    }
+    while (query.next()) {
+        const QString path = query.value(0).toString();
+        const FileStamp held{query.value(1).toLongLong(), query.value(2).toLongLong()};
+        const int kind = query.value(3).toInt();
+        if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
+            continue;  // changed since: read again
+        }
+        const std::optional<SessionRead> read = unpackRead(query.value(4).toByteArray());
+        if (read) {
+            cache.remember(path, {held, SessionKindId(kind), *read});
+        }
+    }
+}
+
+QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
+    QSqlQuery held = reading(connection_);
+    held.prepare(
+        QStringLiteral("SELECT path, size, modified FROM sessions WHERE path >= ? AND path < ?"));
+    const auto [from, to] = under(root);
+    held.addBindValue(from);
+    held.addBindValue(to);
+    QHash<QString, FileStamp> stamps;
+    if (held.exec()) {
+        while (held.next()) {
+            stamps.insert(held.value(0).toString(),
+                          {held.value(1).toLongLong(), held.value(2).toLongLong()});
+        }
+    }
+    return stamps;
+}
+
+void SessionIndex::store(const QString& root, const SessionCache& cache,
+                         const QHash<QString, QStringList>& elsewhere,
+                         const QSet<QString>& present) {
+    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    const QHash<QString, FileStamp> held = stamps(root);
+    const QString from = under(root).first;
+    const auto work = [&] {
+        for (auto it = cache.entries().cbegin(); it != cache.entries().cend(); ++it) {
+            if (it.key().startsWith(from) && held.value(it.key(), {-1, -1}) != it->stamp &&
+                !keep(db, it.key(), *it, elsewhere.value(it.key()))) {
+                return false;
+            }
+        }
+        for (auto it = held.cbegin(); it != held.cend(); ++it) {
+            if (!present.contains(it.key()) && !forget(db, it.key())) {
+                return false;
+            }
+        }
+        QSqlQuery audited(db);
+        audited.prepare(QStringLiteral("INSERT OR REPLACE INTO roots VALUES (?, ?)"));
+        audited.addBindValue(cleanHostPath(root));
+        audited.addBindValue(QDateTime::currentSecsSinceEpoch());
+        return audited.exec();
+    };
+    if (!write(work)) {
+        rebuild();  // a damaged or locked file: this run's reads go into a new one
+        write(work);
+    }
+}
+
+QHash<QString, QStringList> SessionIndex::elsewhereUnder(const QString& root) const {
+    QSqlQuery query = reading(connection_);
+    query.prepare(
+        QStringLiteral("SELECT session, file FROM media WHERE session >= ? AND "
+                       "session < ?"));
+    const auto [from, to] = under(root);
+    query.addBindValue(from);
+    query.addBindValue(to);
+    QHash<QString, QStringList> files;
+    if (query.exec()) {
+        while (query.next()) {
+            files[query.value(0).toString()].append(query.value(1).toString());
+        }
+    }
+    return files;
+}
+
+QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root) const {
+    QSqlQuery query = reading(connection_);
+    query.prepare(
+        QStringLiteral("SELECT folder, questions, signature, report FROM audits WHERE folder >= ? "
+                       "AND folder < ?"));
+    const auto [from, to] = under(root);
+    query.addBindValue(from);
+    query.addBindValue(to);
+    QHash<QString, KeptAudit> audits;
+    if (query.exec()) {
+        while (query.next()) {
+            if (std::optional<FolderReport> report = unpackReport(query.value(3).toByteArray())) {
+                audits.insert(query.value(0).toString(),
+                              {query.value(1).toByteArray(), query.value(2).toByteArray(),
+                               std::move(*report)});
+            }
+        }
+    }
+    return audits;
+}
+
+void SessionIndex::storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
+                               const QSet<QString>& present) {
+    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    write([&] {
+        QSqlQuery query(db);
+        query.prepare(QStringLiteral("SELECT folder FROM audits WHERE folder >= ? AND folder < ?"));
+        const auto [from, to] = under(root);
+        query.addBindValue(from);
+        query.addBindValue(to);
+        QStringList gone;
+        if (!query.exec()) {
+            return false;
+        }
+        while (query.next()) {
+            if (!present.contains(query.value(0).toString())) {
+                gone.append(query.value(0).toString());
+            }
+        }
+        query.prepare(QStringLiteral("DELETE FROM audits WHERE folder = ?"));
+        for (const QString& folder : gone) {
+            query.addBindValue(folder);
+            if (!query.exec()) {
+                return false;
+            }
+        }
+        query.prepare(QStringLiteral("INSERT OR REPLACE INTO audits VALUES (?, ?, ?, ?)"));
+        for (auto it = fresh.cbegin(); it != fresh.cend(); ++it) {
+            query.addBindValue(it.key());
+            query.addBindValue(it->questions);
+            query.addBindValue(it->signature);
+            query.addBindValue(packReport(it->report));
+            if (!query.exec()) {
+                return false;
+            }
+        }
+        return true;
+    });
+}
+
+void SessionIndex::update(const QString& path, const SessionCache::Entry& entry,
+                          const QStringList& elsewhere) {
+    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    write([&] { return keep(db, path, entry, elsewhere); });
+}
+
+bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
+                        const QStringList& elsewhere) {
+    if (!forget(db, path)) {
+        return false;
+    }
+    QSqlQuery insert(db);
+    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?)"));
+    insert.addBindValue(path);
+    insert.addBindValue(entry.stamp.size);
+    insert.addBindValue(entry.stamp.modified);
+    insert.addBindValue(int(entry.kind));
+    insert.addBindValue(packRead(entry.read));
+    if (!insert.exec()) {
+        return false;
+    }
+    insert.prepare(QStringLiteral("INSERT INTO media VALUES (?, ?, ?)"));
+    for (const QString& file : elsewhere) {
+        insert.addBindValue(path);
+        insert.addBindValue(withSeparator(hostParentFolder(file)));
+        insert.addBindValue(file);
+        if (!insert.exec()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool SessionIndex::forget(QSqlDatabase& db, const QString& path) {
+    QSqlQuery remove(db);
+    for (const char* statement :
+         {"DELETE FROM sessions WHERE path = ?", "DELETE FROM media WHERE session = ?"}) {
+        remove.prepare(QString::fromLatin1(statement));
+        remove.addBindValue(path);
+        if (!remove.exec()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+QStringList SessionIndex::roots() const {
+    QSqlQuery query = reading(connection_);
+    QStringList roots;
+    if (query.exec(QStringLiteral("SELECT path FROM roots ORDER BY path"))) {
+        while (query.next()) {
+            roots.append(query.value(0).toString());
+        }
+    }
+    return roots;
+}
+
+QHash<QString, QStringList> SessionIndex::usersOf(const QStringList& folders) const {
+    QSqlQuery query = reading(connection_);
+    query.prepare(QStringLiteral("SELECT session, file FROM media WHERE folder = ?"));
+    QHash<QString, QStringList> users;
+    for (const QString& folder : folders) {
+        query.addBindValue(withSeparator(cleanHostPath(folder)));
+        if (query.exec()) {
+            while (query.next()) {
+                users[query.value(0).toString()].append(query.value(1).toString());
+            }
+        }
+    }
+    return users;
+}
+
+std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
+                                                         const FileSystem& disk) const {
+    QSqlQuery query = reading(connection_);
+    query.prepare(QStringLiteral("SELECT size, modified, kind, read FROM sessions WHERE path = ?"));
+    query.addBindValue(path);
+    if (!query.exec() || !query.next()) {
+        return std::nullopt;
+    }
+    const FileStamp held{query.value(0).toLongLong(), query.value(1).toLongLong()};
+    const int kind = query.value(2).toInt();
+    if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
+        return std::nullopt;
+    }
+    std::optional<SessionRead> read = unpackRead(query.value(3).toByteArray());
+    if (!read) {
+        return std::nullopt;
+    }
+    for (RecordPathLine& line : read->recordPaths) {
+        if (line.hasValue) {
+            checkRecordPath(line, {hostParentFolder(path), &disk});
+        }
+    }
+    return SessionCache::Entry{held, SessionKindId(kind), *read};
+}
+
+}  // namespace tidewick

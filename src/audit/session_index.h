@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <optional>
+
+#include "audit/library_audit.h"
+#include "sweep/sweep.h"
+
+// The sessions an audit read, kept between runs in an SQLite file, keyed by each file's path,
+// size and time of change, with the files each uses outside its own folder. A second audit
+// reads only the sessions that changed; a load in the window learns from it which sessions of
+// other folders use its files. It is a cache: a session is always checked against its file
+// before anything it holds is believed.
+class QSqlDatabase;
+
+namespace tidewick {
+
+class SessionIndex {
+public:
+    /// Opens the index `file`, made when missing. One that cannot be used (damaged, locked, of
+    /// another program) is set aside beside it (setAside() says where) and a new one made; where
+    /// none can be made, the index lasts for this run only.
+    explicit SessionIndex(const QString& file = defaultFile());
+    ~SessionIndex();
+    SessionIndex(const SessionIndex&) = delete;
+    SessionIndex& operator=(const SessionIndex&) = delete;
+
+    /// "Tidewick/index.sqlite" in the user's cache folder (~/.cache on Linux).
+    static QString defaultFile();
+
+    /// Where an index that could not be used was put, and why; empty when none was.
+    QString setAside() const { return setAside_; }
+
+    /// Puts into `cache` the sessions under `root` whose files are as the index holds them.
+    void loadInto(const QString& root, SessionCache& cache, const FileSystem& disk);
+
+    /// The stamps of the sessions under `root` as the index holds them.
+    QHash<QString, FileStamp> stamps(const QString& root) const;
+
+    /// Keeps the sessions of `cache` under `root` that it does not hold as they are (their
+    /// files' uses outside their folders in `elsewhere`, by session), forgets those under `root`
+    /// that are not `present`, and notes `root` as audited.
+    void store(const QString& root, const SessionCache& cache,
+               const QHash<QString, QStringList>& elsewhere, const QSet<QString>& present);
+
+    /// The files that the sessions under `root` use outside their own folders, by session.
+    QHash<QString, QStringList> elsewhereUnder(const QString& root) const;
+
+    /// A folder's audit as it was kept: the questions it asked of the disk, the hash of their
+    /// answers (RecordingDisk), and its report before the library had its say.
+    struct KeptAudit {
+        QByteArray questions;
+        QByteArray signature;
+        FolderReport report;
+    };
+    /// The audits kept of the folders under `root`, by folder.
+    QHash<QString, KeptAudit> audits(const QString& root) const;
+    /// Keeps `fresh` audits of folders under `root`, and forgets those of folders not `present`.
+    void storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
+                     const QSet<QString>& present);
+
+    /// The roots audited so far.
+    QStringList roots() const;
+
+    /// The sessions of other folders that use files of `folders` (each with its separator), each
+    /// with those files, as the index holds them.
+    QHash<QString, QStringList> usersOf(const QStringList& folders) const;
+
+    /// The session `path` as the index holds it, if its file is still as it was.
+    std::optional<SessionCache::Entry> session(const QString& path, const FileSystem& disk) const;
+
+    /// Keeps one session read afresh, with its uses outside its folder.
+    void update(const QString& path, const SessionCache::Entry& entry,
+                const QStringList& elsewhere);
+
+private:
+    bool open(const QString& file);
+    bool write(const std::function<bool()>& work);
+    /// Sets the file aside and starts a new one (in memory, when no file can be made).
+    void rebuild();
+    static bool keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
+                     const QStringList& elsewhere);
+    static bool forget(QSqlDatabase& db, const QString& path);
+
+    QString file_;
+    QString connection_;
+    QString setAside_;
+    QString reason_;  // why the file could not be used
+};
+
+}  // namespace tidewick

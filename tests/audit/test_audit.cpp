@@ -1,0 +1,172 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+
+#include "audit/library_audit.h"
+#include "audit/session_index.h"
+#include "platform/path_text.h"
+#include "support/reader_fixture.h"
+
+// Audits of libraries written on the real disk: which folders are found, what each could free,
+// what each misses and where it may be, and what the index changes (nothing but the reading).
+namespace tidewick {
+namespace {
+
+// A library, a file a line: "A/mix.ses = ses: take.wav, @/B/x.wav" writes a session of that kind
+// naming those paths ("@" is the library's root), "cut ses: ..." one cut short, "link: A" a link
+// to a folder of the library, anything else is the file's bytes.
+void writeLibrary(const QString& root, const char* files) {
+    for (const QString& line : QString::fromUtf8(files).split(u'\n', Qt::SkipEmptyParts)) {
+        const QString path = root + u'/' + line.section(QStringLiteral(" = "), 0, 0).trimmed();
+        QString spec = line.section(QStringLiteral(" = "), 1).trimmed();
+        if (spec.startsWith(QLatin1String("link: "))) {
+            QDir().mkpath(hostParentFolder(path));
+            ASSERT_TRUE(QFile::link(root + u'/' + spec.mid(6), path));
+            continue;
+        }
+        const bool cut = spec.startsWith(QLatin1String("cut "));
+        spec.remove(0, cut ? 4 : 0);
+        const SessionKind* kind = sessionKindForFile(u'x' + spec.section(u':', 0, 0).prepend(u'.'));
+        QByteArray bytes = spec.toUtf8();
+        if (kind != nullptr && spec.contains(u':')) {
+            QStringList paths = spec.section(u':', 1).split(u',', Qt::SkipEmptyParts);
+            for (QString& each : paths) {
+                each = each.trimmed().replace(u'@', root);
+            }
+            bytes = test::sessionBytes(kind->id, paths);
+            bytes.truncate(cut ? bytes.size() / 2 : bytes.size());
+        }
+        ASSERT_TRUE(test::writeFile(path, bytes)) << path.toStdString();
+    }
+}
+
+// The report a line a folder, by folder, its paths from the root:
+// "B: reclaim B/spare.wav | used 1 | missing x.wav[X/x.wav] | kept B/take.wav<A/song.sesx".
+QString described(const LibraryReport& report) {
+    const QDir root(report.root);
+    const auto rel = [&root](const QString& path) { return root.relativeFilePath(path); };
+    QStringList lines;
+    for (const FolderReport& folder : report.folders) {
+        QString line = rel(folder.folder) + u':';
+        QStringList reclaim;
+        for (const auto& [path, size] : folder.reclaimable) {
+            reclaim.append(rel(path));
+        }
+        line += folder.stopped      ? QStringLiteral(" stopped")
+                : reclaim.isEmpty() ? QString()
+                                    : QStringLiteral(" reclaim ") + reclaim.join(u' ');
+        line += QStringLiteral(" | used ") + QString::number(folder.used);
+        for (const MissingMedia& missing : folder.missing) {
+            QStringList candidates;
+            for (const Candidate& candidate : missing.candidates) {
+                candidates.append(rel(candidate.path));
+            }
+            line += QStringLiteral(" | missing ") + GetFileName(missing.text) + u'[' +
+                    candidates.join(u' ') + u']';
+        }
+        for (const KeptElsewhere& kept : folder.keptElsewhere) {
+            line += QStringLiteral(" | kept ") + rel(kept.path) + u'<' + rel(kept.usedBy);
+        }
+        lines.append(line);
+    }
+    lines.sort();
+    return lines.join(u'\n');
+}
+
+struct AuditCase {
+    const char* name;
+    const char* files;
+    const char* expected;
+};
+
+void PrintTo(const AuditCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+const AuditCase kCases[] = {
+    {"EveryKindInNestedFolders",
+     "A/mix.ses = ses: take.wav\nA/take.wav = x\nA/old.wav = x\n"
+     "A/B/cut.sesx = sesx: @/A/B/v.wav\nA/B/v.wav = x\nA/B/v2.wav = x\n"
+     "C/e.xml = xml: c.wav\nC/c.wav = x\nC/d.wav = x\n"
+     "D/E/p.rpp = rpp: r.wav\nD/E/r.wav = x\nD/E/r2.wav = x\nD/E/r.wav.reapeaks = x\n"
+     "D/E/r2.wav.reapeaks = x\nF/v.veg = veg: @/F/f.wav\nF/f.wav = x\nF/g.wav = x",
+     "A/B: reclaim A/B/v2.wav | used 1\nA: reclaim A/old.wav | used 1\n"
+     "C: reclaim C/d.wav | used 1\nD/E: reclaim D/E/r2.wav D/E/r2.wav.reapeaks | used 1\n"
+     "F: reclaim F/g.wav | used 1"},
+    {"AFileAnotherFolderUsesIsKept",
+     "A/song.sesx = sesx: @/B/take.wav\nB/own.rpp = rpp: b.wav\nB/b.wav = x\nB/take.wav = x\n"
+     "B/spare.wav = x",
+     "A: | used 1\nB: reclaim B/spare.wav | used 1 | kept B/take.wav<A/song.sesx"},
+    {"ASharedSampleFolderServesTwoProjects",
+     "P1/a.rpp = rpp: ../Samples/kick.wav\nP2/b.sesx = sesx: @/Samples/snare.wav\n"
+     "Samples/index.rpp = rpp: \nSamples/kick.wav = x\nSamples/snare.wav = x\n"
+     "Samples/hat.wav = x",
+     "P1: | used 1\nP2: | used 1\nSamples: reclaim Samples/hat.wav | used 0 | kept "
+     "Samples/kick.wav<P1/a.rpp | kept Samples/snare.wav<P2/b.sesx"},
+    {"ADamagedSessionStopsItsFolderAlone",
+     "Bad/x.ses = cut ses: a.wav\nBad/a.wav = x\nGood/y.sesx = sesx: @/Good/g.wav\n"
+     "Good/g.wav = x\nGood/h.wav = x",
+     "Bad: stopped | used 0\nGood: reclaim Good/h.wav | used 1"},
+    {"MissingMediaNamesItsLikeliestCandidates",
+     "A/s.sesx = sesx: /gone/Caf\u00e9 Take.WAV\nA/sub/cafe\u0301 take.wav = x\n"
+     "X/CAF\u00c9 TAKE.wav = x\nX/cafe take.wav = x",
+     "A: | used 0 | missing Caf\u00e9 Take.WAV[A/sub/cafe\u0301 take.wav X/CAF\u00c9 TAKE.wav]"},
+    {"LinksHiddenFoldersAndTrashAreNotWalked",
+     "A/s.sesx = sesx: @/A/a.wav\nA/a.wav = x\nA/b.wav = x\nL = link: A\n"
+     ".hidden/h.sesx = sesx: \nTrash/files/t.sesx = sesx: \nTrash/info/t.sesx = sesx: ",
+     "A: reclaim A/b.wav | used 1"},
+};
+
+class AuditCases : public ::testing::TestWithParam<AuditCase> {};
+
+TEST_P(AuditCases, ReportsEachSessionFolderOfTheLibrary) {
+    QTemporaryDir root;
+    writeLibrary(root.path(), GetParam().files);
+    const FileSystem disk;
+    EXPECT_EQ(described(auditLibrary(root.path(), disk, nullptr)), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Libraries, AuditCases, ::testing::ValuesIn(kCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// The index changes what is read, never what is reported: a second audit reads no session, one
+// whose file changed is read again, and an index file that is no index is set aside.
+TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
+    QTemporaryDir root, cache;
+    writeLibrary(root.path(), kCases[1].files);
+    const FileSystem disk;
+    const QString file = cache.filePath("index.sqlite");
+    const auto audit = [&](qsizetype read) {
+        SessionIndex index(file);
+        const LibraryReport report = auditLibrary(root.path(), disk, &index);
+        EXPECT_EQ(report.sessionsRead, read);
+        EXPECT_EQ(report.foldersAudited, read);
+        EXPECT_EQ(described(report), kCases[1].expected);
+        return index.setAside();
+    };
+    EXPECT_EQ(audit(2), "");
+    EXPECT_EQ(audit(0), "");
+    // A session that changed is read again and its folder audited again; a file that comes
+    // into a folder has that folder audited again, with no session read.
+    writeLibrary(root.path(), "B/own.rpp = rpp: b.wav, spare.wav\nA/new.wav = x");
+    {
+        SessionIndex index(file);
+        EXPECT_EQ(index.roots(), QStringList{QDir(root.path()).absolutePath()});
+        const LibraryReport report = auditLibrary(root.path(), disk, &index);
+        EXPECT_EQ(report.sessionsRead, 1);
+        EXPECT_EQ(report.foldersAudited, 2);
+        EXPECT_EQ(report.reclaimableFiles, 1);  // A/new.wav
+    }
+    QFile::remove(root.filePath("A/new.wav"));
+    writeLibrary(root.path(), kCases[1].files);
+    for (const QByteArray& damage : {QByteArray("not a database at all"), QByteArray()}) {
+        ASSERT_TRUE(
+            test::writeFile(file, damage.isEmpty() ? test::readFile(file).left(100) : damage));
+        EXPECT_TRUE(audit(2).startsWith(file + ".set-aside-"));
+        EXPECT_EQ(audit(0), "");
+    }
+}
+
+}  // namespace
+}  // namespace tidewick
