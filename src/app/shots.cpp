@@ -20,7 +20,7 @@
 // It plays the user: every question is answered "Yes", the folder picker picks the folder given
 // with --to, and the file manager is never started.
 //
-//   tidewick-shots results|exclusion|copy|kept|restore FILE [--select NAME] [--to FOLDER]
+//   tidewick-shots results|exclusion|copy|kept|restore|audit FILE [--select NAME] [--to FOLDER]
 //                  [--sub-folder]
 namespace {
 
@@ -108,6 +108,14 @@ void whenOpen(const QString& name, std::function<bool(QDialog*)> ready,
     timer->start(100);
 }
 
+// Whether the dialog's button called `name` can be pressed: its run is over.
+std::function<bool(QDialog*)> buttonEnabled(const char* name) {
+    return [name](QDialog* dialog) {
+        auto* button = dialog->findChild<QAbstractButton*>(QString::fromLatin1(name));
+        return button != nullptr && button->isEnabled();
+    };
+}
+
 // Takes the picture of `window` with the dialog called `name` over it once it opens, then
 // closes the dialog as Escape would.
 void overWhenOpen(QWidget& window, const QString& name, const QString& file, bool& saved) {
@@ -127,7 +135,7 @@ int main(int argc, char* argv[]) {
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {
         std::fprintf(stderr,
-                     "usage: tidewick-shots results|exclusion|copy|kept|restore FILE "
+                     "usage: tidewick-shots results|exclusion|copy|kept|restore|audit FILE "
                      "[--select NAME] [--to FOLDER] [--sub-folder]\n");
         return 1;
     }
@@ -154,11 +162,7 @@ int main(int argc, char* argv[]) {
             form.UnusedFiles.setChecked(row, true);
         }
         form.TargetFolderName.setText(ui.folder);
-        const auto closeEnabled = [](QDialog* dialog) {
-            auto* close = dialog->findChild<QAbstractButton*>(QStringLiteral("CloseButton"));
-            return close != nullptr && close->isEnabled();
-        };
-        whenOpen(QStringLiteral("MoveForm"), closeEnabled, [&](QDialog* dialog) {
+        whenOpen(QStringLiteral("MoveForm"), buttonEnabled("CloseButton"), [&](QDialog* dialog) {
             saved = save(dialog->grab(), file);
             dialog->findChild<QAbstractButton*>(QStringLiteral("CloseButton"))->click();
         });
@@ -170,6 +174,13 @@ int main(int argc, char* argv[]) {
     } else if (shot == QLatin1String("restore")) {
         overWhenOpen(window, QStringLiteral("Restore"), file, saved);
         form.mnuFileRestore_Click();
+    } else if (shot == QLatin1String("audit")) {
+        // The library under the folder given, once its table is there.
+        whenOpen(QStringLiteral("Audit"), buttonEnabled("OpenButton"), [&](QDialog* dialog) {
+            saved = save(over(window, dialog), file);
+            dialog->reject();
+        });
+        form.mnuFileAudit_Click();
     } else if (shot == QLatin1String("kept")) {
         saved = save(withTooltip(window, QStringLiteral("UnusedFrame")), file);
     } else if (shot == QLatin1String("copy")) {

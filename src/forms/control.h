@@ -25,6 +25,7 @@ enum class ControlKind {
     CheckList,      ///< a list of check-box lines, served by a CheckListModel
     ListBox,        ///< a list of texts of which several can be selected
     TextArea,       ///< a box of many lines to read, such as a log
+    Table,          ///< rows under column headings, sorted by a click on one; `items` are those
     ProgressBar,    ///< a bar that fills as a long piece of work goes on
     Divider,        ///< a sunken line between parts of a dialog
     DriveList,      ///< the mounted drives; `items`, and `text` is the current drive

@@ -58,6 +58,7 @@ constexpr ControlPlace kLayout[] = {
     {"CloseButton", K::Button, "UnusedFrame", 8130, 4830, 1455, 435, "&Close", ""},
     {"InfoLabel", K::Label, "", 210, 9690, 13785, 195, "", ""},
     {"mnuFileMain", K::Menu, "", 0, 0, 0, 0, "&File", ""},
+    {"mnuFileAudit", K::MenuItem, "mnuFileMain", 0, 0, 0, 0, "&Audit a Library...", ""},
     {"mnuFileRestore", K::MenuItem, "mnuFileMain", 0, 0, 0, 0, "&Restore a Move...", ""},
     {"mnuFileExit", K::MenuItem, "mnuFileMain", 0, 0, 0, 0, "E&xit", ""},
     {"mnuWindowMain", K::Menu, "", 0, 0, 0, 0, "&Window", ""},
@@ -106,6 +107,7 @@ MainForm::MainForm(UserInteraction& ui)
       MoveButton(named(u"MoveButton")),
       CloseButton(named(u"CloseButton")),
       InfoLabel(named(u"InfoLabel")),
+      mnuFileAudit(named(u"mnuFileAudit")),
       mnuFileRestore(named(u"mnuFileRestore")),
       mnuFileExit(named(u"mnuFileExit")),
       mnuWindowCentre(named(u"mnuWindowCentre")),
@@ -162,6 +164,7 @@ void MainForm::connectEvents() {
     on(MoveButton, &Control::clicked, &MainForm::MoveButton_Click);
     on(CloseButton, &Control::clicked, &MainForm::CloseButton_Click);
     on(FolderButton, &Control::clicked, &MainForm::FolderButton_Click);
+    on(mnuFileAudit, &Control::clicked, &MainForm::mnuFileAudit_Click);
     on(mnuFileRestore, &Control::clicked, &MainForm::mnuFileRestore_Click);
     on(mnuFileExit, &Control::clicked, &MainForm::mnuFileExit_Click);
     on(mnuWindowCentre, &Control::clicked, &MainForm::mnuWindowCentre_Click);

@@ -25,6 +25,8 @@
 namespace tidewick {
 
 class ExclusionForm;
+class AuditForm;
+class SessionIndex;
 class RestoreForm;
 class SizeCache;
 
@@ -92,6 +94,7 @@ public:
     Control& MoveButton;
     Control& CloseButton;
     Control& InfoLabel;
+    Control& mnuFileAudit;
     Control& mnuFileRestore;
     Control& mnuFileExit;
     Control& mnuWindowCentre;
@@ -199,6 +202,18 @@ public:
     void mnuFileRestore_Click();
     /// Shows "Restore a Move" over the window, modal; without it nothing is chosen.
     std::function<void(RestoreForm& form)> showRestoreForm;
+    /// "File > &Audit a Library...": a root from the folder picker, its audit, and the folder
+    /// the user goes to from its table shown on the tab of its first session's kind.
+    void mnuFileAudit_Click();
+    /// Shows "Audit a Library" over the window, modal; without it the audit runs to its end
+    /// and nothing is chosen.
+    std::function<void(AuditForm& form)> showAuditForm;
+    /// Shows `folder` in the browser on the tab of `kind`.
+    void goToSessionFolder(const QString& folder, SessionKindId kind);
+    /// The sessions of other folders that the index of an audited library says use files of
+    /// `folders` (those under an audited root), each still there; those whose files are as the
+    /// index holds them are taken from it, the others are read again by the guard.
+    QList<SessionElsewhere> sessionsElsewhere(const QStringList& folders);
     /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
     /// The controls as a sweep request, and the window's answers to what a sweep reports.
@@ -299,6 +314,7 @@ private:
     QList<KeptFile> keptFiles_;
     /// The folder's sessions as last read, which guard their media at every load.
     SessionCache sessionCache_;
+    std::shared_ptr<SessionIndex> auditedIndex_;  // opened at the first load after an audit
     void noteBrowserChange() {
         ++load_.browserChanges;
         loadStopped_ = false;

@@ -78,7 +78,10 @@ void MainForm::runSessionLoad() {
     UnusedFiles.clear();
     keptFiles_.clear();
 
-    const SweepRequest request = sweepRequest();
+    SweepRequest request = sweepRequest();
+    request.sessionsElsewhere = [this](const QStringList& folders) {
+        return sessionsElsewhere(folders);
+    };
     const Sweep sweep = sweepFolder(request, FSO, sweepEvents(), &sessionCache_);
     RecordFolder = sweep.used.recordFolder;
     usedLines_ = sweep.used.lines;

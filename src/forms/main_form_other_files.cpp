@@ -26,8 +26,8 @@ UsedIndex& MainForm::usedIndex() {
 
 bool MainForm::guardFolder(const QString& folder) {
     QString stoppedAt;
-    auto guard =
-        sessionGuard({folder}, SESFile.text(), FSO, &sessionCache_, sweepEvents(), &stoppedAt);
+    auto guard = sessionGuard({folder}, SESFile.text(), FSO, &sessionCache_, sweepEvents(),
+                              &stoppedAt, sessionsElsewhere({folder}));
     if (guard) {
         usedIndex().addGuard(std::move(guard));
         return true;

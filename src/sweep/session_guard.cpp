@@ -21,6 +21,7 @@ struct Guard {
     const SessionKind* kind;
     QStringList folders;  // with their separators
     bool backup;
+    const QStringList* lastKnown = nullptr;  // for a session of another folder: what it used
 };
 
 // The sessions of `folder` and of its backup folders, the load's own among them.
@@ -142,11 +143,19 @@ void SessionCache::setGuard(const QString& folders,
 std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
                                               const QString& sessionFolder, const FileSystem& fs,
                                               SessionCache* cache, const SweepEvents& events,
-                                              QString* stoppedAt) {
+                                              QString* stoppedAt,
+                                              const QList<SessionElsewhere>& elsewhere) {
     QList<Guard> guards;
     QSet<QString> seen;
     for (const QString& folder : folders) {
         findSessions(folder, fs, guards, seen);
+    }
+    for (const SessionElsewhere& session : elsewhere) {
+        guards.append({session.path,
+                       session.kind,
+                       {withSeparator(hostParentFolder(session.path))},
+                       true,
+                       &session.files});
     }
     // Worked out once for the sessions as they are: a load after a change of media type, peak
     // option or sub-folder row asks the disk only whether any of them changed.
@@ -173,6 +182,12 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
             continue;  // no session: a file like any other
         }
         const QString name = namedFrom(folder, guard.path);
+        if (read[i].outcome != ReaderOutcome::Read && guard.lastKnown != nullptr) {
+            for (const QString& file : *guard.lastKnown) {
+                table->keep(file, name, fs);
+            }
+            continue;
+        }
         if (read[i].outcome != ReaderOutcome::Read) {
             if (read[i].message && events.tell) {
                 events.tell({read[i].message->text, read[i].message->title, read[i].message->icon});

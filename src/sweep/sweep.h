@@ -24,6 +24,14 @@ inline const QString kUsedFrameCaption =
 inline const QString kNoMediaText = QStringLiteral("<no media files found>");
 inline const QString kUnusedFrameCaption = QStringLiteral("Files to be Moved");
 
+/// A session of another folder that uses files of a load's folders, as an index of the library
+/// holds it: its file, its kind, and the files it used when it was read.
+struct SessionElsewhere {
+    QString path;
+    const SessionKind* kind = nullptr;
+    QStringList files;
+};
+
 /// What to sweep, with the options the window's check boxes and lists give.
 struct SweepRequest {
     const SessionKind* kind = nullptr;
@@ -59,6 +67,9 @@ struct SweepRequest {
     /// then (an audit, which reads each session once for every kind's load); a load the user
     /// asks for reads them afresh.
     bool reuseReads = false;
+    /// The sessions of other folders that use files of the load's folders (each with its
+    /// separator); they guard the load like its own, named by their paths.
+    std::function<QList<SessionElsewhere>(const QStringList& folders)> sessionsElsewhere;
 };
 
 /// The options a load is made of, as the window's controls or the command line's arguments
@@ -333,11 +344,14 @@ QStringList filesNamedBy(const QString& written, const QString& folder, const Se
 /// folder `sessionFolder` names it ("mix.sesx", "Backups/song.rpp"), and the session files
 /// themselves, hidden from the listings (but for backups, which stay listed). A file its
 /// reader finds foreign is no session and guards nothing. Nothing when a session could not be
-/// read: its name is in `stoppedAt` and its message told, as its media are unknown.
+/// read: its name is in `stoppedAt` and its message told, as its media are unknown. The
+/// sessions `elsewhere` guard too, named by their paths; one of them that cannot be read now
+/// keeps the files it used when it was read.
 std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
                                               const QString& sessionFolder, const FileSystem& fs,
                                               SessionCache* cache, const SweepEvents& events,
-                                              QString* stoppedAt);
+                                              QString* stoppedAt,
+                                              const QList<SessionElsewhere>& elsewhere = {});
 Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events = {},
                   SessionCache* cache = nullptr);
 

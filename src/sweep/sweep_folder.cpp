@@ -72,7 +72,11 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
             disk.listFiles(each);  // listed now, the guard's questions are answered from memory
         }
         QString stoppedAt;
-        auto guard = sessionGuard(folders, request.folder, disk, cache, events, &stoppedAt);
+        const QList<SessionElsewhere> elsewhere = request.sessionsElsewhere
+                                                      ? request.sessionsElsewhere(folders)
+                                                      : QList<SessionElsewhere>();
+        auto guard =
+            sessionGuard(folders, request.folder, disk, cache, events, &stoppedAt, elsewhere);
         if (!guard) {
             sweep.used.stopped = true;
             sweep.used.stoppedAt = stoppedAt;

@@ -3,12 +3,14 @@
 #include <QCheckBox>
 #include <QFrame>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QToolButton>
 
 #include "ui/twips.h"
@@ -49,6 +51,18 @@ QWidget* createButton(Control& control, QWidget* container, const ControlLook& l
     }
     QObject::connect(button, &QToolButton::clicked, &control, &Control::click);
     return button;
+}
+
+// A table of whole rows, one chosen at a time, sorted by a click on a heading.
+QTableWidget* createTable(QWidget* container) {
+    auto* table = new QTableWidget(container);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setSelectionMode(QAbstractItemView::SingleSelection);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->verticalHeader()->hide();
+    table->horizontalHeader()->setStretchLastSection(true);
+    table->setSortingEnabled(true);
+    return table;
 }
 
 QWidget* createCommonWidget(Control& control, QWidget* container, const ControlLook& look) {
@@ -93,6 +107,8 @@ QWidget* createCommonWidget(Control& control, QWidget* container, const ControlL
             text->setLineWrapMode(QPlainTextEdit::NoWrap);
             return text;
         }
+        case ControlKind::Table:
+            return createTable(container);
         case ControlKind::ProgressBar: {
             auto* bar = new QProgressBar(container);
             bar->setTextVisible(false);
@@ -127,6 +143,12 @@ void syncCommonContent(Control& control, QWidget* widget) {
             static_cast<QAbstractButton*>(widget)->setText(control.text());
             fitCaption(widget);
             break;
+        case ControlKind::Table: {
+            auto* table = static_cast<QTableWidget*>(widget);
+            table->setColumnCount(int(control.items().size()));
+            table->setHorizontalHeaderLabels(control.items());
+            break;
+        }
         case ControlKind::TextBox: {
             auto* edit = static_cast<QLineEdit*>(widget);
             if (edit->text() != control.text()) {

@@ -21,9 +21,11 @@
 #include <QTreeView>
 #include <QUrl>
 
+#include "forms/audit_form.h"
 #include "forms/exclusion_form.h"
 #include "forms/restore_form.h"
 #include "ui/about_dialog.h"
+#include "ui/audit_window.h"
 #include "ui/control_widgets.h"
 #include "ui/drawn_icons.h"
 #include "ui/exclusion_window.h"
@@ -74,6 +76,20 @@ MainWindow::MainWindow(MainForm& form, SettingsStore* store, QWidget* parent)
         }
     });
     connect(&form_, &MainForm::aboutRequested, this, &MainWindow::showAbout);
+    showDialogsOfForm();
+    connect(&form_, &MainForm::webPageRequested, this,
+            [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+    // Escape closes the window from whichever control has the focus.
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this,
+            [this] { form_.Form_KeyDown(MainForm::EscapeKey, 0); });
+    if (QObject* subFolderName = objects_.value(QStringLiteral("SubFolderName"))) {
+        subFolderName->installEventFilter(this);
+    }
+}
+
+// The form's dialogs open modal over this window.
+void MainWindow::showDialogsOfForm() {
     form_.showExclusionForm = [this](ExclusionForm& exclusion) {
         ExclusionWindow editor(exclusion, this);
         editor.exec();
@@ -86,21 +102,17 @@ MainWindow::MainWindow(MainForm& form, SettingsStore* store, QWidget* parent)
         RestoreWindow chooser(restore, this);
         chooser.exec();
     };
-    connect(&form_, &MainForm::webPageRequested, this,
-            [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
-    // Escape closes the window from whichever control has the focus.
-    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-    connect(escape, &QShortcut::activated, this,
-            [this] { form_.Form_KeyDown(MainForm::EscapeKey, 0); });
-    if (QObject* subFolderName = objects_.value(QStringLiteral("SubFolderName"))) {
-        subFolderName->installEventFilter(this);
-    }
+    form_.showAuditForm = [this](AuditForm& audit) {
+        AuditWindow table(audit, this);
+        table.exec();
+    };
 }
 
 MainWindow::~MainWindow() {
     form_.showMoveForm = nullptr;
     form_.showExclusionForm = nullptr;
     form_.showRestoreForm = nullptr;
+    form_.showAuditForm = nullptr;
 }
 
 void MainWindow::load() {

@@ -49,6 +49,7 @@ private:
     QIcon folderIcon_;
 
     void createControls();
+    void showDialogsOfForm();
     /// The widget or action of a control of the main window's own kinds, or nullptr.
     QObject* createSpecial(Control& control, QWidget* container);
     /// Shows what is particular to such a control's kind: its lines, its selection, its path.

@@ -348,5 +348,44 @@ TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndRestoreUndoesIt) {
     EXPECT_EQ(shown("Unused"), "unused: Files to be Moved - [0/2]\n[ ] b.wav\n[ ] c.wav\n");
 }
 
+// "&Audit a Library...": the folder picker, the table sorted by a click on a heading, and a
+// double-click that shows the folder on the tab of its session's kind.
+TEST_F(MainWindowTest, TheAuditTableSortsAndGoesToTheFolderDoubleClicked) {
+    qputenv("XDG_CACHE_HOME", home.filePath("cache").toUtf8());
+    for (const auto& [name, kind, junk] : {std::tuple{"Big", SessionKindId::Veg, 3000},
+                                           std::tuple{"Small", SessionKindId::Xml, 10}}) {
+        const QString folder = dir.filePath(name) + '/';
+        ASSERT_TRUE(test::writeFile(folder + "junk.wav", QByteArray(junk, 'x')));
+        ASSERT_TRUE(test::writeFile(folder + "s." + sessionKind(kind).sessionPattern.mid(2),
+                                    test::sessionBytes(kind, {"gone.wav"})));
+    }
+    run->ui.folderAnswers = {dir.path()};
+    QStringList folders;
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, [&] {
+        auto* audit = run->window.findChild<QDialog*>("Audit");
+        auto* table = audit ? audit->findChild<QTableWidget*>("FolderTable") : nullptr;
+        if (table == nullptr || !audit->findChild<QPushButton*>("OpenButton")->isEnabled() ||
+            !folders.isEmpty()) {
+            return;
+        }
+        for (int column : {0, 0}) {  // by folder, then by folder the other way round
+            QHeaderView* headings = table->horizontalHeader();
+            QTest::mouseClick(headings->viewport(), Qt::LeftButton, {},
+                              {headings->sectionViewportPosition(column) + 5, 5});
+            folders << table->item(0, 0)->text() + " " + table->item(0, 3)->text();
+        }
+        const QPoint place = table->visualItemRect(table->item(1, 0)).center();
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, place);
+        QTest::mouseDClick(table->viewport(), Qt::LeftButton, {}, place);
+    });
+    user.start(20);
+    run->window.findChild<QAction*>("mnuFileAudit")->trigger();
+    EXPECT_EQ(folders, QStringList({dir.filePath("Big") + " 1", dir.filePath("Small") + " 1"}));
+    EXPECT_EQ(run->form.SESFile.text(), dir.filePath("Big"));
+    EXPECT_EQ(run->form.selectedTabKey(), sessionKind(SessionKindId::Veg).tabKey);
+    qunsetenv("XDG_CACHE_HOME");
+}
+
 }  // namespace
 }  // namespace tidewick

@@ -2,6 +2,7 @@
 
 #include "app/cli/audit_output.h"
 #include "app/cli/cli.h"
+#include "audit/audit_text.h"
 #include "audit/session_index.h"
 #include "platform/number_text.h"
 #include "platform/path_text.h"
@@ -24,14 +25,7 @@ public:
             return;
         }
         shown_ = clock_.elapsed();
-        err_ << "\r\x1b[Ktidewick-cli audit: "
-             << (progress.walking ? QStringLiteral("walking ") : QStringLiteral("auditing "))
-             << groupedNumber(progress.folders) << ' '
-             << (progress.walking ? QStringLiteral("folder(s), ")
-                                  : QStringLiteral("of ") + groupedNumber(progress.sessionFolders) +
-                                        QStringLiteral(" session folder(s), "))
-             << groupedNumber(progress.files) << " file(s), " << megabyteText(progress.bytes)
-             << "Mb, " << clock_.elapsed() / 1000 << " s";
+        err_ << "\r\x1b[Ktidewick-cli audit: " << progressText(progress, clock_.elapsed());
         err_.flush();
     }
 

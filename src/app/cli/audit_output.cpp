@@ -4,35 +4,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "audit/audit_text.h"
 #include "platform/number_text.h"
 #include "platform/path_text.h"
 
 namespace tidewick::cli {
 
 namespace {
-
-QString bytesText(qint64 bytes) {
-    return groupedNumber(bytes) + QStringLiteral(" bytes (") + megabyteText(bytes) +
-           QStringLiteral("Mb)");
-}
-
-QString totalsLine(const LibraryReport& report) {
-    QString line = QStringLiteral("Totals: ") + groupedNumber(report.folders.size()) +
-                   QStringLiteral(" folder(s), ") + groupedNumber(report.sessions) +
-                   QStringLiteral(" session(s), ") + groupedNumber(report.used) +
-                   QStringLiteral(" used, ") + groupedNumber(report.missing) +
-                   QStringLiteral(" missing, reclaimable ") +
-                   groupedNumber(report.reclaimableFiles) + QStringLiteral(" file(s) ") +
-                   bytesText(report.reclaimableBytes);
-    if (report.stopped > 0) {
-        line += QStringLiteral("; ") + groupedNumber(report.stopped) +
-                QStringLiteral(" folder(s) stopped");
-    }
-    if (report.cancelled) {
-        line += QStringLiteral("; cancelled before the last folders");
-    }
-    return line;
-}
 
 // A field of a CSV row: quoted when it holds a comma, a quote or a line end.
 QString csvField(const QString& text) {
@@ -91,14 +69,6 @@ QJsonObject folderJson(const FolderReport& folder) {
 
 }  // namespace
 
-QString sessionsText(const FolderReport& folder) {
-    QStringList kinds;
-    for (const auto& [id, names] : folder.sessions) {
-        kinds.append(sessionKind(id).tabCaption + u' ' + QString::number(names.size()));
-    }
-    return kinds.join(QStringLiteral(", "));
-}
-
 QString auditText(const LibraryReport& report, bool missing) {
     QString text;
     for (const FolderReport& folder : report.folders) {
@@ -106,8 +76,7 @@ QString auditText(const LibraryReport& report, bool missing) {
         if (folder.stopped) {
             text += QStringLiteral("stopped: ") + visibleText(folder.reason);
         } else {
-            text += QStringLiteral("reclaimable ") + groupedNumber(folder.reclaimable.size()) +
-                    QStringLiteral(" file(s) ") + bytesText(folder.reclaimableBytes);
+            text += QStringLiteral("reclaimable ") + reclaimableText(folder);
         }
         text += QStringLiteral("  sessions ") + sessionsText(folder) + QStringLiteral("  used ") +
                 groupedNumber(folder.used) + QStringLiteral("  missing ") +

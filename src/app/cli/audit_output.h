@@ -8,9 +8,6 @@
 // What `audit` prints: one line a folder and the totals, the same as CSV, or one JSON document.
 namespace tidewick::cli {
 
-/// "SESX 1, RPP 2": the folder's sessions by kind.
-QString sessionsText(const FolderReport& folder);
-
 /// A line a folder, largest reclaimable first, then the totals line; with `missing`, each
 /// missing file of a folder under its line, with the files of the library that may be it.
 QString auditText(const LibraryReport& report, bool missing);

@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "forms/audit_form.h"
+#include "forms/main_form.h"
+#include "readers/session_kinds.h"
+#include "support/recording_interaction.h"
+#include "support/session_files.h"
+
+namespace tidewick::test {
+namespace {
+
+// The unused list's texts.
+QStringList unusedTexts(const MainForm& form) {
+    QStringList texts;
+    for (int row = 0; row < form.UnusedFiles.count(); ++row) {
+        texts << form.UnusedFiles.text(row);
+    }
+    return texts;
+}
+
+// "Audit a Library" from the window: its rows, largest reclaimable first; "Go to Folder" shows
+// the folder on its session's tab. A load there afterwards keeps the file that a session of
+// another folder uses, which only the index of the audit knows, and names that session.
+TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
+    QTemporaryDir home;
+    qputenv("XDG_CACHE_HOME", home.filePath("cache").toUtf8());
+    const QString root = home.filePath("Library");
+    const QString band = root + "/Band/", podcast = root + "/Podcast/";
+    for (const QString& file :
+         {band + "drums.wav", band + "shared loop.wav", band + "old.wav", podcast + "voice.wav",
+          podcast + "take 1.wav", podcast + "take 2.wav"}) {
+        ASSERT_TRUE(writeFile(file, QByteArray(100, 'x')));
+    }
+    ASSERT_TRUE(writeFile(band + "song.rpp", sessionBytes(SessionKindId::Rpp, {"drums.wav"})));
+    ASSERT_TRUE(writeFile(
+        podcast + "show.sesx",
+        sessionBytes(SessionKindId::Sesx, {podcast + "voice.wav", band + "shared loop.wav"})));
+
+    RecordingInteraction ui;
+    MainForm form(ui);
+    form.Form_Load();
+    const auto loadBand = [&form, &band] {
+        form.goToSessionFolder(band, SessionKindId::Rpp);
+        form.SESFile.setListIndex(int(form.SESFile.items().indexOf("song.rpp")));
+        return unusedTexts(form);
+    };
+    EXPECT_TRUE(loadBand().contains("shared loop.wav"));  // no audit yet: nothing knows
+
+    AuditForm audit(ui, form.FSO, root, home.filePath("cache/Tidewick/index.sqlite"));
+    audit.runToEnd();
+    ASSERT_EQ(audit.rows().size(), 2);
+    EXPECT_EQ(audit.rows()[0].folder, root + "/Podcast");  // 2 takes before 1 old file
+    EXPECT_EQ(audit.rows()[1].sessions, "RPP 1");
+    EXPECT_EQ(audit.rows()[1].reclaimable, "1 file(s) 100 bytes (0.00Mb)");
+    audit.CurrentRow = 1;
+    audit.OpenButton_Click();
+    ASSERT_TRUE(audit.chosen());
+    form.goToSessionFolder(audit.chosen()->folder, audit.chosen()->kind);
+    EXPECT_EQ(form.selectedTabKey(), sessionKind(SessionKindId::Rpp).tabKey);
+    EXPECT_EQ(form.SESFile.text(), root + "/Band");
+
+    const QStringList offered = loadBand();
+    EXPECT_EQ(offered, QStringList{"old.wav"});
+    EXPECT_TRUE(form.UnusedFrame.tooltip().contains(podcast + "show.sesx"))
+        << form.UnusedFrame.tooltip().toStdString();
+    qunsetenv("XDG_CACHE_HOME");
+}
+
+}  // namespace
+}  // namespace tidewick::test
