@@ -53,6 +53,16 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
     const QStringList move = {"move", here, "--kind", "ses", "--session", "mix.ses", "--to"};
     const QStringList copy = {"copy-used", here, "--kind", "ses", "--session", "mix.ses"};
     const QString collect = f.dir.filePath("Collect");
+    // A library: a folder that frees one file, and one whose session is cut short.
+    qputenv("XDG_CACHE_HOME", f.dir.filePath("cache").toUtf8());
+    const QString library = f.dir.filePath("Library"), band = library + "/Band";
+    for (const QString& file : {band + "/a.wav", band + "/b.wav", library + "/Cut/a.wav"}) {
+        ASSERT_TRUE(test::writeFile(file, "RIFF"));
+    }
+    ASSERT_TRUE(
+        test::writeFile(band + "/mix.sesx", test::sessionBytes(SessionKindId::Sesx, {"a.wav"})));
+    ASSERT_TRUE(test::writeFile(library + "/Cut/mix.sesx",
+                                test::sessionBytes(SessionKindId::Sesx, {"a.wav"}).chopped(20)));
 
     const struct {
         QStringList arguments;
@@ -102,6 +112,23 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
         {copy + QStringList{"--to", collect}, 0,
          "1 File(s) successfully copied to " + collect + "/.\n", ""},
+
+        {{"audit"}, 1, "", "usage: tidewick-cli audit"},
+        {{"audit", library, "--json", "--csv"}, 1, "", "usage: tidewick-cli audit"},
+        {{"audit", "/no/such/folder"}, 1, "", "no such folder: /no/"},
+        {{"audit", band},
+         0,
+         band + "  reclaimable 1 file(s) 4 bytes (0.00Mb)  sessions SESX 1  used 1  missing 0\n"
+                "Totals: 1 folder(s), 1 session(s), 1 used, 0 missing, reclaimable 1 file(s) 4 "
+                "bytes (0.00Mb)\n",
+         ""},
+        {{"audit", library, "--csv"},
+         2,
+         "folder,sessions,SES,SESX,XML,RPP,VEG,used,missing,reclaimable_files,reclaimable_bytes,"
+         "stopped,reason\n" +
+             band + ",1,0,1,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
+         library + "/Cut: Reading stopped at \"mix.sesx\""},
+        {{"audit", band, "--json"}, 0, "{\n    \"folders\": [\n", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments.join(' ').toStdString());
