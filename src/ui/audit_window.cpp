@@ -73,15 +73,19 @@ void AuditWindow::fillTable() {
                                     new Cell(line.sessions, -1, row),
                                     new Cell(line.reclaimable, line.reclaimableBytes + 1, row),
                                     new Cell(QString::number(line.missing), line.missing, row)};
+        const QString tip = line.reason.isEmpty() ? visibleText(line.folder)
+                                                  : visibleText(line.folder) + u'\n' + line.reason;
         for (int column = 0; column < cells.size(); ++column) {
-            cells[column]->setToolTip(line.reason);
+            cells[column]->setToolTip(tip);
             table_->setItem(row, column, cells[column]);
         }
     }
     table_->setSortingEnabled(true);
     table_->sortByColumn(2, Qt::DescendingOrder);
+    // The folder takes the room the other columns leave.
     table_->resizeColumnsToContents();
-    table_->setColumnWidth(0, std::min(table_->columnWidth(0), width() / 2));
+    table_->horizontalHeader()->setStretchLastSection(false);
+    table_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     table_->setCurrentCell(0, 0);
     table_->setFocus();
 }
