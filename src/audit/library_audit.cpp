@@ -154,23 +154,6 @@ Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed
     return walk;
 }
 
-// The files a session uses outside its own folder, as every reading of its paths resolves them:
-// the uses that another folder's loads cannot see.
-QStringList usedElsewhere(const QString& session, const SessionKind& kind,
-                          const SessionRead& read) {
-    const QString folder = withSeparator(hostParentFolder(session));
-    QStringList files;
-    for (const QString& written : read.paths) {
-        for (const QString& named : filesNamedBy(written, folder, kind)) {
-            const QString file = cleanHostPath(named);
-            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
-                files.append(file);
-            }
-        }
-    }
-    return files;
-}
-
 // How far apart two folders are: the steps up from one to the folder they share, and down.
 int distance(const QString& from, const QString& to) {
     const QStringList a = from.split(u'/', Qt::SkipEmptyParts);
@@ -334,6 +317,21 @@ void addTotals(LibraryReport& report) {
 }
 
 }  // namespace
+
+QStringList usedElsewhere(const QString& session, const SessionKind& kind,
+                          const SessionRead& read) {
+    const QString folder = withSeparator(hostParentFolder(session));
+    QStringList files;
+    for (const QString& written : read.paths) {
+        for (const QString& named : filesNamedBy(written, folder, kind)) {
+            const QString file = cleanHostPath(named);
+            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
+                files.append(file);
+            }
+        }
+    }
+    return files;
+}
 
 bool walkedFolder(const QString& parent, const QString& name) {
     if (name.startsWith(u'.')) {

@@ -91,6 +91,10 @@ struct AuditEvents {
 /// ("Trash/files", "Trash/info").
 bool walkedFolder(const QString& parent, const QString& name);
 
+/// The files the session `session` of `kind`, as `read`, uses outside its own folder, as every
+/// reading of its paths resolves them: the uses that another folder's loads cannot see.
+QStringList usedElsewhere(const QString& session, const SessionKind& kind, const SessionRead& read);
+
 /// Audits the library under `root` on `disk`. Sessions come from `index`, when given, where their
 /// files are as the index holds them; those read afresh go into it, with the root.
 LibraryReport auditLibrary(const QString& root, const FileSystem& disk, SessionIndex* index,

@@ -62,6 +62,11 @@ QList<SessionElsewhere> MainForm::sessionsElsewhere(const QStringList& folders) 
         }
         if (std::optional<SessionCache::Entry> held = auditedIndex_->session(it.key(), FSO)) {
             sessionCache_.remember(it.key(), std::move(*held));
+        } else if (const SessionRead read = sessionCache_.read(*kind, it.key(), FSO);
+                   read.outcome == ReaderOutcome::Read) {
+            // Changed since the audit: read again here, and the index learns it.
+            auditedIndex_->update(it.key(), sessionCache_.entries().value(it.key()),
+                                  usedElsewhere(it.key(), *kind, read));
         }
         sessions.append({it.key(), kind, it.value()});
     }

@@ -43,6 +43,7 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     form.Form_Load();
     const auto loadBand = [&form, &band] {
         form.goToSessionFolder(band, SessionKindId::Rpp);
+        form.SESFile.setListIndex(-1);
         form.SESFile.setListIndex(int(form.SESFile.items().indexOf("song.rpp")));
         return unusedTexts(form);
     };
@@ -65,6 +66,18 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     EXPECT_EQ(offered, QStringList{"old.wav"});
     EXPECT_TRUE(form.UnusedFrame.tooltip().contains(podcast + "show.sesx"))
         << form.UnusedFrame.tooltip().toStdString();
+
+    // The podcast's session changed since the audit: it is read again, in this form and in
+    // the next, which learns it from the index.
+    ASSERT_TRUE(
+        writeFile(podcast + "show.sesx",
+                  sessionBytes(SessionKindId::Sesx, {band + "shared loop.wav", band + "old.wav"})));
+    EXPECT_EQ(loadBand(), QStringList());
+    MainForm next(ui);
+    next.Form_Load();
+    next.goToSessionFolder(band, SessionKindId::Rpp);
+    next.SESFile.setListIndex(int(next.SESFile.items().indexOf("song.rpp")));
+    EXPECT_EQ(unusedTexts(next), QStringList());
     qunsetenv("XDG_CACHE_HOME");
 }
 
