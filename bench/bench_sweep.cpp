@@ -8,11 +8,11 @@
 #include <cstdio>
 #include <memory>
 
+#include "forms/main_form.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 #include "session_folder.h"
 #include "support/recording_interaction.h"
-#include "forms/main_form.h"
 
 namespace {
 

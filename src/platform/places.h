@@ -16,8 +16,8 @@ struct Mount {
 
 /// The user's places in the drive list's order: `home` first, then "/", then the mounts of
 /// removable and external disks (right inside /media/`user`, /run/media/`user`, /mnt and
-/// /Volumes), sorted by path. Pseudo and system file systems (proc, tmpfs, squashfs, …) are left out even
-/// there, and every other mount (/boot, /run/user/…, /snap/…) is part of "/" for the user.
+/// /Volumes), sorted by path. Pseudo and system file systems (proc, tmpfs, squashfs, …) are left
+/// out even there, and every other mount (/boot, /run/user/…, /snap/…) is part of "/" for the user.
 QStringList userPlaces(const QList<Mount>& mounts, const QString& home, const QString& user);
 
 /// This machine's drive list: its drive roots on Windows, its user's places elsewhere.

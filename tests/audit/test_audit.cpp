@@ -19,18 +19,19 @@ namespace {
 void writeLibrary(const QString& root, const char* files) {
     for (const QString& line : QString::fromUtf8(files).split(u'\n', Qt::SkipEmptyParts)) {
         const QString path = root + u'/' + line.section(QStringLiteral(" = "), 0, 0).trimmed();
-        QString spec = line.section(QStringLiteral(" = "), 1).trimmed();
-        if (spec.startsWith(QLatin1String("link: "))) {
+        QString content = line.section(QStringLiteral(" = "), 1).trimmed();
+        if (content.startsWith(QLatin1String("link: "))) {
             QDir().mkpath(hostParentFolder(path));
-            ASSERT_TRUE(QFile::link(root + u'/' + spec.mid(6), path));
+            ASSERT_TRUE(QFile::link(root + u'/' + content.mid(6), path));
             continue;
         }
-        const bool cut = spec.startsWith(QLatin1String("cut "));
-        spec.remove(0, cut ? 4 : 0);
-        const SessionKind* kind = sessionKindForFile(u'x' + spec.section(u':', 0, 0).prepend(u'.'));
-        QByteArray bytes = spec.toUtf8();
-        if (kind != nullptr && spec.contains(u':')) {
-            QStringList paths = spec.section(u':', 1).split(u',', Qt::SkipEmptyParts);
+        const bool cut = content.startsWith(QLatin1String("cut "));
+        content.remove(0, cut ? 4 : 0);
+        const SessionKind* kind =
+            sessionKindForFile(u'x' + content.section(u':', 0, 0).prepend(u'.'));
+        QByteArray bytes = content.toUtf8();
+        if (kind != nullptr && content.contains(u':')) {
+            QStringList paths = content.section(u':', 1).split(u',', Qt::SkipEmptyParts);
             for (QString& each : paths) {
                 each = each.trimmed().replace(u'@', root);
             }
