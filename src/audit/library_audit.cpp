@@ -6,12 +6,12 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <vector>
 
 #include "audit/folder_audit.h"
 #include "audit/recording_disk.h"
 #include "audit/session_index.h"
+#include "platform/on_cores.h"
 #include "platform/path_text.h"
 #include "sweep/listed_disk.h"
 
@@ -35,6 +35,10 @@ struct Walk {
     /// Every folder walked, with its separator: where a missing file may be.
     QStringList walked;
 };
+
+// The threads of a walk and of the folders' audits at the most: beyond four, the disk and the
+// shared listing gain little from more.
+constexpr qsizetype kAuditThreads = 4;
 
 bool stopped(const AuditEvents& events) {
     return events.stopRequested && events.stopRequested();
@@ -99,24 +103,14 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
                 }
                 const bool stop = stopped(events);
                 lock.lock();
-                cancelled = cancelled || stop;
+                if (stop) {
+                    cancelled = true;
+                    wake.notify_all();  // the helpers stop with the reporter
+                }
             }
         }
     };
-    std::vector<std::thread> helpers;
-    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
-    for (unsigned n = 1; n < cores; ++n) {
-        helpers.emplace_back(work, false);
-    }
-    work(true);
-    {
-        const std::lock_guard lock(mutex);
-        cancelled = true;  // the helpers stop once the reporter has
-    }
-    wake.notify_all();
-    for (std::thread& helper : helpers) {
-        helper.join();
-    }
+    onCores(kAuditThreads, work);
     std::sort(read.begin(), read.end(),
               [](const auto& a, const auto& b) { return a.first < b.first; });
     return read;
@@ -286,15 +280,7 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
             }
         }
     };
-    std::vector<std::thread> helpers;
-    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 4U);
-    for (unsigned n = 1; n < cores && n < again.size(); ++n) {
-        helpers.emplace_back(work, false);
-    }
-    work(true);
-    for (std::thread& helper : helpers) {
-        helper.join();
-    }
+    onCores(std::min(kAuditThreads, again.size()), work);
     progress.folders = done;
     return audited;
 }
@@ -372,14 +358,16 @@ LibraryReport auditLibrary(const QString& root, const FileSystem& disk, SessionI
     }
 
     // The sessions that changed since the index had them are read, side by side on the cores at
-    // hand; for folders audited again, the others come from the index.
+    // hand; for folders audited again, the others come from the index. With no folder to audit
+    // again, the stamps the index holds say which to read.
     SessionCache cache;
+    QHash<QString, FileStamp> held;
     if (index != nullptr && !again.isEmpty()) {
         index->loadInto(report.root, cache, listed);
+    } else if (index != nullptr) {
+        held = index->stamps(report.root);
     }
     const qsizetype known = cache.entries().size();
-    const QHash<QString, FileStamp> held =
-        index != nullptr ? index->stamps(report.root) : QHash<QString, FileStamp>();
     QList<std::pair<const SessionKind*, QString>> toRead;
     QSet<QString> present;
     for (const auto& [kind, path] : walk.sessionFiles) {

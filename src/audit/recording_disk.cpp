@@ -132,12 +132,9 @@ T RecordingDisk::noted(char kind, const QString& path, T value) const {
 }
 
 bool RecordingDisk::listed(const QString& path) const {
-    qsizetype cut = path.size();
-    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
-        --cut;
-    }
-    const auto it = listed_.constFind(path.left(cut));
-    return it != listed_.constEnd() && it->contains(path.mid(cut));
+    const auto [folder, name] = folderAndName(path);
+    const auto it = listed_.constFind(folder);
+    return it != listed_.constEnd() && it->contains(name);
 }
 
 QByteArray RecordingDisk::questions() const {

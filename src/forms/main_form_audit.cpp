@@ -27,10 +27,7 @@ void MainForm::mnuFileAudit_Click() {
 }
 
 void MainForm::goToSessionFolder(const QString& folder, SessionKindId kind) {
-    const int tab = int(&sessionKind(kind) - sessionKinds().data());
-    if (FileTypeTab.listIndex() != tab) {
-        FileTypeTab.setListIndex(tab);
-    }
+    selectTabByKey(sessionKind(kind).tabKey);
     pointBrowserAt(folder);
 }
 

@@ -128,6 +128,11 @@ QString GetParentFolderName(const QString& path) {
     return parent;
 }
 
+std::pair<QString, QString> folderAndName(const QString& path) {
+    const qsizetype cut = lastSeparator(path, path.size()) + 1;
+    return {path.left(cut), path.mid(cut)};
+}
+
 QString GetFileName(const QString& path) {
     const qsizetype end = endWithoutTrailingSeparators(path);
     const qsizetype sep = lastSeparator(path, end);

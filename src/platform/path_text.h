@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <utility>
 
 // Path-text operations of the file-system object. They read both "\" and "/" as separators, so
 // a path written on Windows and one written on Linux or macOS take the same road.
@@ -31,6 +32,10 @@ QString GetParentFolderName(const QString& path);
 
 /// The last component of a path ("take.wav" for "C:\x\take.wav").
 QString GetFileName(const QString& path);
+
+/// `path` cut after its last separator, as it stands: the folder with that separator, and the
+/// name ("/x/" and "take.wav" for "/x/take.wav"; "" and the whole for a bare name).
+std::pair<QString, QString> folderAndName(const QString& path);
 
 /// The last component without its extension ("take" for "C:\x\take.wav").
 QString GetBaseName(const QString& path);

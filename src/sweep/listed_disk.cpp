@@ -18,16 +18,13 @@ ListedDisk::Held ListedDisk::listing(const QString& folder) const {
 }
 
 std::pair<ListedDisk::Held, qsizetype> ListedDisk::entryOf(const QString& path) const {
-    qsizetype cut = path.size();
-    while (cut > 0 && !isPathSeparator(path[cut - 1])) {
-        --cut;
-    }
+    const auto [folder, name] = folderAndName(path);
     Held listed;
     {
         const std::lock_guard lock(mutex_);
-        listed = listings_.value(path.left(cut));
+        listed = listings_.value(folder);
     }
-    const qsizetype at = listed ? listed->names().value(path.mid(cut), -1) : -1;
+    const qsizetype at = listed ? listed->names().value(name, -1) : -1;
     return {at >= 0 ? std::move(listed) : nullptr, at};
 }
 

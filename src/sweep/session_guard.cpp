@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <atomic>
-#include <thread>
 #include <vector>
 
+#include "platform/on_cores.h"
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "sweep/sweep.h"
@@ -104,22 +104,13 @@ QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind
     // Each reader is a function of its file's bytes: the files are read side by side, one a
     // core, and the disk's answers (REAPER's record folder) come from `fs` itself.
     std::atomic<size_t> next{0};
-    const auto work = [&] {
+    onCores(std::min<qsizetype>(8, qsizetype(missing.size())), [&](bool) {
         for (size_t at = next++; at < missing.size(); at = next++) {
             const qsizetype i = missing[at];
             reads[i] = readSessionFile(*files[i].first, files[i].second,
                                        {hostParentFolder(files[i].second), &fs});
         }
-    };
-    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
-    std::vector<std::thread> helpers;
-    for (unsigned n = 1; n < std::min<size_t>(cores, missing.size()); ++n) {
-        helpers.emplace_back(work);
-    }
-    work();
-    for (std::thread& helper : helpers) {
-        helper.join();
-    }
+    });
     for (const qsizetype i : missing) {
         if (stamps[i]) {
             entries_.insert(files[i].second, {*stamps[i], files[i].first->id, reads[i]});

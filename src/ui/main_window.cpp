@@ -88,24 +88,25 @@ MainWindow::MainWindow(MainForm& form, SettingsStore* store, QWidget* parent)
     }
 }
 
+namespace {
+
+// Shows the dialog `Window` of a form, modal over `owner`, until it closes.
+template <typename Window, typename Form>
+std::function<void(Form&)> modalOver(QWidget* owner) {
+    return [owner](Form& form) {
+        Window dialog(form, owner);
+        dialog.exec();
+    };
+}
+
+}  // namespace
+
 // The form's dialogs open modal over this window.
 void MainWindow::showDialogsOfForm() {
-    form_.showExclusionForm = [this](ExclusionForm& exclusion) {
-        ExclusionWindow editor(exclusion, this);
-        editor.exec();
-    };
-    form_.showMoveForm = [this](MoveForm& move) {
-        MoveWindow results(move, this);
-        results.exec();
-    };
-    form_.showRestoreForm = [this](RestoreForm& restore) {
-        RestoreWindow chooser(restore, this);
-        chooser.exec();
-    };
-    form_.showAuditForm = [this](AuditForm& audit) {
-        AuditWindow table(audit, this);
-        table.exec();
-    };
+    form_.showExclusionForm = modalOver<ExclusionWindow, ExclusionForm>(this);
+    form_.showMoveForm = modalOver<MoveWindow, MoveForm>(this);
+    form_.showRestoreForm = modalOver<RestoreWindow, RestoreForm>(this);
+    form_.showAuditForm = modalOver<AuditWindow, AuditForm>(this);
 }
 
 MainWindow::~MainWindow() {
