@@ -1,8 +1,8 @@
 // Feeds arbitrary bytes to the REAPER project reader, and folds its record path lines as a
 // single project and as one of a whole-folder scan.
 #include "fuzz_reader.h"
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
+#include "text/path_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     tidewick::fuzz::Input input(data, size);

@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "platform/number_text.h"
+#include "text/number_text.h"
 
 namespace tidewick {
 

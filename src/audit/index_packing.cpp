@@ -4,7 +4,7 @@
 #include <QIODevice>
 #include <algorithm>
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

@@ -12,8 +12,8 @@
 #include "audit/recording_disk.h"
 #include "audit/session_index.h"
 #include "platform/on_cores.h"
-#include "platform/path_text.h"
 #include "sweep/listed_disk.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

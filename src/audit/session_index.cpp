@@ -10,8 +10,8 @@
 #include <QVariant>
 
 #include "audit/index_packing.h"
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

@@ -2,7 +2,7 @@
 
 #include <QFileInfo>
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 #include <cerrno>
 

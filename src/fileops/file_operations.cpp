@@ -10,8 +10,8 @@
 
 #include "fileops/file_copy.h"
 #include "fileops/home_trash.h"
-#include "platform/path_text.h"
 #include "platform/process_setup.h"
+#include "text/path_text.h"
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>

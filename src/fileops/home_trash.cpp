@@ -5,7 +5,7 @@
 #include <QMutex>
 #include <QSet>
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 #ifdef Q_OS_LINUX
 #include <fcntl.h>

@@ -4,9 +4,9 @@
 #include <QDir>
 #include <QLocale>
 
-#include "platform/number_text.h"
-#include "platform/path_text.h"
-#include "platform/wildcard.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
+#include "text/wildcard.h"
 
 namespace tidewick {
 

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/number_text.h"
+#include "text/number_text.h"
 
 namespace tidewick {
 

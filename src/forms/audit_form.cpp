@@ -2,7 +2,7 @@
 
 #include "audit/audit_text.h"
 #include "audit/session_index.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

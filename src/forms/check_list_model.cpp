@@ -1,7 +1,7 @@
 #include "forms/check_list_model.h"
 
-#include "platform/path_text.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

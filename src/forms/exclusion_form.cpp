@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

@@ -3,7 +3,7 @@
 #include "audit/session_index.h"
 #include "forms/audit_form.h"
 #include "forms/main_form.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 // The window and the audit of a library: going from the audit's table to a folder.
 namespace tidewick {

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "forms/main_form.h"
-#include "platform/path_text.h"
 #include "readers/session_kinds.h"
+#include "text/path_text.h"
 
 // The left-hand side of the main window, through which the user picks what to load: drive,
 // folder, session kind and scan range. Every change of drive, folder or kind empties both lists.

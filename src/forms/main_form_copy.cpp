@@ -1,7 +1,7 @@
 #include "fileops/copy_used.h"
 #include "forms/main_form.h"
-#include "platform/number_text.h"
-#include "platform/path_text.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 // "Cop&y Files": the used files present on disk (the checked lines of the used list) copied into
 // a folder the user picks.

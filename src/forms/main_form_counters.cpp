@@ -1,7 +1,7 @@
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
-#include "platform/path_text.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 // The counts in the list frames' captions and the sizes on the information line.
 namespace tidewick {

@@ -1,5 +1,5 @@
 #include "forms/main_form.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 // The selection buttons under "Files to be Moved" and opening a listed file.
 namespace tidewick {

@@ -1,7 +1,7 @@
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
-#include "platform/path_text.h"
 #include "readers/session_kinds.h"
+#include "text/path_text.h"
 
 // Choosing a session: the window's controls become a sweep request, the sweep runs, and its
 // lines fill UsedFiles and UnusedFiles.

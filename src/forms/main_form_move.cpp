@@ -4,7 +4,7 @@
 #include "forms/main_form.h"
 #include "forms/move_form.h"
 #include "forms/restore_form.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 // "&Move Files": the checks and the confirmation before the results window runs the move, and
 // the reload of the session after it.

@@ -1,5 +1,5 @@
 #include "forms/main_form.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 // The sub-folder row of the REAPER and Vegas tabs, which gathers one more folder into "Files to
 // be Moved", and the move's store-in-sub-folder option, which follows the selected session.

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 
 #include "fileops/move_record.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

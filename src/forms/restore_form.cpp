@@ -2,8 +2,8 @@
 
 #include <QLocale>
 
-#include "platform/number_text.h"
-#include "platform/path_text.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

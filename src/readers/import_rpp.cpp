@@ -5,9 +5,9 @@
 
 #include <QDir>
 
-#include "platform/path_text.h"
-#include "platform/session_text.h"
 #include "readers/session_bytes.h"
+#include "readers/session_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/path_text.h"
-#include "platform/session_text.h"
 #include "readers/session_bytes.h"
+#include "readers/session_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

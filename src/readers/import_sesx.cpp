@@ -3,8 +3,8 @@
 #include <QXmlStreamReader>
 #include <cstring>
 
-#include "platform/session_text.h"
 #include "readers/session_bytes.h"
+#include "readers/session_text.h"
 
 namespace tidewick {
 

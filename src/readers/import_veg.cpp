@@ -4,8 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/session_text.h"
 #include "readers/session_bytes.h"
+#include "readers/session_text.h"
 
 namespace tidewick {
 

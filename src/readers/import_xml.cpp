@@ -3,8 +3,8 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
-#include "platform/session_text.h"
 #include "readers/session_bytes.h"
+#include "readers/session_text.h"
 
 namespace tidewick {
 

@@ -1,7 +1,7 @@
 #include "readers/session_bytes.h"
 
 #include "platform/file_system.h"
-#include "platform/session_text.h"
+#include "readers/session_text.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -2,13 +2,13 @@
 
 #include <exception>
 
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "readers/import_ses.h"
 #include "readers/import_sesx.h"
 #include "readers/import_veg.h"
 #include "readers/import_xml.h"
 #include "readers/session_bytes.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

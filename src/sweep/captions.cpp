@@ -1,6 +1,6 @@
-#include "platform/number_text.h"
-#include "platform/path_text.h"
 #include "sweep/sweep.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 // The captions of the two list frames and the information line, as the window and the command
 // line show them.

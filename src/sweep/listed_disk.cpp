@@ -1,6 +1,6 @@
 #include "sweep/listed_disk.h"
 
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 

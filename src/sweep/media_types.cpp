@@ -47,15 +47,4 @@ QString mediaTypeItemText(const MediaTypeTable& table, int index) {
            QStringLiteral(")");
 }
 
-QStringList splitPatternList(const QString& patternList) {
-    QStringList patterns;
-    for (const QString& piece : patternList.split(QLatin1Char(';'))) {
-        const QString pattern = piece.trimmed();
-        if (!pattern.isEmpty()) {
-            patterns.append(pattern);
-        }
-    }
-    return patterns;
-}
-
 }  // namespace tidewick

@@ -20,7 +20,4 @@ MediaTypeTable mediaTypeTable();
 /// The line of the drop-down list for entry `index`: "All Files (*.*)".
 QString mediaTypeItemText(const MediaTypeTable& table, int index);
 
-/// The single patterns of a pattern list, without blanks: "*.mid; *.rmi" gives *.mid and *.rmi.
-QStringList splitPatternList(const QString& patternList);
-
 }  // namespace tidewick

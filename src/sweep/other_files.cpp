@@ -1,7 +1,7 @@
-#include "platform/path_text.h"
-#include "platform/wildcard.h"
-#include "sweep/pattern_list.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
+#include "text/pattern_list.h"
+#include "text/wildcard.h"
 
 // The other files of the session folder that no scanned session uses: "Files to be Moved".
 namespace tidewick {

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "platform/on_cores.h"
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 // The folder's other sessions, of every kind, guard the files they use: a file that any session
 // the load can see uses is never offered for moving.

@@ -1,7 +1,7 @@
-#include "platform/path_text.h"
 #include "sweep/listed_disk.h"
-#include "sweep/pattern_list.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
+#include "text/pattern_list.h"
 
 // A whole load of a session folder: the used media, then the other files.
 namespace tidewick {

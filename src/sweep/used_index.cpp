@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "platform/path_text.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 // The used test: the lines of a load as hash sets, so that the other-files computation asks a
 // set per file instead of scanning the list.

@@ -1,9 +1,9 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
 // kind, and every media path it names is resolved against the session folder and the disk into

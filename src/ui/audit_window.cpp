@@ -7,7 +7,7 @@
 #include <QTimer>
 
 #include "forms/audit_form.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 #include "ui/control_widgets.h"
 #include "ui/twips.h"
 

@@ -7,9 +7,9 @@
 #include <QTabBar>
 #include <QTreeView>
 
-#include "platform/path_text.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"
+#include "text/path_text.h"
 #include "ui/combo_drop_width.h"
 #include "ui/folder_tree_model.h"
 #include "ui/main_window.h"

@@ -7,11 +7,11 @@
 #include <QTextStream>
 
 #include "app/cli/cli.h"
-#include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"
 #include "support/ses_writer.h"
 #include "support/session_files.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "audit/library_audit.h"
 #include "audit/session_index.h"
-#include "platform/path_text.h"
 #include "support/reader_fixture.h"
+#include "text/path_text.h"
 
 // Audits of libraries written on the real disk: which folders are found, what each could free,
 // what each misses and where it may be, and what the index changes (nothing but the reading).

@@ -12,8 +12,8 @@
 #include <functional>
 
 #include "fileops/move_run.h"
-#include "platform/path_text.h"
 #include "support/reader_fixture.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 namespace {

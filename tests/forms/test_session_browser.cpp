@@ -5,11 +5,11 @@
 
 #include <QTemporaryDir>
 #include "forms/main_form.h"
-#include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"  // prints texts in failures
 #include "support/recording_interaction.h"
 #include "support/session_files.h"
+#include "text/path_text.h"
 
 namespace tidewick::test {
 namespace {

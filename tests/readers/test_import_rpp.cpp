@@ -5,9 +5,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "support/reader_fixture.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <QFile>
 
-#include "platform/path_text.h"
-#include "platform/session_text.h"
 #include "readers/session_kinds.h"
+#include "readers/session_text.h"
 #include "support/reader_fixture.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 namespace {

@@ -11,9 +11,9 @@
 #include <sys/stat.h>
 #endif
 
-#include "platform/path_text.h"
 #include "support/session_files.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 namespace {

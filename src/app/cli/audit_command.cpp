@@ -4,8 +4,8 @@
 #include "app/cli/cli.h"
 #include "audit/audit_text.h"
 #include "audit/session_index.h"
-#include "platform/number_text.h"
-#include "platform/path_text.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 // `audit`: every session folder under a root, what each could free and what each is missing.
 namespace tidewick::cli {

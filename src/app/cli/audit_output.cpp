@@ -5,8 +5,8 @@
 #include <QJsonObject>
 
 #include "audit/audit_text.h"
-#include "platform/number_text.h"
-#include "platform/path_text.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 namespace tidewick::cli {
 

@@ -2,7 +2,7 @@
 #include "app/cli/folder_scan.h"
 #include "fileops/copy_used.h"
 #include "fileops/move_run.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 // `copy-used`: what the window's "Cop&y Files" copies (the used files present on disk), after
 // the same scan as `scan`; a file that fails is reported and left out, as "Ignore" does.

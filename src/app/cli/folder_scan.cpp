@@ -5,7 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
-#include "platform/path_text.h"
+#include "text/path_text.h"
 
 namespace tidewick::cli {
 

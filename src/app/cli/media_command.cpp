@@ -2,9 +2,9 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
-#include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "readers/session_kinds.h"
+#include "text/path_text.h"
 
 namespace tidewick::cli {
 

@@ -1,8 +1,8 @@
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
 #include "fileops/move_record.h"
-#include "platform/path_text.h"
-#include "platform/wildcard.h"
+#include "text/path_text.h"
+#include "text/wildcard.h"
 
 // `move`: what the window's "&Move Files" would move with the lines of "Files to be Moved"
 // checked, after the same scan as `scan`, by the same run as the results window, whose log it

@@ -2,8 +2,8 @@
 
 #include "app/cli/cli.h"
 #include "fileops/restore.h"
-#include "platform/number_text.h"
-#include "platform/path_text.h"
+#include "text/number_text.h"
+#include "text/path_text.h"
 
 // `restore`: a move undone from its record, as "File > Restore a Move..." does it.
 namespace tidewick::cli {

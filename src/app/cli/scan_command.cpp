@@ -5,10 +5,10 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
-#include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 #include "sweep/sweep.h"
+#include "text/path_text.h"
 
 // `scan`: the main window's two lists for one session folder, as the sweep computes them for
 // the window, with the frame captions and the sizes line.

@@ -1,4 +1,4 @@
-#include "platform/session_text.h"
+#include "readers/session_text.h"
 
 #include <cstring>
 

@@ -1,4 +1,4 @@
-#include "platform/number_text.h"
+#include "text/number_text.h"
 
 #include <QLocale>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QList>
-#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 
@@ -9,9 +7,13 @@
 // listings apply them.
 namespace tidewick {
 
+/// The single patterns of a pattern list, without blanks: "*.mid; *.rmi" gives *.mid and *.rmi.
+QStringList splitPatternList(const QString& patternList);
+
 /// A pattern list as the lister applies it: "*.mid; *.rmi" selects the files of either pattern
 /// (blanks around each pattern do not count), letter case never counts, and "*.*" selects every
-/// file, also one without an extension, as on the platform the behaviour comes from.
+/// file, also one without an extension, as on the platform the behaviour comes from. Each
+/// pattern is matched by wildcardMatch.
 class PatternList {
 public:
     explicit PatternList(const QString& patternList);
@@ -26,7 +28,7 @@ public:
 
 private:
     QStringList filters_;
-    QList<QRegularExpression> expressions_;
+    QStringList upperFilters_;
 };
 
 }  // namespace tidewick

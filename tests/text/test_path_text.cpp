@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/path_text.h"
-#include "platform/wildcard.h"
+#include "text/path_text.h"
+#include "text/wildcard.h"
 
 namespace tidewick {
 namespace {
