@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "session/session_folder.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -10,18 +11,16 @@ namespace {
 
 // The load of all the sessions of `kind`, as "Check All" makes it with "All Files", the peak files
 // of used media kept and REAPER's record folder gathered by the sub-folder row.
-SweepRequest wholeLoad(const SessionKind& kind, const QString& folder, const QStringList& names) {
-    SweepOptions options;
+SessionOptions wholeLoad(const SessionKind& kind, const QString& folder, const QStringList& names) {
+    SessionOptions options;
     options.kind = &kind;
     options.folder = folder;
     options.sessions = names;
     options.wholeFolder = true;
     options.keepPeaks = true;
-    options.subFolderChecked = kind.namesRecordFolder;
+    options.rowOn = kind.namesRecordFolder;
     options.recordFolder = startingRecordFolder(kind, folder, true);
-    SweepRequest request = sweepRequest(options);
-    request.reuseReads = true;
-    return request;
+    return options;
 }
 
 // One folder's loads taken together: a file can be freed when some load offers it and no load
@@ -34,8 +33,8 @@ public:
         : folder_(folder), disk_(disk), alone_(alone) {}
 
     // False when the load stopped at a session it could not read.
-    bool add(const Sweep& sweep, FolderReport& report) {
-        for (const UsedLine& line : sweep.used.lines) {
+    bool add(const SessionFolder& load, FolderReport& report) {
+        for (const UsedLine& line : load.usedLines()) {
             if (lines_.contains(line.path)) {
                 continue;
             }
@@ -46,18 +45,18 @@ public:
                 report.missing.append({line.text, line.path, line.sessions, {}});
             }
         }
-        if (sweep.used.stopped) {
+        if (load.stopped()) {
             return false;
         }
         QSet<QString> offeredHere;
-        for (const OtherFile& other : sweep.others) {
+        for (const OtherFile& other : load.otherFiles()) {
             // The listings join a clean folder and a name: the path is clean as it stands.
             const QString path = otherFilePath(folder_, other.text);
             offered_.insert(path, other.size);
             offeredHere.insert(path);
         }
         if (!alone_) {
-            for (const QString& listed : sweep.folders) {
+            for (const QString& listed : load.folders()) {
                 for (const FolderEntry& entry : disk_.listFiles(listed)) {
                     if (const QString path = listed + entry.name; !offeredHere.contains(path)) {
                         kept_.insert(path);
@@ -114,10 +113,11 @@ FolderReport auditFolder(const QString& folder,
                 told = message.text.simplified();
             }
         };
-        const Sweep sweep = sweepFolder(wholeLoad(*kind, folder, names), disk, events, &cache);
-        if (!loads.add(sweep, report)) {
+        SessionFolder load(disk, cache);
+        load.load(wholeLoad(*kind, folder, names), events);
+        if (!loads.add(load, report)) {
             report.stopped = true;
-            report.reason = QStringLiteral("Reading stopped at \"") + sweep.used.stoppedAt + u'"' +
+            report.reason = QStringLiteral("Reading stopped at \"") + load.used().stoppedAt + u'"' +
                             (told.isEmpty() ? QString() : QStringLiteral(": ") + told);
             return report;
         }

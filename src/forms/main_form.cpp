@@ -112,7 +112,11 @@ MainForm::MainForm(UserInteraction& ui)
       mnuFileExit(named(u"mnuFileExit")),
       mnuWindowCentre(named(u"mnuWindowCentre")),
       mnuHelpAbout(named(u"mnuHelpAbout")),
-      mnuHelpDonate(named(u"mnuHelpDonate")) {
+      mnuHelpDonate(named(u"mnuHelpDonate")),
+      session_(FSO) {
+    session_.setSessionsElsewhere([this](const QStringList& folders) {
+        return library_.sessionsUsing(folders, FSO, session_.cache());
+    });
     QStringList tabCaptions;
     for (const SessionKind& kind : sessionKinds()) {
         tabCaptions.append(kind.tabCaption);

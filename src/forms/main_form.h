@@ -9,6 +9,7 @@
 #include <optional>
 #include <vector>
 
+#include "audit/audited_library.h"
 #include "fileops/copy_used.h"
 #include "fileops/file_operations.h"
 #include "fileops/move_run.h"
@@ -16,6 +17,7 @@
 #include "forms/control.h"
 #include "forms/move_form.h"
 #include "platform/interaction.h"
+#include "session/session_folder.h"
 #include "settings/preferences.h"
 #include "sweep/sweep.h"
 
@@ -114,7 +116,7 @@ public:
     QSize screenSize;
 
     /// The session's recordings folder (see the session kinds); kept by TrimFolders.
-    const QString& recordFolder() const { return RecordFolder; }
+    const QString& recordFolder() const { return session_.recordFolder(); }
     /// The folder of the last copy of used files, the start of the next one's picker.
     const QString& copyFolder() const { return CopyFolder; }
     /// The move's target folder as last picked.
@@ -210,27 +212,20 @@ public:
     std::function<void(AuditForm& form)> showAuditForm;
     /// Shows `folder` in the browser on the tab of `kind`.
     void goToSessionFolder(const QString& folder, SessionKindId kind);
-    /// The sessions of other folders that the index of an audited library says use files of
-    /// `folders` (those under an audited root), each still there; those whose files are as the
-    /// index holds them are taken from it, the others are read again by the guard.
-    QList<SessionElsewhere> sessionsElsewhere(const QStringList& folders);
     /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
     void UpdateUnusedFileSpec();
-    /// The controls as a sweep request, and the window's answers to what a sweep reports.
-    SweepRequest sweepRequest() const;
+    /// The controls as the options of a load, and the window's answers to what a load reports.
+    SessionOptions sessionOptions() const;
     SweepEvents sweepEvents();
 
     /// The frame captions with their counts, then UpdateSizes.
     void UpdateSelCounter();
     void UpdateSizes();
     void UpdateSubFolder();
-    /// After a REAPER load, whose sweep listed the project folder and the row's folder: the
-    /// record folder loses its double quotes, and SubFolderName shows the folder it names.
-    void GetRPPSubFolder();
     /// With the sub-folder row on, gathers the files of the folder in SubFolderName into
     /// UnusedFiles (those that no line leads to yet).
     void AddFolder();
-    /// A media path reduced to its file name, or to the RecordFolder level and the file name.
+    /// A media path reduced to its file name, or to the record folder level and the file name.
     QString TrimFolders(const QString& fullFileName) const;
 
     // The session load and the browser around it.
@@ -259,7 +254,6 @@ Q_SIGNALS:
 
 private:
     // The values the window keeps.
-    QString RecordFolder;
     /// True while every session of the folder is read at once ("Check All ... files").
     bool CheckAllFiles = false;
     /// True while "Ignore Leading Folder names" is checked.
@@ -294,31 +288,14 @@ private:
     void applyPreferences(const Preferences& preferences);
     void runSessionLoad();
     bool copying_ = false;
-    /// The used lines of the last load, with the files they name.
-    QList<UsedLine> usedLines_;
-    /// The last load stopped at a read failure; the used frame's caption says so, and the
-    /// information line says where (stopNote_).
-    bool loadStopped_ = false;
-    QString stopNote_;
     /// Fills UnusedFiles with `files`.
     void showOtherFiles(const QList<OtherFile>& files);
-    /// Appends those of `files` that lead to a file no line of UnusedFiles leads to yet.
-    void appendOtherFiles(const QList<OtherFile>& files);
-    /// The used test of the last load, for the other files listed after it.
-    UsedIndex& usedIndex();
-    std::shared_ptr<UsedIndex> usedIndex_;
-    /// Lets the sessions of `folder` guard their media in the used test; false when one could
-    /// not be read, which stops the load as an unreadable session does.
-    bool guardFolder(const QString& folder);
-    /// The files the listings passed over because a session keeps them.
-    QList<KeptFile> keptFiles_;
-    /// The folder's sessions as last read, which guard their media at every load.
-    SessionCache sessionCache_;
-    std::shared_ptr<SessionIndex> auditedIndex_;  // opened at the first load after an audit
+    /// The session folder as last loaded, and the audited library whose sessions guard it too.
+    SessionFolder session_;
+    AuditedLibrary library_;
     void noteBrowserChange() {
         ++load_.browserChanges;
-        loadStopped_ = false;
-        keptFiles_.clear();
+        session_.clear();
     }
     /// Where a results window runs its work: beside the window when there is one.
     MoveForm::Runner resultsRunner() const;
@@ -328,11 +305,11 @@ private:
     void reloadSession(const QString& session);
     /// Points the session-file list at `folder` and lists it afresh.
     void showSessionFolder(const QString& folder);
-    /// The checked lines of UsedFiles, each with the file it stands for.
-    QList<CopyItem> usedFilesOnDisk() const;
-    /// Copies `items` into CopyFolder with the caption, the progress and the failure questions;
-    /// how many were copied, or nothing when the user stopped the run.
-    std::optional<int> copyWithProgress(const QList<CopyItem>& items);
+    /// The rows of the checked lines of UsedFiles.
+    QList<int> checkedUsedRows() const;
+    /// Copies what `request` names into CopyFolder with the caption, the progress and the failure
+    /// questions; how many were copied, or nothing when the user stopped the run.
+    std::optional<int> copyWithProgress(const CopyRequest& request);
 
     void connectEvents();
 };

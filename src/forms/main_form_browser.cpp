@@ -117,8 +117,8 @@ void MainForm::FileTypeTab_Click() {
         ScanAll.setText(kind->scanAllCaption);
         KeepPKCheck.setText(kind->keepPeaksCaption);
         ActivateSubFolderControls(kind->subFolderRow);
-        RecordFolder = kind->startingRecordFolder(shownFolder);
-        SubFolderName.setText(RecordFolder);
+        session_.setRecordFolder(kind->startingRecordFolder(shownFolder));
+        SubFolderName.setText(session_.recordFolder());
     }
     refreshSessionFiles();
     // Nothing is loaded, so nothing of the previous kind's session may still show.
@@ -148,7 +148,7 @@ void MainForm::ScanAll_Click() {
     // A REAPER load settles the record folder afresh from the projects it reads.
     const SessionKind* kind = sessionKindByKey(selectedTabKey());
     if (kind && kind->namesRecordFolder) {
-        RecordFolder.clear();
+        session_.setRecordFolder({});
     }
     SetScanParams();
     if (SESFile.listIndex() >= 0) {

@@ -24,20 +24,19 @@ CopyFailureAnswer copyFailureAnswer(MessageAnswer answer) {
 
 }  // namespace
 
-QList<CopyItem> MainForm::usedFilesOnDisk() const {
-    const QString sessionFolder = withSeparator(SESFile.text());
-    QList<CopyItem> items;
+QList<int> MainForm::checkedUsedRows() const {
+    QList<int> rows;
     for (int row = 0; row < UsedFiles.count(); ++row) {
         if (UsedFiles.isChecked(row)) {
-            const QString& text = UsedFiles.text(row);
-            items.append({text, usedLineFile(text, sessionFolder, TrimFoldersFlag)});
+            rows.append(row);
         }
     }
-    return items;
+    return rows;
 }
 
 void MainForm::CopyFilesButton_Click() {
-    const QList<CopyItem> items = usedFilesOnDisk();
+    const CopyRequest request = session_.copyRequest(checkedUsedRows());
+    const QList<CopyItem>& items = request.items;
     const auto finish = [this] {
         ui_.setBusyPointer(false);
         for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
@@ -69,7 +68,7 @@ void MainForm::CopyFilesButton_Click() {
     int copied = 0;
     if (ui_.showMessage({warning, kCopyTitle, MessageIcon::Exclamation, MessageButtons::YesNo,
                          MessageAnswer::Yes}) == MessageAnswer::Yes) {
-        const std::optional<int> done = copyWithProgress(items);
+        const std::optional<int> done = copyWithProgress(request);
         if (!done) {
             return finish();
         }
@@ -92,7 +91,7 @@ void MainForm::CopyFilesButton_Click() {
     finish();
 }
 
-std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
+std::optional<int> MainForm::copyWithProgress(const CopyRequest& request) {
     const QString savedCaption = Main.text();
     copying_ = true;
     for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
@@ -123,7 +122,7 @@ std::optional<int> MainForm::copyWithProgress(const QList<CopyItem>& items) {
         return copyFailureAnswer(answer);
     };
     const CopyOutcome outcome =
-        copyUsedFiles(items, CopyFolder, FSO, events, usedFileOwners(usedLines_, keptFiles_));
+        copyUsedFiles(request.items, CopyFolder, FSO, events, request.usedFiles);
     ui_.endProgress();
     copying_ = false;
     Main.setText(savedCaption);

@@ -16,14 +16,15 @@ void MainForm::UpdateSelCounter() {
     ui().setBusyPointer(true);
     const bool noMedia = UsedFiles.count() > 0 && UsedFiles.text(0) == NoMediaText;
     UsedFrame.setText(usedFrameText(UsedFiles.count(), noMedia, CheckAllFiles,
-                                    SESFile.items().value(SESFile.listIndex()), loadStopped_));
+                                    SESFile.items().value(SESFile.listIndex()),
+                                    session_.stopped()));
     int checked = 0;
     for (int row = 0; row < UnusedFiles.count(); ++row) {
         checked += UnusedFiles.isChecked(row) ? 1 : 0;
     }
     UnusedFrame.setText(unusedFrameText(checked, UnusedFiles.count()));
     // What the listings passed over, and which sessions keep it (a long list is cut short).
-    UnusedFrame.setTooltip(keptText(keptFiles_, kKeptTooltipLines).trimmed());
+    UnusedFrame.setTooltip(keptText(session_.keptFiles(), kKeptTooltipLines).trimmed());
     UpdateSizes();
     ui().setBusyPointer(false);
 }
@@ -32,8 +33,9 @@ void MainForm::UpdateSizes() {
     // Each line's size comes from the listing that added it (or from the disk, once, for a line
     // added otherwise), so a change of check mark adds up cached numbers instead of asking the
     // disk about every listed file; UnusedFiles_ItemCheck reads the changed file again.
-    if (loadStopped_) {
-        InfoLabel.setText(stopNote_);  // nothing is listed, and the line says why
+    if (session_.stopped()) {
+        // Nothing is listed, and the line says why.
+        InfoLabel.setText(stoppedText(session_.used(), session_.scannedCount()));
         return;
     }
     const SizeCache::Totals totals = sizeCache_->totals(withSeparator(SESDir.text()));

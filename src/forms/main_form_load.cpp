@@ -8,11 +8,11 @@
 namespace tidewick {
 
 QString MainForm::TrimFolders(const QString& fullFileName) const {
-    return trimFolders(fullFileName, RecordFolder);
+    return trimFolders(fullFileName, session_.recordFolder());
 }
 
-SweepRequest MainForm::sweepRequest() const {
-    SweepOptions options;
+SessionOptions MainForm::sessionOptions() const {
+    SessionOptions options;
     options.kind = sessionKindByKey(selectedTabKey());
     if (!options.kind) {
         options.kind = &sessionKind(SessionKindId::Veg);  // any other key reads Vegas projects
@@ -24,10 +24,12 @@ SweepRequest MainForm::sweepRequest() const {
     options.trimFolders = TrimFoldersFlag;
     options.mediaType = FileTypesCombo.listIndex();
     options.keepPeaks = KeepPKCheck.checked();
-    options.subFolderChecked = SubFolderCheck.checked();
-    options.subFolder = SubFolderName.text();
-    options.recordFolder = RecordFolder;
-    return tidewick::sweepRequest(options);
+    options.rowOn = SubFolderCheck.checked();
+    options.rowFolder = SubFolderName.text();
+    options.recordFolder = session_.recordFolder();
+    options.excludeOn = ExcludedCheck.checked();
+    options.excluded = ExcludedFiles;
+    return options;
 }
 
 SweepEvents MainForm::sweepEvents() {
@@ -73,45 +75,33 @@ void MainForm::runSessionLoad() {
     ui_.setBusyPointer(true);
     const QString savedCaption = Main.text();
     SetScanParams();
-    loadStopped_ = false;
     UsedFiles.clear();
     UnusedFiles.clear();
-    keptFiles_.clear();
+    session_.clear();
 
-    SweepRequest request = sweepRequest();
-    request.sessionsElsewhere = [this](const QStringList& folders) {
-        return sessionsElsewhere(folders);
-    };
-    const Sweep sweep = sweepFolder(request, FSO, sweepEvents(), &sessionCache_);
-    RecordFolder = sweep.used.recordFolder;
-    usedLines_ = sweep.used.lines;
-    usedIndex_ = sweep.index;
-    keptFiles_ = sweep.kept;
+    session_.load(sessionOptions(), sweepEvents());
+    const QList<UsedLine>& lines = session_.usedLines();
     QList<CheckItem> usedLines;
-    usedLines.reserve(sweep.used.lines.size());
-    for (const UsedLine& line : sweep.used.lines) {
+    usedLines.reserve(lines.size());
+    for (const UsedLine& line : lines) {
         usedLines.append({line.text, line.exists});
     }
     UsedFiles.addItems(usedLines);
-    for (int row = 0; row < sweep.used.lines.size(); ++row) {
-        const UsedLine& line = sweep.used.lines[row];
+    for (int row = 0; row < lines.size(); ++row) {
+        const UsedLine& line = lines[row];
         if (!line.keptFile.isEmpty() || CheckAllFiles) {
             UsedFiles.setTooltip(row, usedLineTooltip(line, CheckAllFiles));
         }
     }
-    showOtherFiles(sweep.others);
+    showOtherFiles(session_.otherFiles());
 
     UsedFilesBox.setListIndex(-1);
-    loadStopped_ = sweep.used.stopped;
-    if (loadStopped_) {
-        const ScanRange range = scanRange(request);
-        stopNote_ = stoppedText(sweep.used, range.last - range.first + 1);
-    } else if (request.kind->namesRecordFolder && scanRange(request).last >= 0) {
-        GetRPPSubFolder();
+    if (const QString row = session_.rowFolderAfterLoad(); !row.isEmpty()) {
+        SubFolderName.setText(row);  // the folder the projects' record folder names
     }
     UpdateSelCounter();
     UpdateSubFolder();
-    SESVersionLabel.setText(sweep.used.version);
+    SESVersionLabel.setText(session_.used().version);
     ui_.setBusyPointer(false);
     Main.setText(savedCaption);
 }
@@ -129,23 +119,6 @@ void MainForm::showOtherFiles(const QList<OtherFile>& files) {
     UnusedFiles.addItems(lines);
     sizeCache_->appendedSizes(withSeparator(SESDir.text()), sizes);
     UnusedFiles.setTooltipFolder(withSeparator(SESDir.text()));
-}
-
-void MainForm::appendOtherFiles(const QList<OtherFile>& files) {
-    QStringList listed;
-    listed.reserve(UnusedFiles.count());
-    for (int row = 0; row < UnusedFiles.count(); ++row) {
-        listed.append(UnusedFiles.text(row));
-    }
-    const QString folder = withSeparator(SESDir.text());
-    QList<CheckItem> lines;
-    std::vector<qint64> sizes;
-    for (const OtherFile& file : otherFilesNotListed(listed, files, folder)) {
-        lines.append({file.text, false});
-        sizes.push_back(file.size);
-    }
-    UnusedFiles.addItems(lines);
-    sizeCache_->appendedSizes(folder, sizes);
 }
 
 void MainForm::UsedFiles_ItemCheck(int item) {

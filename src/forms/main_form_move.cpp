@@ -11,19 +11,12 @@
 namespace tidewick {
 
 MoveRequest MainForm::moveRequest() const {
-    MoveRequest request;
-    request.sessionFolder = SESFile.text();
-    request.sessionFile = SESFile.items().value(SESFile.listIndex());
-    request.targetText = trimBlanks(TargetFolderName.text());
-    request.storeInSubFolder = StoreInSubFolderCheck.checked();
-    request.itemsMayBePaths = SubFolderCheck.visible();
-    request.excludeOn = ExcludedCheck.checked();
-    request.excluded = ExcludedFiles;
+    QList<MoveItem> items;
     for (int row = 0; row < UnusedFiles.count(); ++row) {
-        request.items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
+        items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
     }
-    request.usedFiles = usedFileOwners(usedLines_, keptFiles_);
-    return request;
+    return session_.moveRequest(sessionOptions(), items, TargetFolderName.text(),
+                                StoreInSubFolderCheck.checked());
 }
 
 void MainForm::MoveButton_Click() {

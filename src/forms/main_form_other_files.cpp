@@ -6,39 +6,14 @@
 namespace tidewick {
 
 void MainForm::UpdateUnusedFileSpec() {
-    if (loadStopped_) {
+    if (session_.stopped()) {
         return;  // the media of a session read only in part are unknown: nothing is offered
     }
     ui_.setBusyPointer(true);
-    keptFiles_.clear();
-    showOtherFiles(
-        listOtherFiles(sweepRequest(), usedIndex(), RecordFolder, FSO, sweepEvents(), &keptFiles_));
+    session_.relist(sessionOptions(), sweepEvents());
+    showOtherFiles(session_.otherFiles());
     ui_.setBusyPointer(false);
     UnusedFilesBox.setListIndex(-1);
-}
-
-UsedIndex& MainForm::usedIndex() {
-    if (!usedIndex_) {
-        usedIndex_ = std::make_shared<UsedIndex>(usedLines_, SESFile.text(), TrimFoldersFlag, FSO);
-    }
-    return *usedIndex_;
-}
-
-bool MainForm::guardFolder(const QString& folder) {
-    QString stoppedAt;
-    auto guard = sessionGuard({folder}, SESFile.text(), FSO, &sessionCache_, sweepEvents(),
-                              &stoppedAt, sessionsElsewhere({folder}));
-    if (guard) {
-        usedIndex().addGuard(std::move(guard));
-        return true;
-    }
-    UsedMedia stop;
-    stop.stoppedAt = stoppedAt;
-    stopNote_ = stoppedText(stop, 1);
-    loadStopped_ = true;
-    UnusedFiles.clear();
-    keptFiles_.clear();
-    return false;
 }
 
 void MainForm::KeepPKCheck_Click() {

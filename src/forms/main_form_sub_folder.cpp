@@ -1,4 +1,5 @@
 #include "forms/main_form.h"
+#include "forms/size_cache.h"
 #include "text/path_text.h"
 
 // The sub-folder row of the REAPER and Vegas tabs, which gathers one more folder into "Files to
@@ -21,13 +22,8 @@ void MainForm::UpdateSubFolder() {
                                      withSeparator(TargetFolderName.text()) + base);
 }
 
-void MainForm::GetRPPSubFolder() {
-    RecordFolder.remove(u'"');
-    SubFolderName.setText(reaperSubFolder(RecordFolder, SESFile.text(), FSO));
-}
-
 void MainForm::AddFolder() {
-    if (!SubFolderCheck.enabled() || !SubFolderCheck.checked() || loadStopped_ ||
+    if (!SubFolderCheck.enabled() || !SubFolderCheck.checked() || session_.stopped() ||
         SESFile.listIndex() < 0) {
         return;
     }
@@ -35,7 +31,14 @@ void MainForm::AddFolder() {
         return;  // no such folder: nothing to gather, nothing to say
     }
     ui_.processEvents();
-    appendOtherFiles(listSubFolder(sweepRequest(), usedIndex(), RecordFolder, FSO, &keptFiles_));
+    QList<CheckItem> lines;
+    std::vector<qint64> sizes;
+    for (const OtherFile& file : session_.addFolder(sessionOptions())) {
+        lines.append({file.text, false});
+        sizes.push_back(file.size);
+    }
+    UnusedFiles.addItems(lines);
+    sizeCache_->appendedSizes(withSeparator(SESDir.text()), sizes);
 }
 
 void MainForm::SubFolderCheck_Click() {
@@ -67,17 +70,16 @@ void MainForm::SubFolderButton_Click() {
     const QString folder = chosen.isEmpty() ? start : chosen;
     SubFolderName.setText(folder);
     if (SubFolderCheck.checked() && SESFile.listIndex() >= 0 && !load_.running) {
-        // The session folder and the chosen folder, for the used lines as they are. Those were
-        // shortened for the record folder of their load, so the listing compares with that one;
-        // the chosen folder becomes the record folder only afterwards. Its sessions guard
-        // their media too.
-        const QString chosenFolder = subFolderPath(SESFile.text(), folder, FSO);
-        if (chosenFolder.isEmpty() || guardFolder(chosenFolder)) {
-            UpdateUnusedFileSpec();
-        }
+        // The session folder and the chosen folder, for the used lines as they are; the chosen
+        // folder's sessions guard their media too.
+        ui_.setBusyPointer(true);
+        session_.pickRowFolder(sessionOptions(), folder, sweepEvents());
+        showOtherFiles(session_.otherFiles());
+        ui_.setBusyPointer(false);
+        UnusedFilesBox.setListIndex(-1);
         UpdateSelCounter();
     }
-    RecordFolder = folder;
+    session_.setRecordFolder(folder);
 }
 
 void MainForm::SubFolderName_GotFocus() {

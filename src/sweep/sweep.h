@@ -72,35 +72,6 @@ struct SweepRequest {
     std::function<QList<SessionElsewhere>(const QStringList& folders)> sessionsElsewhere;
 };
 
-/// The options a load is made of, as the window's controls or the command line's arguments
-/// give them.
-struct SweepOptions {
-    const SessionKind* kind = nullptr;
-    QString folder;
-    QStringList sessions;
-    int selected = -1;
-    bool wholeFolder = false;
-    bool trimFolders = false;
-    /// The entry of the "File Types" list; 0 is all files.
-    int mediaType = 0;
-    bool keepPeaks = false;
-    /// "Add Files from Folder..." is checked, with the row's text.
-    bool subFolderChecked = false;
-    QString subFolder;
-    /// The record folder as it stands before the load (startingRecordFolder after a tab switch).
-    QString recordFolder;
-};
-
-/// The request the window makes for `options`: the media type's patterns, peak files listed
-/// only with "All Files" (the only entry that lets them in), the sub-folder row on only where
-/// the kind has one.
-SweepRequest sweepRequest(const SweepOptions& options);
-
-/// The record folder a load starts from after a switch to the tab of `kind` with `folder`
-/// shown and, with `wholeFolder`, a click on "Check All": for REAPER, whose projects settle
-/// their record folder as they are read, that click empties it.
-QString startingRecordFolder(const SessionKind& kind, const QString& folder, bool wholeFolder);
-
 /// One line of the used-media list.
 struct UsedLine {
     QString text;  ///< the media path as listed

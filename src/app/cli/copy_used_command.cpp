@@ -1,5 +1,5 @@
 #include "app/cli/cli.h"
-#include "app/cli/folder_scan.h"
+#include "app/cli/folder_load.h"
 #include "fileops/copy_used.h"
 #include "fileops/move_run.h"
 #include "text/path_text.h"
@@ -17,15 +17,21 @@ const char* const kCopyUsedUsage =
 }  // namespace
 
 int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    int exitCode = UsageError;
-    const std::optional<TargetScan> scan =
-        scanForTarget(arguments, err, QStringLiteral("copy-used"), kCopyUsedUsage,
-                      QStringLiteral("copied"), {}, exitCode);
-    if (!scan) {
-        return exitCode;
+    const std::optional<FolderArguments> parsed =
+        parseFolderArguments(arguments, err, QStringLiteral("copy-used"), kCopyUsedUsage, true);
+    if (!parsed) {
+        return UsageError;
     }
     FileOperations disk;
-    QString folder = scan->target;
+    SessionFolder session(disk);
+    if (const int exitCode = loadFolder(*parsed, session, err, QStringLiteral("copy-used"));
+        exitCode != Success) {
+        if (exitCode != UsageError) {
+            err << "tidewick-cli copy-used: nothing copied\n";
+        }
+        return exitCode;
+    }
+    QString folder = parsed->target;
     if (const QString problem = targetFolderProblem(folder, disk); !problem.isEmpty()) {
         err << "tidewick-cli copy-used: " << visibleText(problem)
             << "\ntidewick-cli copy-used: nothing copied\n";
@@ -38,12 +44,7 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
             return MoveFailed;
         }
     }
-    QList<CopyItem> items;
-    for (const UsedLine& line : scan->scan.sweep.used.lines) {
-        if (line.exists) {
-            items.append({line.text, line.path});
-        }
-    }
+    const CopyRequest request = session.copyRequest(session.rowsOnDisk());
     CopyEvents events;
     events.failed = [&err](const CopyItem& item, const FileError& error) {
         err << visibleText(copyFailureText(error, item.text)) << '\n';
@@ -51,8 +52,7 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
     };
     events.stopRequested = interrupted;
     const CopyOutcome outcome =
-        copyUsedFiles(items, AddBackslash(folder), disk, events,
-                      usedFileOwners(scan->scan.sweep.used.lines, scan->scan.sweep.kept));
+        copyUsedFiles(request.items, AddBackslash(folder), disk, events, request.usedFiles);
     out << visibleText(copiedFilesLine(outcome.copied, folder)) << '\n';
     if (outcome.aborted) {
         return kInterrupted;

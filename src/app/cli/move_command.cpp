@@ -1,6 +1,7 @@
 #include "app/cli/cli.h"
-#include "app/cli/folder_scan.h"
+#include "app/cli/folder_load.h"
 #include "fileops/move_record.h"
+#include "session/session_folder.h"
 #include "text/path_text.h"
 #include "text/wildcard.h"
 
@@ -55,21 +56,14 @@ OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
     };
 }
 
-MoveRequest moveRequest(const FolderScan& scan, const QString& target, const MoveOptions& options) {
-    MoveRequest request;
-    request.sessionFolder = scan.request.folder;
-    request.sessionFile = scan.request.sessions.value(scan.request.selected);
-    request.targetText = target;
-    request.storeInSubFolder = options.storeInSubFolder;
-    request.itemsMayBePaths = scan.request.kind->subFolderRow;
-    request.usedFiles = usedFileOwners(scan.sweep.used.lines, scan.sweep.kept);
-    request.excludeOn = !options.excluded.isEmpty();
-    request.excluded = options.excluded;
-    for (const OtherFile& file : scan.sweep.others) {
-        request.items.append(
-            {file.text, options.only.isEmpty() || wildcardMatchesAny(file.text, options.only)});
+// The lines of "Files to be Moved", checked as the window's user would: all of them, or those
+// matching an --only pattern.
+QList<MoveItem> checkedItems(const SessionFolder& folder, const QStringList& only) {
+    QList<MoveItem> items;
+    for (const OtherFile& file : folder.otherFiles()) {
+        items.append({file.text, only.isEmpty() || wildcardMatchesAny(file.text, only)});
     }
-    return request;
+    return items;
 }
 
 void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& out) {
@@ -88,15 +82,25 @@ void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& ou
 
 int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     MoveOptions options;
-    int exitCode = UsageError;
-    const std::optional<TargetScan> scan =
-        scanForTarget(arguments, err, QStringLiteral("move"), kMoveUsage, QStringLiteral("moved"),
-                      moveOptions(options, err), exitCode);
-    if (!scan) {
+    std::optional<FolderArguments> parsed = parseFolderArguments(
+        arguments, err, QStringLiteral("move"), kMoveUsage, true, moveOptions(options, err));
+    if (!parsed) {
+        return UsageError;
+    }
+    parsed->options.excludeOn = !options.excluded.isEmpty();
+    parsed->options.excluded = options.excluded;
+    FileOperations disk;
+    SessionFolder folder(disk);
+    if (const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("move"));
+        exitCode != Success) {
+        if (exitCode != UsageError) {
+            err << "tidewick-cli move: nothing moved\n";
+        }
         return exitCode;
     }
-    const MoveRequest request = moveRequest(scan->scan, scan->target, options);
-    FileOperations disk;
+    const MoveRequest request =
+        folder.moveRequest(folder.options(), checkedItems(folder, options.only), parsed->target,
+                           options.storeInSubFolder);
     if (const QString problem = moveProblem(request, disk); !problem.isEmpty()) {
         err << "tidewick-cli move: " << visibleText(problem)
             << "\ntidewick-cli move: nothing moved\n";

@@ -4,7 +4,7 @@
 #include <QJsonObject>
 
 #include "app/cli/cli.h"
-#include "app/cli/folder_scan.h"
+#include "app/cli/folder_load.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 #include "sweep/sweep.h"
@@ -27,32 +27,32 @@ struct Captions {
     QString used, unused, sizes;
 };
 
-Captions captionsOf(const SweepRequest& request, const Sweep& sweep) {
+Captions captionsOf(const SessionFolder& folder) {
     qint64 listed = 0;
-    for (const OtherFile& file : sweep.others) {
+    for (const OtherFile& file : folder.otherFiles()) {
         listed += file.size;
     }
-    const ScanRange range = scanRange(request);
-    return {usedFrameText(sweep.used.lines.size(), sweep.used.noMedia, request.wholeFolder,
-                          request.sessions.value(request.selected), sweep.used.stopped),
-            unusedFrameText(0, sweep.others.size()),
-            sweep.used.stopped ? stoppedText(sweep.used, range.last - range.first + 1)
-                               : sizesText(listed, 0)};
+    const SessionOptions& options = folder.options();
+    return {usedFrameText(folder.usedLines().size(), folder.used().noMedia, options.wholeFolder,
+                          options.selectedSession(), folder.stopped()),
+            unusedFrameText(0, folder.otherFiles().size()),
+            folder.stopped() ? stoppedText(folder.used(), folder.scannedCount())
+                             : sizesText(listed, 0)};
 }
 
-void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
-    const Captions captions = captionsOf(request, sweep);
+void printFolder(const SessionFolder& folder, QTextStream& out) {
+    const Captions captions = captionsOf(folder);
     out << "used: " << visibleText(captions.used) << '\n';
-    for (const UsedLine& line : sweep.used.lines) {
+    for (const UsedLine& line : folder.usedLines()) {
         out << (line.exists ? "[x] " : "[ ] ") << visibleText(line.text) << '\n';
     }
     out << "unused: " << captions.unused << '\n';
-    for (const OtherFile& file : sweep.others) {
+    for (const OtherFile& file : folder.otherFiles()) {
         out << "[ ] " << visibleText(file.text) << '\n';
     }
-    if (!sweep.kept.isEmpty()) {
-        out << "kept: " << sweep.kept.size() << " file(s) used by other sessions\n";
-        for (const KeptFile& file : sweep.kept) {
+    if (!folder.keptFiles().isEmpty()) {
+        out << "kept: " << folder.keptFiles().size() << " file(s) used by other sessions\n";
+        for (const KeptFile& file : folder.keptFiles()) {
             out << visibleText(file.text) << "  <- "
                 << visibleText(file.usedBy.join(QStringLiteral(", "))) << '\n';
         }
@@ -61,23 +61,24 @@ void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& ou
 }
 
 // One JSON document with the captions and both lists, each line with the file it stands for.
-void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
-    const Captions captions = captionsOf(request, sweep);
+void printFolderJson(const SessionFolder& folder, QTextStream& out) {
+    const Captions captions = captionsOf(folder);
     QJsonArray used;
-    for (const UsedLine& line : sweep.used.lines) {
+    for (const UsedLine& line : folder.usedLines()) {
         used.append(QJsonObject{{QStringLiteral("text"), line.text},
                                 {QStringLiteral("exists"), line.exists},
                                 {QStringLiteral("path"), line.path}});
     }
     QJsonArray others;
-    const QString folder = withSeparator(request.folder);
-    for (const OtherFile& file : sweep.others) {
-        others.append(QJsonObject{{QStringLiteral("text"), file.text},
-                                  {QStringLiteral("size"), file.size},
-                                  {QStringLiteral("path"), otherFilePath(folder, file.text)}});
+    const QString sessionFolder = withSeparator(folder.options().folder);
+    for (const OtherFile& file : folder.otherFiles()) {
+        others.append(
+            QJsonObject{{QStringLiteral("text"), file.text},
+                        {QStringLiteral("size"), file.size},
+                        {QStringLiteral("path"), otherFilePath(sessionFolder, file.text)}});
     }
     QJsonArray kept;
-    for (const KeptFile& file : sweep.kept) {
+    for (const KeptFile& file : folder.keptFiles()) {
         kept.append(
             QJsonObject{{QStringLiteral("text"), file.text},
                         {QStringLiteral("path"), file.path},
@@ -90,7 +91,7 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
         {QStringLiteral("unused"), QJsonObject{{QStringLiteral("caption"), captions.unused},
                                                {QStringLiteral("files"), others}}},
         {QStringLiteral("info"), captions.sizes},
-        {QStringLiteral("stopped"), sweep.used.stopped},
+        {QStringLiteral("stopped"), folder.stopped()},
         {QStringLiteral("kept"), QJsonObject{{QStringLiteral("files"), kept}}},
     };
     out << QJsonDocument(document).toJson(QJsonDocument::Indented);
@@ -99,26 +100,26 @@ void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream
 }  // namespace
 
 int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    ScanOptions options;
     bool json = false;
     const auto jsonOption = [&json](const QStringList& all, qsizetype& at, bool&) {
         json = all[at] == QLatin1String("--json");
         return json;
     };
-    if (!parseScanArguments(arguments, options, err, QStringLiteral("scan"), kScanUsage,
-                            jsonOption)) {
+    const std::optional<FolderArguments> parsed =
+        parseFolderArguments(arguments, err, QStringLiteral("scan"), kScanUsage, false, jsonOption);
+    if (!parsed) {
         return UsageError;
     }
-    int exitCode = UsageError;
-    const std::optional<FolderScan> scan =
-        scanFolder(options, err, QStringLiteral("scan"), exitCode);
-    if (!scan) {
+    const FileSystem disk;
+    SessionFolder folder(disk);
+    const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("scan"));
+    if (exitCode == UsageError) {
         return exitCode;
     }
     if (json) {
-        printSweepJson(scan->request, scan->sweep, out);
+        printFolderJson(folder, out);
     } else {
-        printSweep(scan->request, scan->sweep, out);
+        printFolder(folder, out);
     }
     return exitCode;
 }
