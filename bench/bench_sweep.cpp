@@ -37,11 +37,11 @@ struct Window {
 
     explicit Window(const QString& path) {
         form.Form_Load();
-        form.pointBrowserAt(path);
-        form.selectTabByKey(sessionKind(SessionKindId::Sesx).tabKey);
-        form.refreshSessionFiles();
-        const QSignalBlocker blocker(form.SESFile);
-        form.SESFile.setListIndex(0);
+        form.browser().pointBrowserAt(path);
+        form.browser().selectTabByKey(sessionKind(SessionKindId::Sesx).tabKey);
+        form.browser().refreshSessionFiles();
+        const QSignalBlocker blocker(form.control(u"SESFile"));
+        form.control(u"SESFile").setListIndex(0);
     }
 };
 
@@ -60,9 +60,9 @@ void plainListing(benchmark::State& state, int files) {
 void sessionLoad(benchmark::State& state, int files) {
     Window window(folder(files, true).dir.path());
     for (auto _ : state) {
-        window.form.SESFile_Click();
-        if (window.form.UsedFiles.count() != files / kUsedEvery ||
-            window.form.UnusedFiles.count() != files - files / kUsedEvery) {
+        window.form.lists().SESFile_Click();
+        if (window.form.lists().usedFiles().count() != files / kUsedEvery ||
+            window.form.lists().unusedFiles().count() != files - files / kUsedEvery) {
             state.SkipWithError("the load did not list what it should");
         }
     }
@@ -85,18 +85,18 @@ void BM_SessionLoadDouble(benchmark::State& state) {
 // updates the sizes), then the click updates the counters.
 void BM_CheckMarkChange(benchmark::State& state) {
     Window window(folder(kFiles, false).dir.path());
-    window.form.SESFile_Click();
-    if (window.form.UnusedFiles.count() != kFiles) {
+    window.form.lists().SESFile_Click();
+    if (window.form.lists().unusedFiles().count() != kFiles) {
         state.SkipWithError("the list does not hold every file");
         return;
     }
     int row = 0;
     for (auto _ : state) {
-        const QModelIndex index = window.form.UnusedFiles.index(row);
-        const bool checked = window.form.UnusedFiles.isChecked(row);
-        window.form.UnusedFiles.setData(index, checked ? Qt::Unchecked : Qt::Checked,
-                                        Qt::CheckStateRole);
-        window.form.UnusedFiles_Click();
+        const QModelIndex index = window.form.lists().unusedFiles().index(row);
+        const bool checked = window.form.lists().unusedFiles().isChecked(row);
+        window.form.lists().unusedFiles().setData(index, checked ? Qt::Unchecked : Qt::Checked,
+                                                  Qt::CheckStateRole);
+        window.form.lists().UnusedFiles_Click();
         row = (row + 7919) % kFiles;
     }
 }

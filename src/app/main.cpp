@@ -50,13 +50,13 @@ int main(int argc, char* argv[]) {
     ui.setUnattended(quitWhenShown || !screenshot.isEmpty());
     window.load();
     if (!selected.isEmpty()) {
-        const auto index = form.SESFile.items().indexOf(selected);
+        const auto index = form.control(u"SESFile").items().indexOf(selected);
         if (index < 0) {
             std::fprintf(stderr, "tidewick: no session file %s in %s\n", qPrintable(selected),
-                         qPrintable(form.SESFile.text()));
+                         qPrintable(form.control(u"SESFile").text()));
             return 1;
         }
-        form.SESFile.setListIndex(static_cast<int>(index));
+        form.control(u"SESFile").setListIndex(static_cast<int>(index));
     }
 
     if (!screenshot.isEmpty()) {

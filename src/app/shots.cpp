@@ -148,20 +148,21 @@ int main(int argc, char* argv[]) {
     ui.setOwner(&window);
     window.load();
     if (arguments.contains(QStringLiteral("--sub-folder"))) {
-        form.SubFolderCheck.setChecked(true);  // the sub-folder row on, as its box does
+        form.control(u"SubFolderCheck").setChecked(true);  // the sub-folder row on, as its box does
     }
     const QString selected = optionValue(arguments, QStringLiteral("--select"));
     if (!selected.isEmpty()) {
-        form.SESFile.setListIndex(int(form.SESFile.items().indexOf(selected)));
+        form.control(u"SESFile")
+            .setListIndex(int(form.control(u"SESFile").items().indexOf(selected)));
     }
 
     bool saved = false;
     if (shot == QLatin1String("results")) {
         // Every file to be moved goes to the folder given.
-        for (int row = 0; row < form.UnusedFiles.count(); ++row) {
-            form.UnusedFiles.setChecked(row, true);
+        for (int row = 0; row < form.lists().unusedFiles().count(); ++row) {
+            form.lists().unusedFiles().setChecked(row, true);
         }
-        form.TargetFolderName.setText(ui.folder);
+        form.control(u"TargetFolderName").setText(ui.folder);
         whenOpen(QStringLiteral("MoveForm"), buttonEnabled("CloseButton"), [&](QDialog* dialog) {
             saved = save(dialog->grab(), file);
             dialog->findChild<QAbstractButton*>(QStringLiteral("CloseButton"))->click();
@@ -169,8 +170,8 @@ int main(int argc, char* argv[]) {
         form.MoveButton_Click();
     } else if (shot == QLatin1String("exclusion")) {
         overWhenOpen(window, QStringLiteral("Exclusion"), file, saved);
-        form.ExcludedCheck.setChecked(false);
-        form.ExcludedCheck.setChecked(true);
+        form.control(u"ExcludedCheck").setChecked(false);
+        form.control(u"ExcludedCheck").setChecked(true);
     } else if (shot == QLatin1String("restore")) {
         overWhenOpen(window, QStringLiteral("Restore"), file, saved);
         form.mnuFileRestore_Click();
@@ -193,7 +194,7 @@ int main(int argc, char* argv[]) {
                 saved = save(over(window, dialog), file);
             }
         };
-        form.CopyFilesButton_Click();
+        form.usedCopy().CopyFilesButton_Click();
     }
     window.close();
     return saved ? 0 : 1;

@@ -1,13 +1,5 @@
 #include "forms/main_form.h"
 
-#include <QDir>
-#include <QStorageInfo>
-
-#include "forms/size_cache.h"
-#include "platform/places.h"
-#include "readers/session_kinds.h"
-#include "sweep/media_types.h"
-
 namespace tidewick {
 
 namespace {
@@ -78,58 +70,16 @@ QString versionCaption(const QString& programName, int major, int minor, int rev
 MainForm::MainForm(UserInteraction& ui)
     : controls_(createControls(kLayout)),
       ui_(ui),
-      Main(named(u"Main")),
-      FilesFrame(named(u"FilesFrame")),
-      SESDrive(named(u"SESDrive")),
-      SESDir(named(u"SESDir")),
-      FileTypeTab(named(u"FileTypeTab")),
-      SESFile(named(u"SESFile")),
-      UsedFrame(named(u"UsedFrame")),
-      UsedFilesBox(named(u"UsedFiles")),
-      IgnoreFoldersCheck(named(u"IgnoreFoldersCheck")),
-      SESVersionLabel(named(u"SESVersionLabel")),
-      ScanAll(named(u"ScanAll")),
-      CopyFilesButton(named(u"CopyFilesButton")),
-      UnusedFrame(named(u"UnusedFrame")),
-      SubFolderCheck(named(u"SubFolderCheck")),
-      SubFolderName(named(u"SubFolderName")),
-      SubFolderButton(named(u"SubFolderButton")),
-      UnusedFilesBox(named(u"UnusedFiles")),
-      Frame2(named(u"Frame2")),
-      FileTypesCombo(named(u"FileTypesCombo")),
-      KeepPKCheck(named(u"KeepPKCheck")),
-      ExcludedCheck(named(u"ExcludedCheck")),
-      Frame1(named(u"Frame1")),
-      MoveFrame(named(u"MoveFrame")),
-      TargetFolderName(named(u"TargetFolderName")),
-      FolderButton(named(u"FolderButton")),
-      StoreInSubFolderCheck(named(u"StoreInSubFolderCheck")),
-      MoveButton(named(u"MoveButton")),
-      CloseButton(named(u"CloseButton")),
-      InfoLabel(named(u"InfoLabel")),
-      mnuFileAudit(named(u"mnuFileAudit")),
-      mnuFileRestore(named(u"mnuFileRestore")),
-      mnuFileExit(named(u"mnuFileExit")),
-      mnuWindowCentre(named(u"mnuWindowCentre")),
-      mnuHelpAbout(named(u"mnuHelpAbout")),
-      mnuHelpDonate(named(u"mnuHelpDonate")),
-      session_(FSO) {
-    session_.setSessionsElsewhere([this](const QStringList& folders) {
-        return library_.sessionsUsing(folders, FSO, session_.cache());
-    });
-    QStringList tabCaptions;
-    for (const SessionKind& kind : sessionKinds()) {
-        tabCaptions.append(kind.tabCaption);
-    }
-    FileTypeTab.setItems(tabCaptions);
-    FileTypeTab.setListIndex(0);  // a tab strip always has a tab selected
-
-    // The session-file list follows its folder: a new path lists that folder's files.
-    connect(&SESFile, &Control::textChanged, this, [this] {
-        refreshSessionFiles();
-        SESFile_PathChange();
-    });
-    sizeCache_ = std::make_unique<SizeCache>(UnusedFiles, FSO);
+      Main(control(u"Main")),
+      MoveFrame(control(u"MoveFrame")),
+      TargetFolderName(control(u"TargetFolderName")),
+      FolderButton(control(u"FolderButton")),
+      StoreInSubFolderCheck(control(u"StoreInSubFolderCheck")),
+      MoveButton(control(u"MoveButton")),
+      CloseButton(control(u"CloseButton")),
+      browser_(*this),
+      lists_(*this),
+      copy_(*this) {
     connectEvents();
 }
 
@@ -139,119 +89,36 @@ Control* MainForm::findControl(QStringView name) const {
     return tidewick::findControl(controls_, name);
 }
 
-Control& MainForm::named(QStringView name) const {
-    Control* control = findControl(name);
-    Q_ASSERT(control);
-    return *control;
-}
-
-Control& MainForm::SelectButton(int index) const {
-    return named(QStringLiteral("SelectButton%1").arg(index));
+Control& MainForm::control(QStringView name) const {
+    Control* found = findControl(name);
+    Q_ASSERT(found);
+    return *found;
 }
 
 void MainForm::connectEvents() {
-    const auto on = [this](Control& control, auto signal, void (MainForm::*handler)()) {
-        connect(&control, signal, this, handler);
+    const auto on = [this](QStringView name, void (MainForm::*handler)()) {
+        connect(&control(name), &Control::clicked, this, handler);
     };
-    on(SESDrive, &Control::textChanged, &MainForm::SESDrive_Change);
-    on(SESDir, &Control::textChanged, &MainForm::SESDir_Change);
-    on(SESFile, &Control::clicked, &MainForm::SESFile_Click);
-    on(FileTypeTab, &Control::clicked, &MainForm::FileTypeTab_Click);
-    on(ScanAll, &Control::clicked, &MainForm::ScanAll_Click);
-    on(IgnoreFoldersCheck, &Control::clicked, &MainForm::IgnoreFoldersCheck_Click);
-    on(CopyFilesButton, &Control::clicked, &MainForm::CopyFilesButton_Click);
-    on(FileTypesCombo, &Control::clicked, &MainForm::FileTypesCombo_Click);
-    on(KeepPKCheck, &Control::clicked, &MainForm::KeepPKCheck_Click);
-    on(ExcludedCheck, &Control::clicked, &MainForm::ExcludedCheck_Click);
-    on(SubFolderCheck, &Control::clicked, &MainForm::SubFolderCheck_Click);
-    on(SubFolderButton, &Control::clicked, &MainForm::SubFolderButton_Click);
-    on(MoveButton, &Control::clicked, &MainForm::MoveButton_Click);
-    on(CloseButton, &Control::clicked, &MainForm::CloseButton_Click);
-    on(FolderButton, &Control::clicked, &MainForm::FolderButton_Click);
-    on(mnuFileAudit, &Control::clicked, &MainForm::mnuFileAudit_Click);
-    on(mnuFileRestore, &Control::clicked, &MainForm::mnuFileRestore_Click);
-    on(mnuFileExit, &Control::clicked, &MainForm::mnuFileExit_Click);
-    on(mnuWindowCentre, &Control::clicked, &MainForm::mnuWindowCentre_Click);
-    on(mnuHelpAbout, &Control::clicked, &MainForm::mnuHelpAbout_Click);
-    on(mnuHelpDonate, &Control::clicked, &MainForm::mnuHelpDonate_Click);
-    for (int index = 0; index < 3; ++index) {
-        connect(&SelectButton(index), &Control::clicked, this,
-                [this, index] { SelectButton_Click(index); });
-    }
-    connect(&UsedFiles, &CheckListModel::itemCheck, this, &MainForm::UsedFiles_ItemCheck);
-    connect(&UnusedFiles, &CheckListModel::itemCheck, this, &MainForm::UnusedFiles_ItemCheck);
-}
-
-// The session browser.
-
-QString MainForm::driveOf(const QString& folder) const {
-    const QString place = placeOf(SESDrive.items(), folder);
-    if (!place.isEmpty()) {
-        return place;
-    }
-    const QStorageInfo volume(folder);  // a drive that came after the list was made
-    return volume.isValid() ? volume.rootPath() : QString();
-}
-
-void MainForm::pointBrowserAt(const QString& folder) {
-    if (SESDrive.items().isEmpty()) {
-        SESDrive.setItems(drivePlaces());
-    }
-    SESDrive.setText(driveOf(folder));
-    SESDir.setText(folder);
-    SESFile.setText(folder);
-    ui_.processEvents();
-}
-
-QString MainForm::selectedTabKey() const {
-    const int index = FileTypeTab.listIndex();
-    if (index < 0 || index >= sessionKinds().size()) {
-        return {};
-    }
-    return sessionKinds().at(index).tabKey;
-}
-
-bool MainForm::selectTabByKey(const QString& key) {
-    for (int index = 0; index < sessionKinds().size(); ++index) {
-        if (sessionKinds().at(index).tabKey == key) {
-            FileTypeTab.setListIndex(index);
-            return true;
-        }
-    }
-    return false;
-}
-
-void MainForm::setSessionFilePattern(const QString& pattern) {
-    if (sessionFilePattern_ != pattern) {
-        sessionFilePattern_ = pattern;
-        refreshSessionFiles();
-    }
-}
-
-void MainForm::refreshSessionFiles() {
-    SESFile.setItems(sessionFiles(FSO, SESFile.text(), sessionFilePattern_));  // nothing selected
+    on(u"MoveButton", &MainForm::MoveButton_Click);
+    on(u"CloseButton", &MainForm::CloseButton_Click);
+    on(u"FolderButton", &MainForm::FolderButton_Click);
+    on(u"mnuFileAudit", &MainForm::mnuFileAudit_Click);
+    on(u"mnuFileRestore", &MainForm::mnuFileRestore_Click);
+    on(u"mnuFileExit", &MainForm::mnuFileExit_Click);
+    on(u"mnuWindowCentre", &MainForm::mnuWindowCentre_Click);
+    on(u"mnuHelpAbout", &MainForm::mnuHelpAbout_Click);
+    on(u"mnuHelpDonate", &MainForm::mnuHelpDonate_Click);
 }
 
 // Window events and commands.
 
 void MainForm::Form_Load(const Preferences& preferences) {
     // FSO, the one file-system object, lives as long as the window.
-    CheckAllFiles = false;
     Main.setText(versionCaption(programName(), TIDEWICK_VERSION_MAJOR, TIDEWICK_VERSION_MINOR,
                                 TIDEWICK_VERSION_PATCH));
     WebPage = QStringLiteral(TIDEWICK_WEB_PAGE);
     Main.setGeometry(QRect(Main.geometry().topLeft(), QSize(WindowWidth, WindowHeight)));
-
-    UsedFrameCaption = kUsedFrameCaption;
-    UnusedFrameCaption = kUnusedFrameCaption;
-    NoMediaText = kNoMediaText;
-
-    FileTypesCombo.setItems({});
-    SetFileTypeArrays();
-    FileTypesCombo.setListIndex(0);
-
-    UsedFrame.setText(UsedFrameCaption);
-    UnusedFrame.setText(UnusedFrameCaption);
+    lists_.prepare();
 
     applyPreferences(preferences);
     // A stored position from another screen, or a damaged one, would open the window where
@@ -259,17 +126,14 @@ void MainForm::Form_Load(const Preferences& preferences) {
     if (!screenSize.isEmpty() && !QRect(QPoint(), screenSize).contains(Main.geometry().topLeft())) {
         mnuWindowCentre_Click();
     }
-
-    IgnoreFoldersCheck.setChecked(TrimFoldersFlag);
-    ScanAll.setChecked(CheckAllFiles);
+    lists_.showChecks(preferences.trimFolders, preferences.checkAllFiles);
 
     // The active tab's pattern, captions, recordings folder and sub-folder row are what its
     // switch gives them. The preferences run the switch only when they change the tab, so a
     // window that opens on the first tab has not had it yet.
-    FileTypeTab_Click();
+    browser_.FileTypeTab_Click();
 
     TargetFolderName.setText(MoveFolder);
-    SetScanParams();
 
     Q_EMIT showRequested();
     ui_.processEvents();
@@ -277,38 +141,36 @@ void MainForm::Form_Load(const Preferences& preferences) {
 
 void MainForm::applyPreferences(const Preferences& preferences) {
     Main.setGeometry(QRect(preferences.windowPlace, Main.geometry().size()));
-    TrimFoldersFlag = preferences.trimFolders;
-    KeepPKCheck.setChecked(preferences.keepPeaks);
+    lists_.setKeepPeaks(preferences.keepPeaks);
     LastFolder = preferences.lastFolder;
     MoveFolder = preferences.moveFolder;
-    CopyFolder = preferences.copyFolder;
+    copy_.setCopyFolder(preferences.copyFolder);
     if (!LastFolder.isEmpty()) {
-        pointBrowserAt(LastFolder);
+        browser_.pointBrowserAt(LastFolder);
     }
-    CheckAllFiles = preferences.checkAllFiles;
-    ExcludedFiles = preferences.excludedFiles;
+    lists_.setExcludedFiles(preferences.excludedFiles);
     StoreInSubFolderCheck.setChecked(preferences.storeInSubFolder);
     ActiveFileTab = qint16(
         activeFileTabKey(preferences.activeFileTab).isEmpty() ? 1 : preferences.activeFileTab);
-    selectTabByKey(activeFileTabKey(ActiveFileTab));
+    browser_.selectTabByKey(activeFileTabKey(ActiveFileTab));
     lastOverwriteAnswer_ = preferences.lastOverwriteAnswer;
 }
 
 Preferences MainForm::Form_Unload() {
-    LastFolder = SESFile.text();
-    const int selected = activeFileTabNumber(selectedTabKey());
+    LastFolder = browser_.sessionFolder();
+    const int selected = activeFileTabNumber(browser_.selectedTabKey());
     if (selected > 0) {
         ActiveFileTab = qint16(selected);
     }
     Preferences preferences;
     preferences.windowPlace = Main.geometry().topLeft();
-    preferences.trimFolders = TrimFoldersFlag;
-    preferences.keepPeaks = KeepPKCheck.checked();
+    preferences.trimFolders = lists_.trimFolders();
+    preferences.keepPeaks = lists_.keepPeaks();
     preferences.lastFolder = LastFolder;
     preferences.moveFolder = MoveFolder;
-    preferences.copyFolder = CopyFolder;
-    preferences.checkAllFiles = CheckAllFiles;
-    preferences.excludedFiles = ExcludedFiles;
+    preferences.copyFolder = copy_.copyFolder();
+    preferences.checkAllFiles = lists_.wholeFolder();
+    preferences.excludedFiles = lists_.excludedFiles();
     preferences.storeInSubFolder = StoreInSubFolderCheck.checked();
     preferences.activeFileTab = ActiveFileTab;
     preferences.lastOverwriteAnswer = lastOverwriteAnswer_;
@@ -320,7 +182,7 @@ bool MainForm::Form_KeyDown(int keyCode, int shift) {
     if (keyCode != EscapeKey) {
         return false;
     }
-    if (copying_) {
+    if (copy_.running()) {
         return true;  // the copy goes on to its end first
     }
     Q_EMIT closeRequested();
@@ -362,28 +224,6 @@ void MainForm::FolderButton_Click() {
     }
     MoveFolder = TargetFolderName.text();
     UpdateSubFolder();
-}
-
-// Media types.
-
-void MainForm::SetFileTypeArrays() {
-    const MediaTypeTable table = mediaTypeTable();
-    FileTypeNames = table.FileTypeNames;
-    FileTypePatterns = table.FileTypePatterns;
-    QStringList items = FileTypesCombo.items();
-    for (int index = 0; index < FileTypeNames.size(); ++index) {
-        items.append(mediaTypeItemText(table, index));
-    }
-    FileTypesCombo.setItems(items);
-}
-
-void MainForm::FileTypesCombo_Click() {
-    // Only "All Files" lets peak files into the list, so only then may they be kept back.
-    KeepPKCheck.setEnabled(FileTypesCombo.listIndex() == 0);
-    if (SESFile.listIndex() >= 0) {
-        UpdateUnusedFileSpec();
-    }
-    UpdateSizes();
 }
 
 }  // namespace tidewick

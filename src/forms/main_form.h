@@ -6,31 +6,27 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
-#include "audit/audited_library.h"
-#include "fileops/copy_used.h"
 #include "fileops/file_operations.h"
 #include "fileops/move_run.h"
-#include "forms/check_list_model.h"
 #include "forms/control.h"
+#include "forms/folder_lists.h"
 #include "forms/move_form.h"
+#include "forms/session_browser.h"
+#include "forms/used_files_copy.h"
 #include "platform/interaction.h"
-#include "session/session_folder.h"
 #include "settings/preferences.h"
-#include "sweep/sweep.h"
 
-// The main window without widgets: every control's data, the values the window keeps and the
-// handlers of its events; the sweep itself is the core of sweep.h, fed from the controls. The Qt
-// window shows this data and forwards the user's actions here; tests drive it directly.
+// The main window without widgets: its controls, made from the layout table, and the shell that
+// holds its parts (the session browser, the folder lists, the copy of used files), its menus,
+// the move and the user's preferences. The Qt window shows the controls' data and forwards the
+// user's actions to the handlers; tests drive them directly.
 namespace tidewick {
 
 class ExclusionForm;
 class AuditForm;
-class SessionIndex;
 class RestoreForm;
-class SizeCache;
 
 /// The window caption: "Tidewick - Version 6.00" for 6.0.0, the revision written straight after
 /// the minor version.
@@ -53,94 +49,30 @@ public:
     ~MainForm() override;
 
     UserInteraction& ui() const { return ui_; }
+    /// The one file-system object of the window; it lives as long as the window.
+    FileOperations& disk() { return FSO; }
 
     /// Every control in the order in which the window creates them (later ones lie on top).
     const std::vector<std::unique_ptr<Control>>& controls() const { return controls_; }
     /// The control called `name`, or nullptr.
     Control* findControl(QStringView name) const;
+    /// The control called `name`, which must exist.
+    Control& control(QStringView name) const;
 
-private:
-    std::vector<std::unique_ptr<Control>> controls_;
-    UserInteraction& ui_;
+    /// The window's parts.
+    SessionBrowser& browser() { return browser_; }
+    const SessionBrowser& browser() const { return browser_; }
+    FolderLists& lists() { return lists_; }
+    const FolderLists& lists() const { return lists_; }
+    UsedFilesCopy& usedCopy() { return copy_; }
 
-    Control& named(QStringView name) const;
-
-public:
-    // The window and its controls, by their names.
-    Control& Main;
-    Control& FilesFrame;
-    Control& SESDrive;
-    Control& SESDir;
-    Control& FileTypeTab;
-    Control& SESFile;
-    Control& UsedFrame;
-    Control& UsedFilesBox;
-    Control& IgnoreFoldersCheck;
-    Control& SESVersionLabel;
-    Control& ScanAll;
-    Control& CopyFilesButton;
-    Control& UnusedFrame;
-    Control& SubFolderCheck;
-    Control& SubFolderName;
-    Control& SubFolderButton;
-    Control& UnusedFilesBox;
-    Control& Frame2;
-    Control& FileTypesCombo;
-    Control& KeepPKCheck;
-    Control& ExcludedCheck;
-    Control& Frame1;
-    Control& MoveFrame;
-    Control& TargetFolderName;
-    Control& FolderButton;
-    Control& StoreInSubFolderCheck;
-    Control& MoveButton;
-    Control& CloseButton;
-    Control& InfoLabel;
-    Control& mnuFileAudit;
-    Control& mnuFileRestore;
-    Control& mnuFileExit;
-    Control& mnuWindowCentre;
-    Control& mnuHelpAbout;
-    Control& mnuHelpDonate;
-
-    /// SelectButton(0) "Select &All", (1) "Select &None", (2) "&Invert".
-    Control& SelectButton(int index) const;
-
-    /// The lines of the used-media list and of the other-files list ("Files to be Moved").
-    CheckListModel UsedFiles;
-    CheckListModel UnusedFiles;
-
-    /// The one file-system object of the window; it lives as long as the window.
-    FileOperations FSO;
     /// The screen's size in twips, as the window reports it; empty when unknown.
     QSize screenSize;
 
-    /// The session's recordings folder (see the session kinds); kept by TrimFolders.
-    const QString& recordFolder() const { return session_.recordFolder(); }
-    /// The folder of the last copy of used files, the start of the next one's picker.
-    const QString& copyFolder() const { return CopyFolder; }
     /// The move's target folder as last picked.
     const QString& moveFolder() const { return MoveFolder; }
-    /// The exclusion list.
-    const QStringList& excludedFiles() const { return ExcludedFiles; }
     /// The product's web page, which About shows and Donate opens.
     const QString& webPage() const { return WebPage; }
-
-    // The session browser.
-    /// Points the drive list, the folder tree and the session-file list at `folder`, then lets
-    /// pending window events run.
-    void pointBrowserAt(const QString& folder);
-    /// The key of the selected tab ("SESFiles"), empty when none is selected.
-    QString selectedTabKey() const;
-    /// Selects the tab with `key`; false when there is none.
-    bool selectTabByKey(const QString& key);
-    /// The pattern of the session-file list ("*.ses"); setting it lists the folder again.
-    const QString& sessionFilePattern() const { return sessionFilePattern_; }
-    void setSessionFilePattern(const QString& pattern);
-    /// Lists the files of the session-file list's folder that match its pattern.
-    void refreshSessionFiles();
-    /// The drive (on Linux and macOS: the place, see drivePlaces) that holds `folder`.
-    QString driveOf(const QString& folder) const;
 
     // Window events and commands.
     /// Loads the window with the user's `preferences`, which it shows and keeps.
@@ -149,6 +81,8 @@ public:
     Preferences Form_Unload();
     /// A key pressed anywhere in the window, before its controls see it; true when consumed.
     bool Form_KeyDown(int keyCode, int shift);
+    /// The window became the active one again: the listed files are measured afresh.
+    void Form_Activate() { lists_.remeasureOtherFiles(); }
     void CloseButton_Click();
     void mnuFileExit_Click();
     void mnuWindowCentre_Click();
@@ -156,43 +90,12 @@ public:
     void mnuHelpDonate_Click();
     void FolderButton_Click();
 
-    // Media types.
-    void SetFileTypeArrays();
-    void FileTypesCombo_Click();
-
-    // Events whose work lies with the session load, the browser, the other-files list, the
-    // counters, the sub-folder row, the move and the copy.
-    void SESDrive_Change();
-    void SESDir_Change();
-    void SESDir_Click(const QString& clickedFolder);
-    void SESFile_Click();
-    void SESFile_PathChange();
-    void FileTypeTab_Click();
-    void ScanAll_Click();
-    void IgnoreFoldersCheck_Click();
-    void SetScanParams();
-    void UsedFiles_ItemCheck(int item);
-    void CopyFilesButton_Click();
-    void KeepPKCheck_Click();
-    void ExcludedCheck_Click();
-    void SelectButton_Click(int index);
-    void UnusedFiles_Click();
-    void UnusedFiles_ItemCheck(int item);
-    void UnusedFiles_DblClick();
-    void SubFolderCheck_Click();
-    void SubFolderButton_Click();
-    void SubFolderName_GotFocus();
-    /// Loads the selected session again, then gathers the sub-folder row's folder.
-    void UnusedListRefresh();
-    /// The window became the active one again: the listed files are measured afresh, as files
-    /// may have changed on disk meanwhile.
-    void Form_Activate();
-    /// Measures every line of UnusedFiles on disk again and shows the sizes; to be called before
-    /// a move or copy starts, so that it works from what the disk holds now.
-    void remeasureOtherFiles();
+    // The move.
     void MoveButton_Click();
     /// The move that "&Move Files" would start now.
     MoveRequest moveRequest() const;
+    /// The store-in-sub-folder option follows the selected session.
+    void UpdateSubFolder();
     /// Shows the results window of a move, modal, and returns when it has closed; without it the
     /// move runs to its end with no window.
     std::function<void(MoveForm& form)> showMoveForm;
@@ -212,30 +115,9 @@ public:
     std::function<void(AuditForm& form)> showAuditForm;
     /// Shows `folder` in the browser on the tab of `kind`.
     void goToSessionFolder(const QString& folder, SessionKindId kind);
-    /// Lists "Files to be Moved" afresh for the lines UsedFiles holds now.
-    void UpdateUnusedFileSpec();
-    /// The controls as the options of a load, and the window's answers to what a load reports.
-    SessionOptions sessionOptions() const;
-    SweepEvents sweepEvents();
 
-    /// The frame captions with their counts, then UpdateSizes.
-    void UpdateSelCounter();
-    void UpdateSizes();
-    void UpdateSubFolder();
-    /// With the sub-folder row on, gathers the files of the folder in SubFolderName into
-    /// UnusedFiles (those that no line leads to yet).
-    void AddFolder();
-    /// A media path reduced to its file name, or to the record folder level and the file name.
-    QString TrimFolders(const QString& fullFileName) const;
-
-    // The session load and the browser around it.
-    /// Shows the sub-folder row (REAPER, Vegas) or hides it (the Audition kinds), moving
-    /// UnusedFiles below it or up into its place.
-    void ActivateSubFolderControls(bool active);
-    /// True while a session load runs; a selection made meanwhile is loaded after it.
-    bool sessionLoadRunning() const { return load_.running; }
     /// True while "Cop&y Files" copies: the window takes no command and does not close.
-    bool copyRunning() const { return copying_; }
+    bool copyRunning() const { return copy_.running(); }
 
 Q_SIGNALS:
     /// The control called `controlName` is to get the keyboard focus.
@@ -253,64 +135,33 @@ Q_SIGNALS:
     void webPageRequested(const QString& url);
 
 private:
-    // The values the window keeps.
-    /// True while every session of the folder is read at once ("Check All ... files").
-    bool CheckAllFiles = false;
-    /// True while "Ignore Leading Folder names" is checked.
-    bool TrimFoldersFlag = false;
+    std::vector<std::unique_ptr<Control>> controls_;
+    UserInteraction& ui_;
+    FileOperations FSO;
+    Control& Main;
+    Control& MoveFrame;
+    Control& TargetFolderName;
+    Control& FolderButton;
+    Control& StoreInSubFolderCheck;
+    Control& MoveButton;
+    Control& CloseButton;
+    SessionBrowser browser_;
+    FolderLists lists_;
+    UsedFilesCopy copy_;
+
     QString WebPage;
-    QString UsedFrameCaption;
-    QString UnusedFrameCaption;
-    QString NoMediaText;
-    QStringList FileTypeNames;
-    QStringList FileTypePatterns;
     QString LastFolder;
     QString MoveFolder;
-    QString CopyFolder;
     qint16 ActiveFileTab = 1;
-    QStringList ExcludedFiles;
     /// The overwrite question's button pressed last in this run of the program.
     OverwriteAnswer lastOverwriteAnswer_ = OverwriteAnswer::Yes;
 
-    /// Keeps loads from overlapping when the other-files computation lets events run.
-    struct LoadGuard {
-        bool running = false;
-        bool pending = false;           ///< a selection arrived during the running load
-        quint64 browserChanges = 0;     ///< counts drive, folder and tab changes
-        QString folderAfterDriveError;  ///< where the browser returns after a "Drive Error"
-    };
-    LoadGuard load_;
-    /// The size of each line of UnusedFiles, kept in step with the list.
-    std::unique_ptr<SizeCache> sizeCache_;
-    QString sessionFilePattern_ = QStringLiteral("*.ses");
-
     /// Shows `preferences` in the controls, in the order the store lists them.
     void applyPreferences(const Preferences& preferences);
-    void runSessionLoad();
-    bool copying_ = false;
-    /// Fills UnusedFiles with `files`.
-    void showOtherFiles(const QList<OtherFile>& files);
-    /// The session folder as last loaded, and the audited library whose sessions guard it too.
-    SessionFolder session_;
-    AuditedLibrary library_;
-    void noteBrowserChange() {
-        ++load_.browserChanges;
-        session_.clear();
-    }
     /// Where a results window runs its work: beside the window when there is one.
     MoveForm::Runner resultsRunner() const;
     /// Shows `form` and returns when it has closed (or runs it to its end without a window).
     void showResults(MoveForm& form);
-    /// Lists the session folder again and selects `session`, which reads it again.
-    void reloadSession(const QString& session);
-    /// Points the session-file list at `folder` and lists it afresh.
-    void showSessionFolder(const QString& folder);
-    /// The rows of the checked lines of UsedFiles.
-    QList<int> checkedUsedRows() const;
-    /// Copies what `request` names into CopyFolder with the caption, the progress and the failure
-    /// questions; how many were copied, or nothing when the user stopped the run.
-    std::optional<int> copyWithProgress(const CopyRequest& request);
-
     void connectEvents();
 };
 

@@ -9,8 +9,9 @@
 namespace tidewick {
 
 void MainForm::mnuFileAudit_Click() {
-    const QString root = ui_.browseForFolder(
-        QStringLiteral("Choose the folder that holds your session folders."), SESDir.text());
+    const QString root =
+        ui_.browseForFolder(QStringLiteral("Choose the folder that holds your session folders."),
+                            browser_.shownFolder());
     if (root.isEmpty()) {
         return;
     }
@@ -20,15 +21,15 @@ void MainForm::mnuFileAudit_Click() {
     } else {
         audit.runToEnd();
     }
-    library_.reopen();  // the index has news for the loads
+    lists_.libraryChanged();  // the index has news for the loads
     if (const std::optional<AuditForm::Chosen> chosen = audit.chosen()) {
         goToSessionFolder(chosen->folder, chosen->kind);
     }
 }
 
 void MainForm::goToSessionFolder(const QString& folder, SessionKindId kind) {
-    selectTabByKey(sessionKind(kind).tabKey);
-    pointBrowserAt(folder);
+    browser_.selectTabByKey(sessionKind(kind).tabKey);
+    browser_.pointBrowserAt(folder);
 }
 
 }  // namespace tidewick

@@ -6,21 +6,38 @@
 #include "forms/restore_form.h"
 #include "text/path_text.h"
 
-// "&Move Files": the checks and the confirmation before the results window runs the move, and
-// the reload of the session after it.
+// "&Move Files": the checks and the confirmation before the results window runs the move, the
+// reload of the session after it, and its undoing from a record.
 namespace tidewick {
 
 MoveRequest MainForm::moveRequest() const {
+    const CheckListModel& unused = lists_.unusedFiles();
     QList<MoveItem> items;
-    for (int row = 0; row < UnusedFiles.count(); ++row) {
-        items.append({UnusedFiles.text(row), UnusedFiles.isChecked(row)});
+    for (int row = 0; row < unused.count(); ++row) {
+        items.append({unused.text(row), unused.isChecked(row)});
     }
-    return session_.moveRequest(sessionOptions(), items, TargetFolderName.text(),
-                                StoreInSubFolderCheck.checked());
+    return lists_.session().moveRequest(lists_.sessionOptions(), items, TargetFolderName.text(),
+                                        StoreInSubFolderCheck.checked());
+}
+
+void MainForm::UpdateSubFolder() {
+    const QString session = browser_.selectedSession();
+    if (browser_.selectedIndex() < 0 || session.isEmpty()) {
+        StoreInSubFolderCheck.setText(QStringLiteral("Store in sub-folder..."));
+        StoreInSubFolderCheck.setEnabled(false);
+        StoreInSubFolderCheck.setTooltip({});
+        return;
+    }
+    const QString base = hostBaseName(session);
+    StoreInSubFolderCheck.setText(QStringLiteral("Store in sub-folder \"...") + hostSeparator() +
+                                  base + u'"');
+    StoreInSubFolderCheck.setEnabled(true);
+    StoreInSubFolderCheck.setTooltip(QStringLiteral("Sub-folder: ") +
+                                     withSeparator(TargetFolderName.text()) + base);
 }
 
 void MainForm::MoveButton_Click() {
-    remeasureOtherFiles();  // the sizes the user reads are those of the disk now
+    lists_.remeasureOtherFiles();  // the sizes the user reads are those of the disk now
     const MoveRequest request = moveRequest();
     const auto checked = std::count_if(request.items.cbegin(), request.items.cend(),
                                        [](const MoveItem& item) { return item.checked; });
@@ -44,7 +61,7 @@ void MainForm::MoveButton_Click() {
     const QString crlf = QStringLiteral("\r\n");
     const QString question = QStringLiteral("Warning!  You are about to Move ") +
                              QString::number(checked) + QStringLiteral(" file(s) as follows:-") +
-                             crlf + crlf + QStringLiteral("From : \"") + SESFile.text() +
+                             crlf + crlf + QStringLiteral("From : \"") + browser_.sessionFolder() +
                              QLatin1Char('"') + crlf + QStringLiteral("To : \"") +
                              moveDestination(request) + QLatin1Char('"') + crlf + crlf +
                              QStringLiteral("Are you sure you wish to proceed?");
@@ -58,7 +75,9 @@ void MainForm::MoveButton_Click() {
         MoveForm form(ui(), FSO, request, lastOverwriteAnswer_, resultsRunner());
         showResults(form);
     }
-    reloadSession(session);
+    // The lists show the folder as the move has left it.
+    lists_.UpdateSelCounter();
+    browser_.reselect(session);
 }
 
 MoveForm::Runner MainForm::resultsRunner() const {
@@ -70,16 +89,6 @@ void MainForm::showResults(MoveForm& form) {
         showMoveForm(form);
     } else {
         form.runToEnd();
-    }
-}
-
-void MainForm::reloadSession(const QString& session) {
-    // The lists show the folder as the move (or its restore) has left it.
-    UpdateSelCounter();
-    refreshSessionFiles();
-    const int index = int(SESFile.items().indexOf(session));
-    if (index >= 0) {
-        SESFile.setListIndex(index);
     }
 }
 
@@ -104,8 +113,9 @@ void MainForm::mnuFileRestore_Click() {
         showResults(form);
     }
     // The folder shown gets its files back: its session is read again.
-    if (withSeparator(SESFile.text()) == withSeparator(record.sessionFolder)) {
-        reloadSession(SESFile.items().value(SESFile.listIndex()));
+    if (withSeparator(browser_.sessionFolder()) == withSeparator(record.sessionFolder)) {
+        lists_.UpdateSelCounter();
+        browser_.reselect(browser_.selectedSession());
     }
 }
 

@@ -120,11 +120,11 @@ void MainWindow::load() {
     if (const QScreen* screen = this->screen()) {
         form_.screenSize = screen->geometry().size() * TwipsPerPixel;
     }
-    form_.Form_Load(store_ ? loadPreferences(*store_, form_.FSO) : Preferences());
+    form_.Form_Load(store_ ? loadPreferences(*store_, form_.disk()) : Preferences());
 }
 
 void MainWindow::createControls() {
-    connect(&form_.Main, &Control::changed, this, &MainWindow::syncWindow);
+    connect(&form_.control(u"Main"), &Control::changed, this, &MainWindow::syncWindow);
     syncWindow();
     const ControlLook look{frameStyle_, folderIcon_};
     const QHash<QString, QObject*> made = makeControlWidgets(
@@ -135,8 +135,8 @@ void MainWindow::createControls() {
 }
 
 void MainWindow::syncWindow() {
-    setWindowTitle(form_.Main.text());
-    const QRect place = twipsToPixels(form_.Main.geometry());
+    setWindowTitle(form_.control(u"Main").text());
+    const QRect place = twipsToPixels(form_.control(u"Main").geometry());
     if (pos() != place.topLeft()) {
         move(place.topLeft());
     }
@@ -156,7 +156,7 @@ bool MainWindow::event(QEvent* event) {
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusIn &&
         watched == objects_.value(QStringLiteral("SubFolderName"))) {
-        form_.SubFolderName_GotFocus();
+        form_.lists().SubFolderName_GotFocus();
     }
     return QMainWindow::eventFilter(watched, event);
 }
@@ -180,16 +180,16 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::moveEvent(QMoveEvent* event) {
     QMainWindow::moveEvent(event);
-    const QRect window = form_.Main.geometry();
+    const QRect window = form_.control(u"Main").geometry();
     const QPoint twips = pos() * TwipsPerPixel;
     // Only a real move is taken back: a position that rounds to the same pixel stays as stored.
     if (twipsToPixels(window).topLeft() != pos()) {
-        form_.Main.setGeometry(QRect(twips, window.size()));
+        form_.control(u"Main").setGeometry(QRect(twips, window.size()));
     }
 }
 
 void MainWindow::showAbout() {
-    AboutDialog about(form_.Main.text(), form_.webPage(), this);
+    AboutDialog about(form_.control(u"Main").text(), form_.webPage(), this);
     about.exec();
 }
 

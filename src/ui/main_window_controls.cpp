@@ -155,8 +155,8 @@ void MainWindow::syncSpecial(Control& control, QObject* object) {
 
 void MainWindow::syncFolderTree(Control& control, QTreeView* tree) {
     if (folders_ && !control.text().isEmpty()) {
-        rootTreeAt(tree, placeHolds(form_.SESDrive.text(), control.text()) ? form_.SESDrive.text()
-                                                                           : QDir::rootPath());
+        const QString& drive = form_.browser().drive();
+        rootTreeAt(tree, placeHolds(drive, control.text()) ? drive : QDir::rootPath());
         const QModelIndex folder = folders_->index(control.text());
         tree->setCurrentIndex(folder);
         tree->scrollTo(folder);
@@ -165,11 +165,12 @@ void MainWindow::syncFolderTree(Control& control, QTreeView* tree) {
 
 QTreeView* MainWindow::createFolderTree(QWidget* container) {
     auto* tree = new QTreeView(container);
-    folders_ = new FolderTreeModel(form_.FSO, this);
+    folders_ = new FolderTreeModel(form_.disk(), this);
     tree->setModel(folders_);
     tree->setHeaderHidden(true);
-    connect(tree, &QTreeView::clicked, this,
-            [this](const QModelIndex& index) { form_.SESDir_Click(folders_->filePath(index)); });
+    connect(tree, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        form_.browser().SESDir_Click(folders_->filePath(index));
+    });
     return tree;
 }
 
@@ -219,7 +220,7 @@ QListView* MainWindow::createFileList(Control& control, QWidget* container) {
 
 void MainWindow::bindList(Control& control, QListView* view) {
     const bool used = control.name() == QLatin1String("UsedFiles");
-    view->setModel(used ? &form_.UsedFiles : &form_.UnusedFiles);
+    view->setModel(used ? &form_.lists().usedFiles() : &form_.lists().unusedFiles());
     view->setUniformItemSizes(true);  // keeps a list of many thousand lines quick
     view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     view->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -230,8 +231,9 @@ void MainWindow::bindList(Control& control, QListView* view) {
                 control.setListIndex(current.isValid() ? current.row() : -1);
             });
     if (!used) {
-        connect(view, &QListView::clicked, &form_, &MainForm::UnusedFiles_Click);
-        connect(view, &QListView::doubleClicked, &form_, &MainForm::UnusedFiles_DblClick);
+        connect(view, &QListView::clicked, &form_, [this] { form_.lists().UnusedFiles_Click(); });
+        connect(view, &QListView::doubleClicked, &form_,
+                [this] { form_.lists().UnusedFiles_DblClick(); });
     }
 }
 

@@ -14,8 +14,8 @@ namespace {
 // The unused list's texts.
 QStringList unusedTexts(const MainForm& form) {
     QStringList texts;
-    for (int row = 0; row < form.UnusedFiles.count(); ++row) {
-        texts << form.UnusedFiles.text(row);
+    for (int row = 0; row < form.lists().unusedFiles().count(); ++row) {
+        texts << form.lists().unusedFiles().text(row);
     }
     return texts;
 }
@@ -43,13 +43,14 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     form.Form_Load();
     const auto loadBand = [&form, &band] {
         form.goToSessionFolder(band, SessionKindId::Rpp);
-        form.SESFile.setListIndex(-1);
-        form.SESFile.setListIndex(int(form.SESFile.items().indexOf("song.rpp")));
+        form.control(u"SESFile").setListIndex(-1);
+        form.control(u"SESFile")
+            .setListIndex(int(form.control(u"SESFile").items().indexOf("song.rpp")));
         return unusedTexts(form);
     };
     EXPECT_TRUE(loadBand().contains("shared loop.wav"));  // no audit yet: nothing knows
 
-    AuditForm audit(ui, form.FSO, root, home.filePath("cache/Tidewick/index.sqlite"));
+    AuditForm audit(ui, form.disk(), root, home.filePath("cache/Tidewick/index.sqlite"));
     audit.runToEnd();
     ASSERT_EQ(audit.rows().size(), 2);
     EXPECT_EQ(audit.rows()[0].folder, root + "/Podcast");  // 2 takes before 1 old file
@@ -59,13 +60,13 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     audit.OpenButton_Click();
     ASSERT_TRUE(audit.chosen());
     form.goToSessionFolder(audit.chosen()->folder, audit.chosen()->kind);
-    EXPECT_EQ(form.selectedTabKey(), sessionKind(SessionKindId::Rpp).tabKey);
-    EXPECT_EQ(form.SESFile.text(), root + "/Band");
+    EXPECT_EQ(form.browser().selectedTabKey(), sessionKind(SessionKindId::Rpp).tabKey);
+    EXPECT_EQ(form.control(u"SESFile").text(), root + "/Band");
 
     const QStringList offered = loadBand();
     EXPECT_EQ(offered, QStringList{"old.wav"});
-    EXPECT_TRUE(form.UnusedFrame.tooltip().contains(podcast + "show.sesx"))
-        << form.UnusedFrame.tooltip().toStdString();
+    EXPECT_TRUE(form.control(u"UnusedFrame").tooltip().contains(podcast + "show.sesx"))
+        << form.control(u"UnusedFrame").tooltip().toStdString();
 
     // The podcast's session changed since the audit: it is read again, in this form and in
     // the next, which learns it from the index.
@@ -76,7 +77,7 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     MainForm next(ui);
     next.Form_Load();
     next.goToSessionFolder(band, SessionKindId::Rpp);
-    next.SESFile.setListIndex(int(next.SESFile.items().indexOf("song.rpp")));
+    next.control(u"SESFile").setListIndex(int(next.browser().sessions().indexOf("song.rpp")));
     EXPECT_EQ(unusedTexts(next), QStringList());
     qunsetenv("XDG_CACHE_HOME");
 }

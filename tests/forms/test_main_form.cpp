@@ -31,8 +31,8 @@ TEST(MainFormStart, AWindowStoredOffTheScreenOpensInItsMiddle) {
         MainForm form(ui);
         form.screenSize = size;
         form.Form_Load(preferences);
-        EXPECT_EQ(form.Main.geometry(), QRect(opened, QSize(14400, 10725)));
-        EXPECT_EQ(form.recordFolder(), "_Recorded");
+        EXPECT_EQ(form.control(u"Main").geometry(), QRect(opened, QSize(14400, 10725)));
+        EXPECT_EQ(form.lists().recordFolder(), "_Recorded");
     }
 }
 
@@ -53,16 +53,17 @@ TEST(MainFormStart, ShowsThePreferencesItLoadsAndGivesThemBack) {
     RecordingInteraction ui;
     MainForm form(ui);
     form.Form_Load(p);
-    EXPECT_EQ(form.selectedTabKey(), "SESXFiles");
-    EXPECT_EQ(form.SESFile.text(), last.path());
-    EXPECT_EQ(form.TargetFolderName.text(), move.path());
-    for (const Control* box : {&form.IgnoreFoldersCheck, &form.ScanAll, &form.KeepPKCheck,
-                               &form.StoreInSubFolderCheck}) {
+    EXPECT_EQ(form.browser().selectedTabKey(), "SESXFiles");
+    EXPECT_EQ(form.control(u"SESFile").text(), last.path());
+    EXPECT_EQ(form.control(u"TargetFolderName").text(), move.path());
+    for (const Control* box :
+         {&form.control(u"IgnoreFoldersCheck"), &form.control(u"ScanAll"),
+          &form.control(u"KeepPKCheck"), &form.control(u"StoreInSubFolderCheck")}) {
         EXPECT_TRUE(box->checked()) << box->name().toStdString();
     }
     EXPECT_EQ(form.Form_Unload(), p);
-    form.selectTabByKey("XMLFiles");
-    form.SESFile.setText(copy.path());
+    form.browser().selectTabByKey("XMLFiles");
+    form.control(u"SESFile").setText(copy.path());
     p.activeFileTab = 2;
     p.lastFolder = copy.path();
     EXPECT_EQ(form.Form_Unload(), p);

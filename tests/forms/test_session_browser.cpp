@@ -20,7 +20,7 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(dir.isValid());
         form.Form_Load();
-        form.pointBrowserAt(dir.path());
+        form.browser().pointBrowserAt(dir.path());
     }
 
     /// The session folder with a trailing separator.
@@ -30,23 +30,24 @@ protected:
     /// is the chosen one already).
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) {
         ASSERT_TRUE(writeFile(dir.filePath(name), sessionBytes(kind, paths)));
-        form.selectTabByKey(sessionKind(kind).tabKey);
-        form.FileTypeTab_Click();
+        form.browser().selectTabByKey(sessionKind(kind).tabKey);
+        form.browser().FileTypeTab_Click();
     }
 
     /// Lists the folder again and selects `name`, which loads it.
     void select(const QString& name) {
-        form.refreshSessionFiles();
-        const auto index = form.SESFile.items().indexOf(name);
+        form.browser().refreshSessionFiles();
+        const auto index = form.control(u"SESFile").items().indexOf(name);
         ASSERT_GE(index, 0) << name.toStdString();
-        form.SESFile.setListIndex(static_cast<int>(index));
+        form.control(u"SESFile").setListIndex(static_cast<int>(index));
     }
 
     /// The used list's lines, "[x] " before a checked one and "[ ] " before the others.
     QStringList usedLines() const {
         QStringList lines;
-        for (int row = 0; row < form.UsedFiles.count(); ++row) {
-            lines << (form.UsedFiles.isChecked(row) ? "[x] " : "[ ] ") + form.UsedFiles.text(row);
+        for (int row = 0; row < form.lists().usedFiles().count(); ++row) {
+            lines << (form.lists().usedFiles().isChecked(row) ? "[x] " : "[ ] ") +
+                         form.lists().usedFiles().text(row);
         }
         return lines;
     }
@@ -61,19 +62,19 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
     for (const SessionKind& kind : sessionKinds()) {
         SCOPED_TRACE(kind.tabKey.toStdString());
         const bool subFolderRow = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
-        form.selectTabByKey(kind.id == SessionKindId::Veg ? "SESFiles" : "VEGFiles");
-        form.UsedFiles.addItem("old.wav", true);
-        form.SESVersionLabel.setText("Audition 3.0");
-        form.selectTabByKey(kind.tabKey);
-        EXPECT_EQ(form.sessionFilePattern(), kind.sessionPattern);
-        EXPECT_EQ(form.ScanAll.text(), kind.scanAllCaption);
+        form.browser().selectTabByKey(kind.id == SessionKindId::Veg ? "SESFiles" : "VEGFiles");
+        form.lists().usedFiles().addItem("old.wav", true);
+        form.control(u"SESVersionLabel").setText("Audition 3.0");
+        form.browser().selectTabByKey(kind.tabKey);
+        EXPECT_EQ(form.browser().sessionFilePattern(), kind.sessionPattern);
+        EXPECT_EQ(form.control(u"ScanAll").text(), kind.scanAllCaption);
         const QString record = subFolderRow ? dir.path() : "_Recorded";
-        EXPECT_EQ(form.recordFolder(), record);
-        EXPECT_EQ(form.SubFolderName.text(), record);
-        EXPECT_EQ(form.SubFolderName.visible(), subFolderRow);
-        EXPECT_EQ(form.UnusedFilesBox.geometry().top(), subFolderRow ? 720 : 270);
-        EXPECT_EQ(form.UsedFiles.count(), 0);
-        EXPECT_EQ(form.SESVersionLabel.text(), QString());
+        EXPECT_EQ(form.lists().recordFolder(), record);
+        EXPECT_EQ(form.control(u"SubFolderName").text(), record);
+        EXPECT_EQ(form.control(u"SubFolderName").visible(), subFolderRow);
+        EXPECT_EQ(form.control(u"UnusedFiles").geometry().top(), subFolderRow ? 720 : 270);
+        EXPECT_EQ(form.lists().usedFiles().count(), 0);
+        EXPECT_EQ(form.control(u"SESVersionLabel").text(), QString());
     }
 }
 
@@ -83,44 +84,47 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
 TEST_F(SessionFolderTest, TheCheckBoxesReloadOnlyASelectedSession) {
     writeSession("a.rpp", SessionKindId::Rpp, {"C:\\x\\a.wav"});
     writeSession("b.rpp", SessionKindId::Rpp, {"D:\\y\\b.wav"});
-    form.UsedFiles.addItem("untouched");
-    form.IgnoreFoldersCheck.setChecked(true);
+    form.lists().usedFiles().addItem("untouched");
+    form.control(u"IgnoreFoldersCheck").setChecked(true);
     EXPECT_EQ(usedLines(), QStringList{"[ ] untouched"});
     select("a.rpp");
     EXPECT_EQ(usedLines(), QStringList{"[ ] a.wav"});
-    form.ScanAll.setChecked(true);
+    form.control(u"ScanAll").setChecked(true);
     EXPECT_EQ(usedLines(), QStringList({"[ ] x/a.wav", "[ ] y/b.wav"}));
-    form.IgnoreFoldersCheck.setChecked(false);
+    form.control(u"IgnoreFoldersCheck").setChecked(false);
     EXPECT_EQ(usedLines(), QStringList({"[ ] C:/x/a.wav", "[ ] D:/y/b.wav"}));
-    EXPECT_EQ(form.UsedFiles.tooltip(1), "D:/y/b.wav\nUsed by b.rpp");  // which session uses it
+    EXPECT_EQ(form.lists().usedFiles().tooltip(1),
+              "D:/y/b.wav\nUsed by b.rpp");  // which session uses it
 }
 
 // A drive that cannot be opened is reported and the browser stays; a folder that cannot be
 // opened is passed over; any other folder is listed and empties both lists.
 TEST_F(SessionFolderTest, TheBrowserGoesOnlyWhereItCanAndEmptiesTheListsWhenItGoes) {
     ASSERT_TRUE(writeFile(dir.filePath("sub/x.ses")));
-    const QString missing = dir.filePath("gone"), drive = form.SESDrive.text();
+    const QString missing = dir.filePath("gone"), drive = form.control(u"SESDrive").text();
     for (const auto& [to, name] : {std::pair<QString, QString>{"q:\\", "Q"}, {missing, missing}}) {
         ui.messages.clear();
-        form.UsedFiles.addItem("a.wav");
-        form.UnusedFiles.addItem("b.wav");
-        form.SESDrive.setText(to);
+        form.lists().usedFiles().addItem("a.wav");
+        form.lists().unusedFiles().addItem("b.wav");
+        form.control(u"SESDrive").setText(to);
         const QString text = "Error accessing drive " + name + ".  Device unavailable.";
         EXPECT_EQ(ui.messages, QList<MessageBoxRequest>({{text, "Drive Error"}}));
-        EXPECT_EQ(form.SESDrive.text(), drive);
-        EXPECT_EQ(form.SESDir.text(), dir.path());
-        EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
+        EXPECT_EQ(form.control(u"SESDrive").text(), drive);
+        EXPECT_EQ(form.control(u"SESDir").text(), dir.path());
+        EXPECT_EQ(form.lists().usedFiles().count() + form.lists().unusedFiles().count(), 0);
     }
-    form.UsedFiles.addItem("a.wav");
-    form.UnusedFiles.addItem("b.wav");
-    form.SESVersionLabel.setText("Audition 3.0");
-    form.SESDir_Click(missing);
-    EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 2);  // the tree did not move
-    form.SESDir_Click(dir.filePath("sub"));
-    EXPECT_EQ(form.SESDir.text(), dir.filePath("sub"));
-    EXPECT_EQ(form.SESFile.items(), QStringList{"x.ses"});  // the file list follows the tree
-    EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
-    EXPECT_EQ(form.SESVersionLabel.text(), QString());
+    form.lists().usedFiles().addItem("a.wav");
+    form.lists().unusedFiles().addItem("b.wav");
+    form.control(u"SESVersionLabel").setText("Audition 3.0");
+    form.browser().SESDir_Click(missing);
+    EXPECT_EQ(form.lists().usedFiles().count() + form.lists().unusedFiles().count(),
+              2);  // the tree did not move
+    form.browser().SESDir_Click(dir.filePath("sub"));
+    EXPECT_EQ(form.control(u"SESDir").text(), dir.filePath("sub"));
+    EXPECT_EQ(form.control(u"SESFile").items(),
+              QStringList{"x.ses"});  // the file list follows the tree
+    EXPECT_EQ(form.lists().usedFiles().count() + form.lists().unusedFiles().count(), 0);
+    EXPECT_EQ(form.control(u"SESVersionLabel").text(), QString());
 }
 
 // A load names the file in the caption while it reads. A selection made while it lists the other
@@ -128,22 +132,23 @@ TEST_F(SessionFolderTest, TheBrowserGoesOnlyWhereItCanAndEmptiesTheListsWhenItGo
 TEST_F(SessionFolderTest, ALoadNamesItsFileAndAChoiceMadeDuringItWaitsForItsEnd) {
     writeSession("a.veg", SessionKindId::Veg, {"a.wav"});
     writeSession("b.veg", SessionKindId::Veg, {"b.wav"});
-    const QString caption = form.Main.text();
+    const QString caption = form.control(u"Main").text();
     QStringList captions;
-    QObject::connect(&form.Main, &Control::textChanged, [&] { captions.append(form.Main.text()); });
-    form.UsedFilesBox.setItems({"x"});
-    form.UsedFilesBox.setListIndex(0);
+    QObject::connect(&form.control(u"Main"), &Control::textChanged,
+                     [&] { captions.append(form.control(u"Main").text()); });
+    form.control(u"UsedFiles").setItems({"x"});
+    form.control(u"UsedFiles").setListIndex(0);
     select("a.veg");
     EXPECT_EQ(captions, QStringList({"Reading " + folder() + "a.veg...Please Wait", caption}));
-    EXPECT_EQ(form.UsedFilesBox.listIndex(), -1);
+    EXPECT_EQ(form.control(u"UsedFiles").listIndex(), -1);
     EXPECT_FALSE(ui.busyPointer);
-    ui.whileBusy = [&] { form.SESFile.setListIndex(1); };
+    ui.whileBusy = [&] { form.control(u"SESFile").setListIndex(1); };
     select("a.veg");
     EXPECT_EQ(usedLines(), QStringList{"[ ] b.wav"});
-    ui.whileBusy = [&] { form.selectTabByKey("SESXFiles"); };
+    ui.whileBusy = [&] { form.browser().selectTabByKey("SESXFiles"); };
     select("b.veg");
-    EXPECT_EQ(form.UsedFiles.count() + form.UnusedFiles.count(), 0);
-    EXPECT_FALSE(form.sessionLoadRunning());
+    EXPECT_EQ(form.lists().usedFiles().count() + form.lists().unusedFiles().count(), 0);
+    EXPECT_FALSE(form.lists().sessionLoadRunning());
 }
 
 // An other file's mark, set in the list by mouse or keyboard or by the selection buttons, moves
@@ -156,21 +161,24 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
     ASSERT_TRUE(writeFile(dir.filePath("t.wav"), QByteArray(1024, 't')));
     select("s.xml");
     const QString sizes = "Listed Other Files: %1 - Selected Other Files: %2";
-    form.UnusedFiles.setData(form.UnusedFiles.index(0), Qt::Checked, Qt::CheckStateRole);
-    EXPECT_EQ(form.InfoLabel.text(),
+    form.lists().unusedFiles().setData(form.lists().unusedFiles().index(0), Qt::Checked,
+                                       Qt::CheckStateRole);
+    EXPECT_EQ(form.control(u"InfoLabel").text(),
               sizes.arg("3,146,752 bytes (3.00Mb)", "3,145,728 bytes (3.00Mb)"));
-    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
+    EXPECT_EQ(form.control(u"UnusedFrame").text(), "Files to be Moved - [1/2]");
     ASSERT_TRUE(QFile::remove(dir.filePath("a.wav")));
     form.Form_Activate();
-    EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "0 bytes (0.00Mb)"));
-    form.UnusedFilesBox.setListIndex(1);
-    form.SelectButton(2).click();
-    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [1/2]");
-    EXPECT_EQ(form.InfoLabel.text(), sizes.arg("1,024 bytes (0.00Mb)", "1,024 bytes (0.00Mb)"));
-    EXPECT_EQ(form.UnusedFilesBox.listIndex(), -1);
+    EXPECT_EQ(form.control(u"InfoLabel").text(),
+              sizes.arg("1,024 bytes (0.00Mb)", "0 bytes (0.00Mb)"));
+    form.control(u"UnusedFiles").setListIndex(1);
+    form.control(u"SelectButton2").click();
+    EXPECT_EQ(form.control(u"UnusedFrame").text(), "Files to be Moved - [1/2]");
+    EXPECT_EQ(form.control(u"InfoLabel").text(),
+              sizes.arg("1,024 bytes (0.00Mb)", "1,024 bytes (0.00Mb)"));
+    EXPECT_EQ(form.control(u"UnusedFiles").listIndex(), -1);
     for (const int row : {-1, 1, 0}) {  // no line current, a file, a file deleted meanwhile
-        form.UnusedFilesBox.setListIndex(row);
-        form.UnusedFiles_DblClick();
+        form.control(u"UnusedFiles").setListIndex(row);
+        form.lists().UnusedFiles_DblClick();
     }
     EXPECT_EQ(ui.opened, QStringList{folder() + "t.wav"});
     EXPECT_EQ(ui.messages, QList<MessageBoxRequest>({{"The selected file could not be loaded into "
@@ -188,12 +196,13 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
         {"Song_Recorded/t.wav", true, true},
         {"<no media files found>", false, false}};
     for (const auto& [line, trim, exists] : cases) {
-        form.IgnoreFoldersCheck.setChecked(trim);  // reloads the session selected, if any
-        form.UsedFiles.clear();
-        form.UsedFiles.addItem(line, exists);
-        form.UsedFiles.setData(form.UsedFiles.index(0), exists ? Qt::Unchecked : Qt::Checked,
-                               Qt::CheckStateRole);
-        EXPECT_EQ(form.UsedFiles.isChecked(0), exists) << line.toStdString();
+        form.control(u"IgnoreFoldersCheck")
+            .setChecked(trim);  // reloads the session selected, if any
+        form.lists().usedFiles().clear();
+        form.lists().usedFiles().addItem(line, exists);
+        form.lists().usedFiles().setData(form.lists().usedFiles().index(0),
+                                         exists ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+        EXPECT_EQ(form.lists().usedFiles().isChecked(0), exists) << line.toStdString();
     }
     EXPECT_FALSE(ui.busyPointer);
 }
@@ -204,26 +213,28 @@ TEST_F(SessionFolderTest, CheckMarksMoveTheCountersOnOtherFilesAndSnapBackOnUsed
 TEST_F(SessionFolderTest, TheSubFolderRowGathersItsFolderAndTheStoreOptionFollowsTheSession) {
     writeSession("mix.rpp", SessionKindId::Rpp, {});
     ASSERT_TRUE(writeFile(dir.filePath("Rec/take.wav")));
-    form.UnusedFiles.addItem("old.wav");
-    form.SubFolderCheck.setChecked(true);
-    EXPECT_EQ(form.UnusedFiles.count(), 0);
-    EXPECT_EQ(form.StoreInSubFolderCheck.text(), "Store in sub-folder...");
-    EXPECT_FALSE(form.StoreInSubFolderCheck.enabled());
-    form.SubFolderCheck.setChecked(false);
-    form.TargetFolderName.setText("/old");
+    form.lists().unusedFiles().addItem("old.wav");
+    form.control(u"SubFolderCheck").setChecked(true);
+    EXPECT_EQ(form.lists().unusedFiles().count(), 0);
+    EXPECT_EQ(form.control(u"StoreInSubFolderCheck").text(), "Store in sub-folder...");
+    EXPECT_FALSE(form.control(u"StoreInSubFolderCheck").enabled());
+    form.control(u"SubFolderCheck").setChecked(false);
+    form.control(u"TargetFolderName").setText("/old");
     select("mix.rpp");
-    EXPECT_EQ(form.SubFolderName.text(), dir.path());
-    EXPECT_EQ(form.StoreInSubFolderCheck.text(),
+    EXPECT_EQ(form.control(u"SubFolderName").text(), dir.path());
+    EXPECT_EQ(form.control(u"StoreInSubFolderCheck").text(),
               "Store in sub-folder \"..." + folder().right(1) + "mix\"");
-    EXPECT_EQ(form.StoreInSubFolderCheck.tooltip(), "Sub-folder: /old" + folder().right(1) + "mix");
+    EXPECT_EQ(form.control(u"StoreInSubFolderCheck").tooltip(),
+              "Sub-folder: /old" + folder().right(1) + "mix");
     ui.folderAnswers = {dir.filePath("Rec")};
-    form.SubFolderButton.click();
-    EXPECT_EQ(form.recordFolder(), dir.filePath("Rec"));
-    EXPECT_EQ(form.UnusedFiles.count(), 0);
-    form.SubFolderCheck.setChecked(true);
-    ASSERT_EQ(form.UnusedFiles.count(), 1);
-    EXPECT_EQ(form.UnusedFiles.text(0), folder() + "Rec" + folder().right(1) + "take.wav");
-    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved - [0/1]");
+    form.control(u"SubFolderButton").click();
+    EXPECT_EQ(form.lists().recordFolder(), dir.filePath("Rec"));
+    EXPECT_EQ(form.lists().unusedFiles().count(), 0);
+    form.control(u"SubFolderCheck").setChecked(true);
+    ASSERT_EQ(form.lists().unusedFiles().count(), 1);
+    EXPECT_EQ(form.lists().unusedFiles().text(0),
+              folder() + "Rec" + folder().right(1) + "take.wav");
+    EXPECT_EQ(form.control(u"UnusedFrame").text(), "Files to be Moved - [0/1]");
 }
 
 // A "Check All" load that stops at a session it cannot read lists no other files, says where it
@@ -234,13 +245,13 @@ TEST_F(SessionFolderTest, AStoppedLoadSaysWhereAndOffersNothing) {
         writeFile(dir.filePath("b.ses"), sessionBytes(SessionKindId::Ses, {"y.wav"}).left(40)));
     ASSERT_TRUE(writeFile(dir.filePath("c.ses"), sessionBytes(SessionKindId::Ses, {})));
     ASSERT_TRUE(writeFile(dir.filePath("z.wav")));
-    form.ScanAll.setChecked(true);
+    form.control(u"ScanAll").setChecked(true);
     select("a.ses");
-    form.FileTypesCombo.setListIndex(1);
-    EXPECT_EQ(form.UnusedFiles.count(), 0);
-    EXPECT_TRUE(form.UsedFrame.text().startsWith("Reading stopped: "));
-    EXPECT_EQ(form.UnusedFrame.text(), "Files to be Moved");
-    EXPECT_EQ(form.InfoLabel.text(),
+    form.control(u"FileTypesCombo").setListIndex(1);
+    EXPECT_EQ(form.lists().unusedFiles().count(), 0);
+    EXPECT_TRUE(form.control(u"UsedFrame").text().startsWith("Reading stopped: "));
+    EXPECT_EQ(form.control(u"UnusedFrame").text(), "Files to be Moved");
+    EXPECT_EQ(form.control(u"InfoLabel").text(),
               "Reading stopped at \"b.ses\" (2 of 3 sessions not read): no other files are listed");
 }
 
@@ -306,12 +317,12 @@ TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
             }
         };
         select(row.session);
-        const QString before = form.copyFolder();
-        form.Main.setText("Tidewick");
+        const QString before = form.usedCopy().copyFolder();
+        form.control(u"Main").setText("Tidewick");
         ui.messages.clear();
         ui.folderAnswers = row.folderAnswers;
         ui.answers = row.answers;
-        form.CopyFilesButton_Click();
+        form.usedCopy().CopyFilesButton_Click();
 
         QStringList texts;
         for (const MessageBoxRequest& message : ui.messages) {
@@ -321,9 +332,9 @@ TEST_F(SessionFolderTest, CopyFilesCopiesTheCheckedLinesAndAsksAtEachFailure) {
         EXPECT_EQ(texts, row.messages);
         EXPECT_EQ(readFile(target + "/take.wav") + '|' + readFile(target + "/c.wav"),
                   row.copied.isEmpty() ? "|" : row.copied);
-        EXPECT_EQ(form.copyFolder(), row.copyFolder.isEmpty() ? before : row.copyFolder);
-        EXPECT_EQ(form.Main.text(), "Tidewick");
-        EXPECT_TRUE(form.UsedFrame.enabled() && !ui.busyPointer);
+        EXPECT_EQ(form.usedCopy().copyFolder(), row.copyFolder.isEmpty() ? before : row.copyFolder);
+        EXPECT_EQ(form.control(u"Main").text(), "Tidewick");
+        EXPECT_TRUE(form.control(u"UsedFrame").enabled() && !ui.busyPointer);
     }
 }
 

@@ -67,6 +67,10 @@ struct GuardCase {
     QStringList kept;     // "file <- keeper"
 };
 
+void PrintTo(const GuardCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
 class Guards : public SessionFolderTest, public ::testing::WithParamInterface<GuardCase> {};
 
 TEST_P(Guards, EverySessionInSightKeepsWhatItUses) {

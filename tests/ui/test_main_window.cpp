@@ -185,7 +185,7 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
     ASSERT_TRUE(test::writeFile(dir.filePath("s.rpp"),
                                 "<REAPER_PROJECT\n\nRECORD_PATH \"Media\" \"\"\n>\n"));
     find<QAbstractButton>("KeepPKCheck")->click();
-    run->form.pointBrowserAt(dir.path());
+    run->form.browser().pointBrowserAt(dir.path());
     const auto compare = [this](int tab, QStringList args) {
         find<QTabBar>("FileTypeTab")->setCurrentIndex(tab);
         auto* sessions = find<QListView>("SESFile");
@@ -215,7 +215,7 @@ TEST_F(MainWindowTest, TheScanCommandPrintsWhatTheWindowShows) {
 TEST_F(MainWindowTest, ScanAllHidesTheLabelBelow) {
     const QRect scanAll = find("ScanAll")->geometry();
     const QImage before = find("UsedFrame")->grab(scanAll).toImage();
-    run->form.SESVersionLabel.setText("Audition 3.0 Audition 3.0");
+    run->form.control(u"SESVersionLabel").setText("Audition 3.0 Audition 3.0");
     EXPECT_EQ(find("UsedFrame")->grab(scanAll).toImage(), before);
 }
 
@@ -263,14 +263,15 @@ TEST_F(MainWindowTest, KeepOtherFilesEditsTheExclusionListThatTheWindowSaves) {
     };
     check->click();
     EXPECT_TRUE(shownEntries.isEmpty());
-    EXPECT_EQ(run->form.excludedFiles(), QStringList({"*.TMP", "Ctake1.wav", "lyricsv2final.doc"}));
+    EXPECT_EQ(run->form.lists().excludedFiles(),
+              QStringList({"*.TMP", "Ctake1.wav", "lyricsv2final.doc"}));
     run->window.activateWindow();  // as the desktop does when a dialog closes; offscreen does not
     EXPECT_TRUE(QTest::qWaitFor([this] { return find("UnusedFiles")->hasFocus(); }));
 
     check->click();  // clearing the box opens nothing
     act = [](QDialog* editor) { QTest::keyClick(editor, Qt::Key_Escape); };
     check->click();
-    EXPECT_EQ(shownEntries, run->form.excludedFiles());
+    EXPECT_EQ(shownEntries, run->form.lists().excludedFiles());
     EXPECT_TRUE(run->ui.messages.isEmpty());
 
     run->window.close();
@@ -291,7 +292,7 @@ TEST_F(MainWindowTest, TheMoveButtonMovesTheCheckedFilesAndRestoreUndoesIt) {
     ASSERT_TRUE(test::writeFile(target.filePath("b.wav"), "old"));
     ASSERT_TRUE(test::writeFile(dir.filePath("mix.sesx"),
                                 test::sessionBytes(SessionKindId::Sesx, {"a.wav"})));
-    run->form.pointBrowserAt(dir.path());
+    run->form.browser().pointBrowserAt(dir.path());
     find<QTabBar>("FileTypeTab")->setCurrentIndex(1);
     auto* sessions = find<QListView>("SESFile");
     sessions->setCurrentIndex(sessions->model()->index(0, 0));
@@ -382,8 +383,8 @@ TEST_F(MainWindowTest, TheAuditTableSortsAndGoesToTheFolderDoubleClicked) {
     user.start(20);
     run->window.findChild<QAction*>("mnuFileAudit")->trigger();
     EXPECT_EQ(folders, QStringList({dir.filePath("Big") + " 1", dir.filePath("Small") + " 1"}));
-    EXPECT_EQ(run->form.SESFile.text(), dir.filePath("Big"));
-    EXPECT_EQ(run->form.selectedTabKey(), sessionKind(SessionKindId::Veg).tabKey);
+    EXPECT_EQ(run->form.control(u"SESFile").text(), dir.filePath("Big"));
+    EXPECT_EQ(run->form.browser().selectedTabKey(), sessionKind(SessionKindId::Veg).tabKey);
     qunsetenv("XDG_CACHE_HOME");
 }
 

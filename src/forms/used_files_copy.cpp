@@ -1,10 +1,10 @@
+#include "forms/used_files_copy.h"
+
 #include "fileops/copy_used.h"
 #include "forms/main_form.h"
 #include "text/number_text.h"
 #include "text/path_text.h"
 
-// "Cop&y Files": the used files present on disk (the checked lines of the used list) copied into
-// a folder the user picks.
 namespace tidewick {
 
 namespace {
@@ -24,22 +24,34 @@ CopyFailureAnswer copyFailureAnswer(MessageAnswer answer) {
 
 }  // namespace
 
-QList<int> MainForm::checkedUsedRows() const {
+UsedFilesCopy::UsedFilesCopy(MainForm& window)
+    : window_(window), ui_(window.ui()), CopyFilesButton(window.control(u"CopyFilesButton")) {
+    QObject::connect(&CopyFilesButton, &Control::clicked, &window,
+                     [this] { CopyFilesButton_Click(); });
+}
+
+QList<Control*> UsedFilesCopy::frames() const {
+    return {&window_.control(u"FilesFrame"), &window_.control(u"UsedFrame"),
+            &window_.control(u"UnusedFrame")};
+}
+
+QList<int> UsedFilesCopy::checkedUsedRows() const {
+    const CheckListModel& used = window_.lists().usedFiles();
     QList<int> rows;
-    for (int row = 0; row < UsedFiles.count(); ++row) {
-        if (UsedFiles.isChecked(row)) {
+    for (int row = 0; row < used.count(); ++row) {
+        if (used.isChecked(row)) {
             rows.append(row);
         }
     }
     return rows;
 }
 
-void MainForm::CopyFilesButton_Click() {
-    const CopyRequest request = session_.copyRequest(checkedUsedRows());
+void UsedFilesCopy::CopyFilesButton_Click() {
+    const CopyRequest request = window_.lists().session().copyRequest(checkedUsedRows());
     const QList<CopyItem>& items = request.items;
     const auto finish = [this] {
         ui_.setBusyPointer(false);
-        for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
+        for (Control* frame : frames()) {
             frame->setEnabled(true);
         }
         ui_.processEvents();
@@ -91,10 +103,11 @@ void MainForm::CopyFilesButton_Click() {
     finish();
 }
 
-std::optional<int> MainForm::copyWithProgress(const CopyRequest& request) {
+std::optional<int> UsedFilesCopy::copyWithProgress(const CopyRequest& request) {
+    Control& Main = window_.control(u"Main");
     const QString savedCaption = Main.text();
     copying_ = true;
-    for (Control* frame : {&FilesFrame, &UsedFrame, &UnusedFrame}) {
+    for (Control* frame : frames()) {
         frame->setEnabled(false);
     }
     ui_.setBusyPointer(true);
@@ -122,7 +135,7 @@ std::optional<int> MainForm::copyWithProgress(const CopyRequest& request) {
         return copyFailureAnswer(answer);
     };
     const CopyOutcome outcome =
-        copyUsedFiles(request.items, CopyFolder, FSO, events, request.usedFiles);
+        copyUsedFiles(request.items, CopyFolder, window_.disk(), events, request.usedFiles);
     ui_.endProgress();
     copying_ = false;
     Main.setText(savedCaption);
