@@ -126,15 +126,14 @@ bool rewrite(const QByteArray& infoPath, const QByteArray& info) {
 
 }  // namespace
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
-                                          TrashPlace* place) {
+std::optional<Result<TrashPlace>> moveToHomeTrash(const QString& path, const QString& trash) {
     const QByteArray source = encodeFileName(path);
     const QByteArray files = encodeFileName(trash + QStringLiteral("/files/"));
     const QByteArray infos = encodeFileName(trash + QStringLiteral("/info/"));
     struct stat file {};
     struct stat trashFiles {};
     if (::lstat(source.constData(), &file) != 0) {
-        return FileError{errno, qt_error_string(errno)};
+        return lastError();
     }
     if (::stat(files.constData(), &trashFiles) != 0 || trashFiles.st_dev != file.st_dev) {
         return std::nullopt;
@@ -149,14 +148,11 @@ std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& tr
             if (errno == EEXIST) {
                 continue;
             }
-            return FileError{errno, qt_error_string(errno)};
+            return lastError();
         }
         if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, (files + candidate).constData(),
                         RENAME_NOREPLACE) == 0) {
-            if (place) {
-                *place = {decodeFileName(files + candidate), decodeFileName(infoPath)};
-            }
-            return FileResult();
+            return TrashPlace{decodeFileName(files + candidate), decodeFileName(infoPath)};
         }
         const int failed = errno;
         ::unlink(infoPath.constData());
@@ -166,13 +162,13 @@ std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& tr
             return std::nullopt;
         }
         if (failed != EEXIST) {
-            return FileError{failed, qt_error_string(failed)};
+            return errorOf(failed);
         }
     }
-    return FileError{EEXIST, qt_error_string(EEXIST)};
+    return errorOf(EEXIST);
 }
 
-std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
+std::optional<Result<void>> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
     const QByteArray source = encodeFileName(path);
     const QByteArray place = encodeFileName(freed.file);
     const QByteArray infoPath = encodeFileName(freed.info);
@@ -183,20 +179,18 @@ std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString
         return std::nullopt;
     }
     rewrite(infoPath, trashInfo(source));  // failing, it names where the same bytes were
-    return FileResult();
+    return Result<void>();
 }
 
 #else
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
-                                          TrashPlace* place) {
+std::optional<Result<TrashPlace>> moveToHomeTrash(const QString& path, const QString& trash) {
     Q_UNUSED(path);
     Q_UNUSED(trash);
-    Q_UNUSED(place);
     return std::nullopt;
 }
 
-std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
+std::optional<Result<void>> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
     Q_UNUSED(freed);
     Q_UNUSED(path);
     return std::nullopt;

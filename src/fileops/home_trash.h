@@ -11,17 +11,15 @@
 // QFile::moveToTrash looks up the mounted volumes for every file.
 namespace tidewick {
 
-/// Puts `path` into the trash folder `trash` (which holds "files" and "info"), telling where in
-/// `place` when given. Nothing when the
-/// home trash cannot take it this way (another file system; a system without an atomic
-/// no-replace rename), so that the general route is taken.
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
-                                          TrashPlace* place);
+/// Puts `path` into the trash folder `trash` (which holds "files" and "info"), telling where it
+/// went. Nothing when the home trash cannot take it this way (another file system; a system
+/// without an atomic no-replace rename), so that the general route is taken.
+std::optional<Result<TrashPlace>> moveToHomeTrash(const QString& path, const QString& trash);
 
 /// Puts `path` into the trash place `freed` (a name in "files" that its file just left, and its
 /// record), then rewrites the record in place to name `path`. Nothing, with the record left as
 /// it was, when the place cannot take it. `path` is the copy of the file that left, so a run cut
 /// short between the two steps leaves a record that names where the same bytes were.
-std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path);
+std::optional<Result<void>> reuseTrashPlace(const TrashPlace& freed, const QString& path);
 
 }  // namespace tidewick

@@ -154,24 +154,26 @@ private:
                                                           "the target"));
         }
         const QString from = inTrash ? file.sourceTrash.file : file.destination;
-        FileResult failed = disk_.renameNoReplace(from, file.source);
-        if (failed && failed->code == EXDEV) {  // another disk: a whole copy, as the move made it
-            failed = disk_.copyFile(from, file.source, {false, false});
-            if (!failed && !inTrash) {
-                disk_.moveToTrash(from);
+        Result<void> back = disk_.renameNoReplace(from, file.source);
+        if (!back && back.error().code == EXDEV) {  // another disk: a whole copy, as the move did
+            const Result<TrashPlace> copied = disk_.copyFile(from, file.source, {false, false});
+            back = copied ? Result<void>() : Result<void>(copied.error());
+            if (back && !inTrash) {
+                (void)disk_.trash(from);  // a copy left in the target loses nothing
             }
         }
-        if (failed && failed->code == EEXIST) {
+        if (!back && back.error().code == EEXIST) {
             if (const QString there = atSource(file); !there.isEmpty()) {
                 return there;
             }
         }
-        if (failed) {
-            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        if (!back) {
+            return leave(file, QStringLiteral("Error ") + errorText(back.error()));
         }
         if (inTrash && inTarget) {
             follower_->add([this, &file] {
-                disk_.trashInPlaceOf(file.sourceTrash, file.destination);  // where the source was
+                // Where the source was; a copy left in the target loses nothing.
+                (void)disk_.trashInPlaceOf(file.sourceTrash, file.destination);
                 replacedBack(file);
             });
         } else {
@@ -192,8 +194,8 @@ private:
         if (dryRun_) {
             return planned(file, QStringLiteral("...its copy in the target would go to the trash"));
         }
-        if (const FileResult failed = disk_.moveToTrash(file.destination)) {
-            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        if (const Result<TrashPlace> trashed = disk_.trash(file.destination); !trashed) {
+            return leave(file, QStringLiteral("Error ") + errorText(trashed.error()));
         }
         replacedBack(file);
         return restored(file);
@@ -203,7 +205,7 @@ private:
     void replacedBack(const MovedFile& file) {
         if (!file.replaced.file.isEmpty() && disk_.entryStamp(file.replaced.file) &&
             !disk_.entryStamp(file.destination) &&
-            !disk_.renameNoReplace(file.replaced.file, file.destination)) {
+            disk_.renameNoReplace(file.replaced.file, file.destination)) {
             QFile::remove(file.replaced.info);
         }
     }

@@ -32,9 +32,9 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         return MoveFailed;
     }
     if (!disk.FolderExists(folder)) {
-        if (const FileResult error = disk.createFolder(folder)) {
+        if (const Result<void> made = disk.createFolder(folder); !made) {
             err << "tidewick-cli copy-used: cannot create " << visibleText(folder) << ": Error "
-                << errorText(*error) << '\n';
+                << errorText(made.error()) << '\n';
             return MoveFailed;
         }
     }
@@ -45,7 +45,7 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         }
     }
     CopyEvents events;
-    events.failed = [&err](const CopyItem& item, const FileError& error) {
+    events.failed = [&err](const CopyItem& item, const Error& error) {
         err << visibleText(copyFailureText(error, item.text)) << '\n';
         return CopyFailureAnswer::Ignore;
     };

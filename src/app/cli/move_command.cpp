@@ -110,9 +110,7 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     events.log = logPrinter(out);
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
     events.stopRequested = interrupted;
-    QString record;
-    const MoveOutcome outcome =
-        runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+    const auto [outcome, record] = runRecordedMove(request, disk, events, moveRecordsFolder());
     if (!record.isEmpty()) {
         err << "tidewick-cli move: the record of this move is " << visibleText(record) << '\n';
     }
