@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
+#include <cerrno>
 
 #include "platform/number_text.h"
 #include "platform/path_text.h"
@@ -92,8 +93,8 @@ MoveOutcome MoveRun::run() {
     if (!events_.notice.isEmpty()) {
         log(events_.notice + kLogLineEnd);
     }
-    if (const QString problem = moveProblem(request_, disk_); !problem.isEmpty()) {
-        log(problem + kLogLineEnd);  // said once, not once for every file
+    if (const Result<void> ready = moveCanStart(request_, disk_); !ready) {
+        log(ready.error().cause + kLogLineEnd);  // said once, not once for every file
         outcome_.failed = true;
     } else {
         if (disk_.FolderExists(moveDestination(request_))) {
@@ -260,35 +261,37 @@ QString deletedSourcesLine(qint64 count) {
     return QStringLiteral("Sources Deleted (the trash refused them): ") + groupedNumber(count);
 }
 
-QString targetFolderProblem(const QString& folder, const FileOperations& disk) {
+Result<void> targetFolderTakesFiles(const QString& folder, const FileOperations& disk) {
     if (disk.FileExists(folder)) {
-        return QStringLiteral("The target ") + folder + QStringLiteral(" is a file, not a folder.");
+        return Error{ENOTDIR, QStringLiteral("The target ") + folder +
+                                  QStringLiteral(" is a file, not a folder.")};
     }
     QString writable = folder;
     if (!disk.FolderExists(folder)) {
         writable = hostParentFolder(folder);
         if (!disk.FolderExists(writable)) {
-            return QStringLiteral("The target folder's parent ") + writable +
-                   QStringLiteral(" does not exist.");
+            return Error{ENOENT, QStringLiteral("The target folder's parent ") + writable +
+                                     QStringLiteral(" does not exist.")};
         }
     }
     if (const Result<void> takes = disk.writable(writable); !takes) {
-        return QStringLiteral("The target folder ") + writable +
-               QStringLiteral(" cannot be written: Error ") + errorText(takes.error()) + u'.';
+        return Error{takes.error().code, QStringLiteral("The target folder ") + writable +
+                                             QStringLiteral(" cannot be written: Error ") +
+                                             errorText(takes.error()) + u'.'};
     }
     return {};
 }
 
-QString moveProblem(const MoveRequest& request, const FileOperations& disk) {
+Result<void> moveCanStart(const MoveRequest& request, const FileOperations& disk) {
     if (request.storeInSubFolder) {
         const QString name = trimBlanks(hostBaseName(request.sessionFile));
         if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..")) {
-            return QStringLiteral(
-                       "The session's name gives no sub-folder to store the files in (\"") +
-                   request.sessionFile + QStringLiteral("\").");
+            return Error{0, QStringLiteral("The session's name gives no sub-folder to store the "
+                                           "files in (\"") +
+                                request.sessionFile + QStringLiteral("\").")};
         }
     }
-    return targetFolderProblem(moveDestination(request), disk);
+    return targetFolderTakesFiles(moveDestination(request), disk);
 }
 
 QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved) {

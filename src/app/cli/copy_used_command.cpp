@@ -26,8 +26,8 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
     }
     FileOperations disk;
     QString folder = scan->target;
-    if (const QString problem = targetFolderProblem(folder, disk); !problem.isEmpty()) {
-        err << "tidewick-cli copy-used: " << visibleText(problem)
+    if (const Result<void> takes = targetFolderTakesFiles(folder, disk); !takes) {
+        err << "tidewick-cli copy-used: " << visibleText(takes.error().cause)
             << "\ntidewick-cli copy-used: nothing copied\n";
         return MoveFailed;
     }

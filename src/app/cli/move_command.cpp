@@ -97,8 +97,8 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     }
     const MoveRequest request = moveRequest(scan->scan, scan->target, options);
     FileOperations disk;
-    if (const QString problem = moveProblem(request, disk); !problem.isEmpty()) {
-        err << "tidewick-cli move: " << visibleText(problem)
+    if (const Result<void> ready = moveCanStart(request, disk); !ready) {
+        err << "tidewick-cli move: " << visibleText(ready.error().cause)
             << "\ntidewick-cli move: nothing moved\n";
         return MoveFailed;
     }
