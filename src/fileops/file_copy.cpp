@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/file_system.h"
+
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,7 +24,7 @@ Error endedEarly() {
 
 // Copies `length` bytes at `offset` with read and write, through a buffer.
 Result<void> copyThroughBuffer(int in, int out, off_t offset, qint64 length,
-                               const FileOperations::Progress& progress) {
+                               const CopyProgress& progress) {
     QByteArray buffer(int(std::min(length, kBufferSize)), Qt::Uninitialized);
     while (length > 0) {
         const ssize_t got =
@@ -55,8 +57,7 @@ Result<void> copyThroughBuffer(int in, int out, off_t offset, qint64 length,
 
 // Copies `length` bytes at `offset`: inside the kernel where it can (which also lets a file
 // system share the blocks), through a buffer where it cannot.
-Result<void> copyRange(int in, int out, off_t offset, qint64 length,
-                       const FileOperations::Progress& progress) {
+Result<void> copyRange(int in, int out, off_t offset, qint64 length, const CopyProgress& progress) {
 #ifdef Q_OS_LINUX
     while (length > 0) {
         off_t from = offset;
@@ -88,7 +89,7 @@ Result<void> copyRange(int in, int out, off_t offset, qint64 length,
 
 // Copies the data of `in` (`size` bytes) to `out`; holes stay holes, so a sparse file costs
 // only its data. A hole counts as done as soon as it is passed.
-Result<void> copyData(int in, int out, qint64 size, const FileOperations::Progress& progress) {
+Result<void> copyData(int in, int out, qint64 size, const CopyProgress& progress) {
     const auto passHole = [&progress](qint64 length) {
         if (progress && length > 0) {
             progress(length);
@@ -119,7 +120,7 @@ Result<void> copyData(int in, int out, qint64 size, const FileOperations::Progre
 
 // Writes the file `source` (described by `info`) under the new name `copy`.
 Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
-                       const FileOperations::Progress& progress) {
+                       const CopyProgress& progress) {
     if (S_ISLNK(info.st_mode)) {
         QByteArray target(int(info.st_size) + 1, Qt::Uninitialized);
         const ssize_t length = ::readlink(source.constData(), target.data(), size_t(target.size()));

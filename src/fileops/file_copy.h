@@ -2,7 +2,8 @@
 
 #include <QByteArray>
 
-#include "fileops/file_operations.h"
+#include "fileops/disk_types.h"
+#include "platform/result.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -32,7 +33,7 @@ struct Descriptor {
 /// to be followed) under the new name `copy`: a link as a link, a file's data (holes kept) with
 /// its permissions and times. The copy must come out at the source's size.
 Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
-                       const FileOperations::Progress& progress);
+                       const CopyProgress& progress);
 
 /// Gives `from` the name `to` unless a file has that name: never replaces.
 Result<void> renameNoReplace(const QByteArray& from, const QByteArray& to);

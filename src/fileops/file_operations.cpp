@@ -9,9 +9,8 @@
 #include <cerrno>
 
 #include "fileops/file_copy.h"
-#include "fileops/home_trash.h"
+#include "fileops/trash.h"
 #include "platform/path_text.h"
-#include "platform/process_setup.h"
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -31,45 +30,6 @@ QString temporaryNameBeside(const QString& destination) {
     const QString folder = hostParentFolder(destination);
     return folder.isEmpty() ? temporaryCopyName() : withSeparator(folder) + temporaryCopyName();
 }
-
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-// The desktop's trash on Linux and the BSDs: the freedesktop trash in the user's data folder.
-// Qt 6.4 writes "files" and "info" into the current directory when that trash does not exist
-// yet, so it is made first, and a place that Qt reports outside a trash counts as a failure.
-QString homeTrash() {
-    const QString data = userDataFolder();
-    return data.isEmpty() ? QString() : data + QStringLiteral("/Trash");
-}
-
-// Whether `path` lies on the disk of `place`, or of its nearest folder that exists.
-bool onDiskOf(const QString& path, QString place) {
-    struct stat file {};
-    struct stat there {};
-    if (::lstat(encodeFileName(path).constData(), &file) != 0) {
-        return false;
-    }
-    while (::stat(encodeFileName(place).constData(), &there) != 0 || !S_ISDIR(there.st_mode)) {
-        const QString parent = hostParentFolder(place);
-        if (parent.isEmpty() || parent == place) {
-            return false;
-        }
-        place = parent;
-    }
-    return there.st_dev == file.st_dev;
-}
-
-bool isTrashFilesFolder(const QString& folder) {
-    const QFileInfo files(folder);
-    if (files.fileName() != QLatin1String("files")) {
-        return false;
-    }
-    const QFileInfo trash(files.path());
-    return (!homeTrash().isEmpty() &&
-            trash.absoluteFilePath() == QFileInfo(homeTrash()).absoluteFilePath()) ||
-           trash.fileName().startsWith(QLatin1String(".Trash-")) ||
-           QFileInfo(trash.path()).fileName() == QLatin1String(".Trash");
-}
-#endif
 
 }  // namespace
 
@@ -276,62 +236,11 @@ void FileOperations::removeLeftovers(const QString& folder) {
 #endif
 
 Result<TrashPlace> FileOperations::trash(const QString& path) {
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    const QString trash = homeTrash();
-    if (trash.isEmpty()) {
-        // A relative home would put a trash under the current folder, wherever that is.
-        return Error{ENOENT, QStringLiteral("There is no trash: HOME is not a full path")};
-    }
-    if (QDir().mkpath(trash + QStringLiteral("/files")) &&
-        QDir().mkpath(trash + QStringLiteral("/info"))) {
-        if (std::optional<Result<TrashPlace>> done = moveToHomeTrash(path, trash)) {
-            return std::move(*done);
-        }
-    } else if (onDiskOf(path, trash)) {
-        // A home trash that cannot be made (its place holds a file, the disk refuses) takes no
-        // file of its disk; asked anyway, Qt would make one in the current folder.
-        return Error{ENOTDIR, QStringLiteral("Cannot make the trash folder ") + trash};
-    }
-#endif
-    errno = 0;
-    QString placeInTrash;
-    if (!QFile::moveToTrash(path, &placeInTrash)) {
-        const int code = errno != 0 ? errno : EIO;
-        return errorOf(code);
-    }
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    if (!isTrashFilesFolder(QFileInfo(placeInTrash).path())) {
-        // Put back what went astray, and say that the trash did not take it.
-        QFile::rename(placeInTrash, path);
-        return Error{EIO, QStringLiteral("The trash put the file outside the trash")};
-    }
-#endif
-    const QFileInfo file(placeInTrash);
-    return TrashPlace{
-        placeInTrash,
-        QDir::cleanPath(file.dir().filePath(QStringLiteral("../info/") + file.fileName() +
-                                            QStringLiteral(".trashinfo")))};
+    return Trash().put(path);
 }
 
 Result<TrashPlace> FileOperations::trashInPlaceOf(const TrashPlace& freed, const QString& path) {
-    if (std::optional<Result<void>> done = reuseTrashPlace(freed, path)) {
-        if (!*done) {
-            return done->error();
-        }
-        return freed;
-    }
-    if (!freed.info.isEmpty() && !entryStamp(freed.file)) {
-        QFile::remove(freed.info);  // the record of the file that left
-    }
-    return trash(path);
-}
-
-QString usedBy(const UsedFileOwners& owners, const QString& path) {
-    if (owners.isEmpty()) {
-        return {};
-    }
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QString() : owners.value(canonical);
+    return Trash().putInPlaceOf(freed, path);
 }
 
 }  // namespace tidewick

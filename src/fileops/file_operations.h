@@ -1,40 +1,16 @@
 #pragma once
 
-#include <QHash>
 #include <QString>
-#include <functional>
 #include <optional>
 
+#include "fileops/disk_types.h"
 #include "platform/file_system.h"
+#include "platform/result.h"
 
 // The disk as the move and the copy change it. Every change is made so that no byte is lost: a
 // copy is complete under a temporary name before it takes its final name, and whatever leaves
 // its place goes to the desktop's trash.
 namespace tidewick {
-
-/// How a copy treats what it meets.
-struct CopyMode {
-    /// A file already under the destination name goes to the trash and the copy takes its
-    /// place; without this, such a file makes the copy fail and stays as it is.
-    bool replace = false;
-    /// A symbolic link is copied as the file it points at (collecting a session's media);
-    /// without this it is copied as a link, and what it points at is never opened.
-    bool followLinks = false;
-};
-
-/// Where the trash put a file: the file under its name in the trash, and the record of where it
-/// was (".trashinfo"); either may be empty where the trash keeps no such thing.
-struct TrashPlace {
-    QString file;
-    QString info;
-};
-
-/// The files that the loaded sessions use, by canonical path, each with the session that uses
-/// it as the session folder names it ("mix.sesx"): a move or a copy never replaces one.
-using UsedFileOwners = QHash<QString, QString>;
-
-/// The session that uses the file at `path` (the same file, however reached), or empty text.
-QString usedBy(const UsedFileOwners& owners, const QString& path);
 
 /// The name a copy has on its way into a folder: hidden, short, and naming the process that
 /// writes it, so that a later run can tell the leftovers of a run that died from a copy under way.
@@ -45,7 +21,7 @@ QString temporaryCopyName();
 class FileOperations : public FileSystem {
 public:
     /// Called as a copy goes on, with the bytes written since the last call.
-    using Progress = std::function<void(qint64 bytes)>;
+    using Progress = CopyProgress;
 
     /// The length of the file `path` itself in bytes (of a link, the link), or its failure.
     virtual Result<qint64> entrySize(const QString& path) const;
@@ -70,16 +46,11 @@ public:
     virtual Result<TrashPlace> copyFile(const QString& source, const QString& destination,
                                         CopyMode mode = {}, const Progress& progress = {});
 
-    /// Puts `path` into the desktop's trash: the home trash for a file of its disk, else the
-    /// trash of the file's own volume. Gives where it went.
+    /// Puts `path` into the desktop's trash (Trash::put) and gives where it went.
     virtual Result<TrashPlace> trash(const QString& path);
 
-    /// Puts the file `path`, a copy of a file just taken out of the trash, into the trash in
-    /// the place `freed` that it left: under that name, its record rewritten to say where
-    /// `path` was. That spares the trash a
-    /// record made and one deleted for each file, which a restore would otherwise pay. A place
-    /// that cannot take it (another disk, a name taken meanwhile) is given up and `path` is
-    /// trashed as trash() does. Gives where it went.
+    /// Puts the file `path`, a copy of a file just taken out of the trash, into the place
+    /// `freed` that the file left (Trash::putInPlaceOf), and gives where it went.
     virtual Result<TrashPlace> trashInPlaceOf(const TrashPlace& freed, const QString& path);
 
     /// Gives the file `from` the name `to`, which no file may have: it never replaces one (EXDEV
