@@ -8,6 +8,39 @@
 
 namespace tidewick {
 
+namespace {
+
+Error damaged() {
+    return Error{0, QStringLiteral("the index holds damaged bytes")};
+}
+
+// `value`, when everything it was read from was there.
+template <typename T>
+Result<T> whole(const QDataStream& in, T value) {
+    if (in.status() != QDataStream::Ok) {
+        return damaged();
+    }
+    return value;
+}
+
+// A list as QDataStream writes it, a 32-bit count and the items, read without believing the
+// count: QDataStream's own reading makes room for that many items before it reads one, so a
+// damaged count would ask for gigabytes.
+template <typename T>
+QList<T> readList(QDataStream& in) {
+    quint32 count = 0;
+    in >> count;
+    QList<T> items;
+    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+        T item;
+        in >> item;
+        items.append(std::move(item));
+    }
+    return items;
+}
+
+}  // namespace
+
 // What the disk said about a record path is asked again whenever a read is used
 // (SessionCache), so it is not kept.
 QByteArray packRead(const SessionRead& read) {
@@ -26,18 +59,20 @@ QByteArray packRead(const SessionRead& read) {
     return bytes;
 }
 
-std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
+Result<SessionRead> unpackRead(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     SessionRead read;
     qint32 outcome = 0, lines = 0;
-    in >> outcome >> read.paths >> read.version >> read.versionFound >> lines;
+    in >> outcome;
+    read.paths = readList<QString>(in);
+    in >> read.version >> read.versionFound >> lines;
     if (in.status() != QDataStream::Ok || outcome < 0 || outcome > 2 || lines < 0 ||
         lines > bytes.size()) {
-        return std::nullopt;
+        return damaged();
     }
     read.outcome = ReaderOutcome(outcome);
-    for (qint32 i = 0; i < lines; ++i) {
+    for (qint32 i = 0; i < lines && in.status() == QDataStream::Ok; ++i) {
         RecordPathLine line;
         in >> line.hasValue >> line.value;
         read.recordPaths.append(line);
@@ -48,10 +83,13 @@ std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
         ReaderMessage message;
         qint32 icon = 0;
         in >> message.text >> message.title >> icon;
+        if (icon < int(MessageIcon::None) || icon > int(MessageIcon::Critical)) {
+            return damaged();
+        }
         message.icon = MessageIcon(icon);
         read.message = message;
     }
-    return in.status() == QDataStream::Ok ? std::optional(read) : std::nullopt;
+    return whole(in, std::move(read));
 }
 
 QByteArray packReport(const FolderReport& report) {
@@ -94,7 +132,7 @@ QString joined(const QString& folder, QByteArrayView name) {
     return path;
 }
 
-std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
+Result<FolderReport> unpackReport(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     FolderReport report;
@@ -102,10 +140,10 @@ std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
     in >> report.folder >> count;
     for (qint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
         qint32 kind = 0;
-        QStringList names;
-        in >> kind >> names;
+        in >> kind;
+        const QStringList names = readList<QString>(in);
         if (kind < 0 || kind >= sessionKinds().size()) {
-            return std::nullopt;
+            return damaged();
         }
         report.sessions.append({SessionKindId(kind), names});
     }
@@ -114,19 +152,24 @@ std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
     report.used = used;
     for (qint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
         MissingMedia missing;
-        in >> missing.text >> missing.path >> missing.sessions;
+        in >> missing.text >> missing.path;
+        missing.sessions = readList<QString>(in);
         report.missing.append(missing);
     }
     QByteArray names;
-    QList<qint64> sizes;
-    in >> names >> sizes >> report.stopped >> report.reason;
+    in >> names;
+    const QList<qint64> sizes = readList<qint64>(in);
+    in >> report.stopped >> report.reason;
+    if (in.status() != QDataStream::Ok) {
+        return damaged();
+    }
     const QString folder = withSeparator(report.folder);
     qsizetype from = 0;
     report.reclaimable.reserve(sizes.size());
     for (const qint64 size : sizes) {
         const qsizetype end = names.indexOf('\n', from);
         if (end < 0) {
-            return std::nullopt;
+            return damaged();
         }
         const QByteArrayView name = QByteArrayView(names).sliced(from, end - from);
         report.reclaimable.append(
@@ -135,7 +178,7 @@ std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
         report.reclaimableBytes += size;
         from = end + 1;
     }
-    return in.status() == QDataStream::Ok ? std::optional(report) : std::nullopt;
+    return report;
 }
 
 }  // namespace tidewick

@@ -350,7 +350,8 @@ LibraryReport auditLibrary(const QString& root, const FileSystem& disk, SessionI
     for (const WalkedFolder& folder : walk.folders) {
         presentFolders.insert(folder.path);
         const auto it = kept.constFind(folder.path);
-        if (it != kept.constEnd() && replaySignature(it->questions, listed) == it->signature) {
+        if (it != kept.constEnd() &&
+            replaySignature(it->questions, listed).valueOr({}) == it->signature) {
             report.folders.append(it->report);
         } else {
             again.append(&folder);
