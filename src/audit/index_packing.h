@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-#include "audit/library_audit.h"
+#include "audit/audit_report.h"
 #include "platform/result.h"
 #include "readers/reader_contract.h"
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <optional>
 
-#include "audit/library_audit.h"
+#include "audit/audit_report.h"
 #include "platform/result.h"
 #include "sweep/sweep.h"
 

@@ -1,5 +1,6 @@
 #include <QFileInfo>
 
+#include "audit/library_audit.h"
 #include "audit/session_index.h"
 #include "forms/audit_form.h"
 #include "forms/main_form.h"
