@@ -82,4 +82,9 @@ struct AuditEvents {
     std::function<bool()> stopRequested;
 };
 
+/// Whether `events` ask the audit to stop.
+inline bool stopAsked(const AuditEvents& events) {
+    return events.stopRequested && events.stopRequested();
+}
+
 }  // namespace tidewick

@@ -1,7 +1,7 @@
 #include <QFileInfo>
 
-#include "audit/library_audit.h"
 #include "audit/session_index.h"
+#include "audit/uses_elsewhere.h"
 #include "forms/audit_form.h"
 #include "forms/main_form.h"
 #include "platform/path_text.h"
