@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -121,11 +122,11 @@ private:
                std::abs(stamp->modified - file.modified) <= kTimeSlack;
     }
 
-    // What a file at the source path of `file` means: the file back already, or another that
-    // took its name; empty when there is none.
-    QString atSource(const MovedFile& file) {
+    // What a file at the source path of `file` means, as the log says it: the file back
+    // already, or another that took its name; nothing when there is none.
+    std::optional<QString> atSource(const MovedFile& file) {
         if (!disk_.entryStamp(file.source)) {
-            return {};
+            return std::nullopt;
         }
         if (matches(file.source, file)) {
             ++outcome_.inPlace;
@@ -140,8 +141,8 @@ private:
         const bool inTrash = matches(file.sourceTrash.file, file);
         const bool inTarget = matches(file.destination, file);
         if (dryRun_ || (!inTrash && !inTarget)) {
-            if (const QString there = atSource(file); !there.isEmpty()) {
-                return there;
+            if (std::optional<QString> there = atSource(file)) {
+                return *there;
             }
         }
         if (!inTrash && !inTarget) {
@@ -163,8 +164,8 @@ private:
             }
         }
         if (!back && back.error().code == EEXIST) {
-            if (const QString there = atSource(file); !there.isEmpty()) {
-                return there;
+            if (std::optional<QString> there = atSource(file)) {
+                return *there;
             }
         }
         if (!back) {
