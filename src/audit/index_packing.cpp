@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <algorithm>
 
+#include "platform/file_system.h"
 #include "platform/path_text.h"
 
 namespace tidewick {
@@ -21,6 +22,22 @@ Result<T> whole(const QDataStream& in, T value) {
         return damaged();
     }
     return value;
+}
+
+// Whether `path` can stand as a line of UTF-8: no line end, and no lone surrogate (a byte of a
+// file name that is no UTF-8, as decodeFileName gives it).
+bool isUtf8Line(QStringView path) {
+    for (qsizetype at = 0; at < path.size(); ++at) {
+        if (path[at] == u'\n') {
+            return false;
+        }
+        if (path[at].isHighSurrogate() && at + 1 < path.size() && path[at + 1].isLowSurrogate()) {
+            ++at;
+        } else if (path[at].isSurrogate()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // A list as QDataStream writes it, a 32-bit count and the items, read without believing the
@@ -105,12 +122,16 @@ QByteArray packReport(const FolderReport& report) {
         out << missing.text << missing.path << missing.sessions;
     }
     // Thousands of names a folder: each from the folder on, in UTF-8, a line each; a path
-    // outside the folder whole, after a NUL (which no file name holds).
+    // outside the folder whole, after a NUL (which no file name holds). A path that is no line
+    // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes whole after two
+    // NULs, as its file name's bytes in URL escapes.
     const QString folder = withSeparator(report.folder);
     QByteArray names;
     QList<qint64> sizes;
     for (const auto& [path, size] : report.reclaimable) {
-        if (path.startsWith(folder)) {
+        if (!isUtf8Line(path)) {
+            names += QByteArray(2, '\0') + encodeFileName(path).toPercentEncoding() + '\n';
+        } else if (path.startsWith(folder)) {
             names += QStringView(path).sliced(folder.size()).toUtf8() + '\n';
         } else {
             names += '\0' + path.toUtf8() + '\n';
@@ -120,6 +141,8 @@ QByteArray packReport(const FolderReport& report) {
     out << names << sizes << report.stopped << report.reason;
     return bytes;
 }
+
+namespace {
 
 // `folder` followed by the UTF-8 `name`, made in one piece (a report holds thousands).
 QString joined(const QString& folder, QByteArrayView name) {
@@ -131,6 +154,16 @@ QString joined(const QString& folder, QByteArrayView name) {
     std::transform(name.begin(), name.end(), out, [](char c) { return QLatin1Char(c); });
     return path;
 }
+
+// The path of one line of a report's names (packReport), of a file in `folder`.
+QString pathOf(QByteArrayView name, const QString& folder) {
+    if (name.startsWith(QByteArrayView("\0\0", 2))) {
+        return decodeFileName(QByteArray::fromPercentEncoding(name.sliced(2).toByteArray()));
+    }
+    return name.startsWith('\0') ? QString::fromUtf8(name.sliced(1)) : joined(folder, name);
+}
+
+}  // namespace
 
 Result<FolderReport> unpackReport(const QByteArray& bytes) {
     QDataStream in(bytes);
@@ -172,9 +205,7 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
             return damaged();
         }
         const QByteArrayView name = QByteArrayView(names).sliced(from, end - from);
-        report.reclaimable.append(
-            {name.startsWith('\0') ? QString::fromUtf8(name.sliced(1)) : joined(folder, name),
-             size});
+        report.reclaimable.append({pathOf(name, folder), size});
         report.reclaimableBytes += size;
         from = end + 1;
     }
