@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "audit/library_audit.h"
+#include "audit/audit_report.h"
 
 // The texts of an audit that the command line and the window both show.
 namespace tidewick {

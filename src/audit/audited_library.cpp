@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "audit/session_index.h"
+#include "audit/uses_elsewhere.h"
 #include "text/path_text.h"
 
 namespace tidewick {

@@ -88,14 +88,6 @@ private:
 
 }  // namespace
 
-qsizetype FolderReport::sessionCount() const {
-    qsizetype count = 0;
-    for (const auto& [kind, names] : sessions) {
-        count += names.size();
-    }
-    return count;
-}
-
 FolderReport auditFolder(const QString& folder,
                          const QList<std::pair<const SessionKind*, QStringList>>& sessions,
                          const FileSystem& disk, SessionCache& cache) {

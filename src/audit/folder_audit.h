@@ -1,6 +1,6 @@
 #pragma once
 
-#include "audit/library_audit.h"
+#include "audit/audit_report.h"
 #include "sweep/sweep.h"
 
 // The audit of one session folder, before the library has its say.

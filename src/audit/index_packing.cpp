@@ -4,9 +4,59 @@
 #include <QIODevice>
 #include <algorithm>
 
+#include "platform/file_system.h"
 #include "text/path_text.h"
 
 namespace tidewick {
+
+namespace {
+
+Error damaged() {
+    return Error{0, QStringLiteral("the index holds damaged bytes")};
+}
+
+// `value`, when everything it was read from was there.
+template <typename T>
+Result<T> whole(const QDataStream& in, T value) {
+    if (in.status() != QDataStream::Ok) {
+        return damaged();
+    }
+    return value;
+}
+
+// Whether `path` can stand as a line of UTF-8: no line end, and no lone surrogate (a byte of a
+// file name that is no UTF-8, as decodeFileName gives it).
+bool isUtf8Line(QStringView path) {
+    for (qsizetype at = 0; at < path.size(); ++at) {
+        if (path[at] == u'\n') {
+            return false;
+        }
+        if (path[at].isHighSurrogate() && at + 1 < path.size() && path[at + 1].isLowSurrogate()) {
+            ++at;
+        } else if (path[at].isSurrogate()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A list as QDataStream writes it, a 32-bit count and the items, read without believing the
+// count: QDataStream's own reading makes room for that many items before it reads one, so a
+// damaged count would ask for gigabytes.
+template <typename T>
+QList<T> readList(QDataStream& in) {
+    quint32 count = 0;
+    in >> count;
+    QList<T> items;
+    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+        T item;
+        in >> item;
+        items.append(std::move(item));
+    }
+    return items;
+}
+
+}  // namespace
 
 // What the disk said about a record path is asked again whenever a read is used
 // (SessionCache), so it is not kept.
@@ -26,18 +76,20 @@ QByteArray packRead(const SessionRead& read) {
     return bytes;
 }
 
-std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
+Result<SessionRead> unpackRead(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     SessionRead read;
     qint32 outcome = 0, lines = 0;
-    in >> outcome >> read.paths >> read.version >> read.versionFound >> lines;
+    in >> outcome;
+    read.paths = readList<QString>(in);
+    in >> read.version >> read.versionFound >> lines;
     if (in.status() != QDataStream::Ok || outcome < 0 || outcome > 2 || lines < 0 ||
         lines > bytes.size()) {
-        return std::nullopt;
+        return damaged();
     }
     read.outcome = ReaderOutcome(outcome);
-    for (qint32 i = 0; i < lines; ++i) {
+    for (qint32 i = 0; i < lines && in.status() == QDataStream::Ok; ++i) {
         RecordPathLine line;
         in >> line.hasValue >> line.value;
         read.recordPaths.append(line);
@@ -48,10 +100,13 @@ std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
         ReaderMessage message;
         qint32 icon = 0;
         in >> message.text >> message.title >> icon;
+        if (icon < int(MessageIcon::None) || icon > int(MessageIcon::Critical)) {
+            return damaged();
+        }
         message.icon = MessageIcon(icon);
         read.message = message;
     }
-    return in.status() == QDataStream::Ok ? std::optional(read) : std::nullopt;
+    return whole(in, std::move(read));
 }
 
 QByteArray packReport(const FolderReport& report) {
@@ -67,12 +122,16 @@ QByteArray packReport(const FolderReport& report) {
         out << missing.text << missing.path << missing.sessions;
     }
     // Thousands of names a folder: each from the folder on, in UTF-8, a line each; a path
-    // outside the folder whole, after a NUL (which no file name holds).
+    // outside the folder whole, after a NUL (which no file name holds). A path that is no line
+    // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes whole after two
+    // NULs, as its file name's bytes in URL escapes.
     const QString folder = withSeparator(report.folder);
     QByteArray names;
     QList<qint64> sizes;
     for (const auto& [path, size] : report.reclaimable) {
-        if (path.startsWith(folder)) {
+        if (!isUtf8Line(path)) {
+            names += QByteArray(2, '\0') + encodeFileName(path).toPercentEncoding() + '\n';
+        } else if (path.startsWith(folder)) {
             names += QStringView(path).sliced(folder.size()).toUtf8() + '\n';
         } else {
             names += '\0' + path.toUtf8() + '\n';
@@ -82,6 +141,8 @@ QByteArray packReport(const FolderReport& report) {
     out << names << sizes << report.stopped << report.reason;
     return bytes;
 }
+
+namespace {
 
 // `folder` followed by the UTF-8 `name`, made in one piece (a report holds thousands).
 QString joined(const QString& folder, QByteArrayView name) {
@@ -94,7 +155,17 @@ QString joined(const QString& folder, QByteArrayView name) {
     return path;
 }
 
-std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
+// The path of one line of a report's names (packReport), of a file in `folder`.
+QString pathOf(QByteArrayView name, const QString& folder) {
+    if (name.startsWith(QByteArrayView("\0\0", 2))) {
+        return decodeFileName(QByteArray::fromPercentEncoding(name.sliced(2).toByteArray()));
+    }
+    return name.startsWith('\0') ? QString::fromUtf8(name.sliced(1)) : joined(folder, name);
+}
+
+}  // namespace
+
+Result<FolderReport> unpackReport(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     FolderReport report;
@@ -102,10 +173,10 @@ std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
     in >> report.folder >> count;
     for (qint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
         qint32 kind = 0;
-        QStringList names;
-        in >> kind >> names;
+        in >> kind;
+        const QStringList names = readList<QString>(in);
         if (kind < 0 || kind >= sessionKinds().size()) {
-            return std::nullopt;
+            return damaged();
         }
         report.sessions.append({SessionKindId(kind), names});
     }
@@ -114,28 +185,31 @@ std::optional<FolderReport> unpackReport(const QByteArray& bytes) {
     report.used = used;
     for (qint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
         MissingMedia missing;
-        in >> missing.text >> missing.path >> missing.sessions;
+        in >> missing.text >> missing.path;
+        missing.sessions = readList<QString>(in);
         report.missing.append(missing);
     }
     QByteArray names;
-    QList<qint64> sizes;
-    in >> names >> sizes >> report.stopped >> report.reason;
+    in >> names;
+    const QList<qint64> sizes = readList<qint64>(in);
+    in >> report.stopped >> report.reason;
+    if (in.status() != QDataStream::Ok) {
+        return damaged();
+    }
     const QString folder = withSeparator(report.folder);
     qsizetype from = 0;
     report.reclaimable.reserve(sizes.size());
     for (const qint64 size : sizes) {
         const qsizetype end = names.indexOf('\n', from);
         if (end < 0) {
-            return std::nullopt;
+            return damaged();
         }
         const QByteArrayView name = QByteArrayView(names).sliced(from, end - from);
-        report.reclaimable.append(
-            {name.startsWith('\0') ? QString::fromUtf8(name.sliced(1)) : joined(folder, name),
-             size});
+        report.reclaimable.append({pathOf(name, folder), size});
         report.reclaimableBytes += size;
         from = end + 1;
     }
-    return in.status() == QDataStream::Ok ? std::optional(report) : std::nullopt;
+    return report;
 }
 
 }  // namespace tidewick

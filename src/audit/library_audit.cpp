@@ -1,16 +1,16 @@
 #include "audit/library_audit.h"
 
 #include <QDir>
-#include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <vector>
 
 #include "audit/folder_audit.h"
+#include "audit/library_walk.h"
+#include "audit/missing_candidates.h"
 #include "audit/recording_disk.h"
 #include "audit/session_index.h"
+#include "audit/uses_elsewhere.h"
 #include "platform/on_cores.h"
 #include "sweep/listed_disk.h"
 #include "text/path_text.h"
@@ -18,231 +18,6 @@
 namespace tidewick {
 
 namespace {
-
-using Sessions = QList<std::pair<const SessionKind*, QStringList>>;
-
-// A folder of the library that holds sessions, as the walk found it.
-struct WalkedFolder {
-    QString path;  // with its separator
-    Sessions sessions;
-};
-
-// What a walk of the library found.
-struct Walk {
-    QList<WalkedFolder> folders;
-    /// Every session file and backup, with its kind: what the index holds.
-    QList<std::pair<const SessionKind*, QString>> sessionFiles;
-    /// Every folder walked, with its separator: where a missing file may be.
-    QStringList walked;
-};
-
-// The threads of a walk and of the folders' audits at the most: beyond four, the disk and the
-// shared listing gain little from more.
-constexpr qsizetype kAuditThreads = 4;
-
-bool stopped(const AuditEvents& events) {
-    return events.stopRequested && events.stopRequested();
-}
-
-// Adds the session `name` of `kind` to `sessions`, which keeps the order of the kinds table.
-void addSession(Sessions& sessions, const SessionKind* kind, const QString& name) {
-    auto at = sessions.begin();
-    while (at != sessions.end() && int(at->first->id) < int(kind->id)) {
-        ++at;
-    }
-    if (at == sessions.end() || at->first != kind) {
-        at = sessions.insert(at, {kind, {}});
-    }
-    at->second.append(name);
-}
-
-// The folders under `root`, each read once, side by side on the cores at hand (the disk's
-// answers to many small questions come faster so), sorted by path. `stop` is asked from this
-// thread alone, which also tells the progress.
-QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, const FileSystem& disk,
-                                                       const AuditEvents& events,
-                                                       AuditProgress& progress) {
-    std::mutex mutex;
-    std::condition_variable wake;
-    QStringList pending = {withSeparator(root)};
-    int busy = 0;
-    bool cancelled = false;
-    QList<std::pair<QString, QList<FolderEntry>>> read;
-    const auto work = [&](bool reporter) {
-        std::unique_lock lock(mutex);
-        for (;;) {
-            wake.wait(lock, [&] { return !pending.isEmpty() || busy == 0 || cancelled; });
-            if (pending.isEmpty() || cancelled) {
-                return;  // with nothing pending and none busy, nothing more will come
-            }
-            const QString folder = pending.takeLast();
-            ++busy;
-            lock.unlock();
-            FileSystem::Contents contents = disk.listContents(folder);
-            qint64 bytes = 0;
-            for (const FolderEntry& entry : contents.files) {
-                bytes += entry.size;
-            }
-            lock.lock();
-            for (auto name = contents.folders.crbegin(); name != contents.folders.crend(); ++name) {
-                if (walkedFolder(folder, *name)) {
-                    pending.append(folder + *name + u'/');
-                }
-            }
-            progress.files += contents.files.size();
-            progress.bytes += bytes;
-            ++progress.folders;
-            read.append({folder, std::move(contents.files)});
-            --busy;
-            wake.notify_all();
-            if (reporter) {
-                const AuditProgress now = progress;
-                lock.unlock();
-                if (events.progress) {
-                    events.progress(now);
-                }
-                const bool stop = stopped(events);
-                lock.lock();
-                if (stop) {
-                    cancelled = true;
-                    wake.notify_all();  // the helpers stop with the reporter
-                }
-            }
-        }
-    };
-    onCores(kAuditThreads, work);
-    std::sort(read.begin(), read.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    return read;
-}
-
-// Walks the library under `root`: its listings go into `listed`, which the loads then use.
-Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed,
-                 const AuditEvents& events, AuditProgress& progress) {
-    Walk walk;
-    QSet<QString> sessionFolders;
-    for (auto& [folder, entries] : readTree(root, disk, events, progress)) {
-        Sessions sessions;
-        for (const FolderEntry& entry : entries) {
-            bool backup = false;
-            if (const SessionKind* kind = sessionKindForName(entry.name, &backup)) {
-                walk.sessionFiles.append({kind, folder + entry.name});
-                if (!backup) {
-                    addSession(sessions, kind, entry.name);
-                }
-            }
-        }
-        walk.walked.append(folder);
-        if (!sessions.isEmpty()) {
-            walk.folders.append({folder, std::move(sessions)});
-            sessionFolders.insert(folder);
-        }
-        listed.keep(folder, std::move(entries));
-    }
-    // A folder of backups belongs to the session folder above it, whose loads it guards.
-    walk.folders.removeIf([&sessionFolders](const WalkedFolder& folder) {
-        const QString path = folder.path.chopped(1);
-        return backupFolders().contains(GetFileName(path)) &&
-               sessionFolders.contains(withSeparator(hostParentFolder(path)));
-    });
-    return walk;
-}
-
-// How far apart two folders are: the steps up from one to the folder they share, and down.
-int distance(const QString& from, const QString& to) {
-    const QStringList a = from.split(u'/', Qt::SkipEmptyParts);
-    const QStringList b = to.split(u'/', Qt::SkipEmptyParts);
-    qsizetype shared = 0;
-    while (shared < a.size() && shared < b.size() && a[shared] == b[shared]) {
-        ++shared;
-    }
-    return int(a.size() + b.size() - 2 * shared);
-}
-
-// The key of the name of the file a used line names, whichever separators it was written with.
-QString nameKey(const QString& text) {
-    return usedKey(text.mid(std::max(text.lastIndexOf(u'/'), text.lastIndexOf(u'\\')) + 1));
-}
-
-// For each missing file of `folders`, the files of the library with its name (ignoring case and
-// Unicode form), the nearest to its folder first. The library is looked through once, and only
-// when a file is missing.
-void findCandidates(QList<FolderReport>& folders, const Walk& walk, const FileSystem& disk) {
-    QHash<QString, QList<Candidate>> byName;
-    for (const FolderReport& folder : folders) {
-        for (const MissingMedia& missing : folder.missing) {
-            byName.insert(nameKey(missing.text), {});
-        }
-    }
-    if (byName.isEmpty()) {
-        return;
-    }
-    for (const QString& walked : walk.walked) {
-        for (const FolderEntry& entry : disk.listFiles(walked, true)) {
-            if (const auto it = byName.find(usedKey(entry.name)); it != byName.end()) {
-                it->append({walked + entry.name, entry.size});
-            }
-        }
-    }
-    for (FolderReport& folder : folders) {
-        for (MissingMedia& missing : folder.missing) {
-            missing.candidates = byName.value(nameKey(missing.text));
-            const auto nearer = [&folder](const Candidate& a, const Candidate& b) {
-                const int nearA = distance(folder.folder, hostParentFolder(a.path));
-                const int nearB = distance(folder.folder, hostParentFolder(b.path));
-                return nearA != nearB ? nearA < nearB : a.path < b.path;
-            };
-            std::stable_sort(missing.candidates.begin(), missing.candidates.end(), nearer);
-        }
-    }
-}
-
-// The files that sessions use outside their own folders, by the key of their path (usedKey),
-// each with the session that keeps it; and the keys of their folders, so that a folder none of
-// them lies in is passed over at once.
-struct Keepers {
-    QHash<QString, QString> files;
-    QSet<QString> folders;
-};
-
-Keepers keepersOf(const QHash<QString, QStringList>& elsewhere) {
-    Keepers keepers;
-    for (auto it = elsewhere.cbegin(); it != elsewhere.cend(); ++it) {
-        for (const QString& file : it.value()) {
-            keepers.folders.insert(usedKey(withSeparator(hostParentFolder(file))));
-            QString& keeper = keepers.files[usedKey(file)];
-            if (keeper.isEmpty() || it.key() < keeper) {
-                keeper = it.key();  // the same one, whatever order the sessions came in
-            }
-        }
-    }
-    return keepers;
-}
-
-// A file that a session of another folder uses is no space to free: it moves to the folder's
-// kept list, with that session's name.
-void keepWhatOthersUse(FolderReport& report, const Keepers& keepers) {
-    const QString own = withSeparator(report.folder);
-    qsizetype kept = 0;
-    QString folder;
-    bool folderKept = false;
-    for (qsizetype i = 0; i < report.reclaimable.size(); ++i) {
-        const auto& [path, size] = report.reclaimable[i];
-        if (!path.startsWith(folder) || path.indexOf(u'/', folder.size()) >= 0) {
-            folder = path.left(path.lastIndexOf(u'/') + 1);  // the files come folder by folder
-            folderKept = keepers.folders.contains(usedKey(folder));
-        }
-        const QString keeper = folderKept ? keepers.files.value(usedKey(path)) : QString();
-        if (!keeper.isEmpty() && withSeparator(hostParentFolder(keeper)) != own) {
-            report.keptElsewhere.append({path, size, keeper});
-            report.reclaimableBytes -= size;
-            ++kept;
-        } else if (kept > 0) {
-            report.reclaimable[i - kept] = report.reclaimable[i];
-        }
-    }
-    report.reclaimable.resize(report.reclaimable.size() - kept);
-}
 
 // A folder audited now, with what its audit asked of the disk and the hash of the answers.
 struct Audited {
@@ -276,13 +51,19 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
                 if (events.progress) {
                     events.progress(progress);
                 }
-                cancelled = cancelled || stopped(events);
+                cancelled = cancelled || stopAsked(events);
             }
         }
     };
     onCores(std::min(kAuditThreads, again.size()), work);
     progress.folders = done;
     return audited;
+}
+
+// Whether the disk answers the questions of the kept audit `kept` as it did then.
+bool answersAsBefore(const SessionIndex::KeptAudit& kept, const FileSystem& disk) {
+    const Result<QByteArray> now = replaySignature(kept.questions, disk);
+    return now && *now == kept.signature;
 }
 
 void addTotals(LibraryReport& report) {
@@ -302,120 +83,144 @@ void addTotals(LibraryReport& report) {
                      });
 }
 
-}  // namespace
+// One audit of a library, step by step.
+class LibraryAudit {
+public:
+    LibraryAudit(const QString& root, const FileSystem& disk, SessionIndex* index,
+                 const AuditEvents& events)
+        : disk_(disk), listed_(disk), index_(index), events_(events) {
+        report_.root = cleanHostPath(QDir(root).absolutePath());
+    }
 
-QStringList usedElsewhere(const QString& session, const SessionKind& kind,
-                          const SessionRead& read) {
-    const QString folder = withSeparator(hostParentFolder(session));
-    QStringList files;
-    for (const QString& written : read.paths) {
-        for (const QString& named : filesNamedBy(written, folder, kind)) {
-            const QString file = cleanHostPath(named);
-            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
-                files.append(file);
-            }
+    LibraryReport run() {
+        walk();
+        const QList<const WalkedFolder*> again = takeKeptAudits();
+        readSessions(!again.isEmpty());
+        const Keepers keepers = keepersOf(usesElsewhere());
+        auditAgain(again);
+        for (FolderReport& folder : report_.folders) {
+            keepWhatOthersUse(folder, keepers);
         }
+        findCandidates(report_.folders, walk_.walked, listed_);
+        addTotals(report_);
+        return report_;
     }
-    return files;
+
+private:
+    void walk();
+    QList<const WalkedFolder*> takeKeptAudits();
+    void readSessions(bool auditingAgain);
+    QHash<QString, QStringList> usesElsewhere();
+    void auditAgain(const QList<const WalkedFolder*>& again);
+
+    const FileSystem& disk_;
+    ListedDisk listed_;  // the one listing of the library, which every step asks
+    SessionIndex* const index_;
+    const AuditEvents& events_;
+    LibraryReport report_;
+    AuditProgress progress_;
+    Walk walk_;
+    SessionCache cache_;  // the sessions read
+};
+
+// Every folder under the root, read once; then the folders are audited.
+void LibraryAudit::walk() {
+    walk_ = walkLibrary(report_.root, disk_, listed_, events_, progress_);
+    report_.filesSeen = progress_.files;
+    report_.bytesSeen = progress_.bytes;
+    progress_.walking = false;
+    progress_.sessionFolders = walk_.folders.size();
+    progress_.folders = 0;
 }
 
-bool walkedFolder(const QString& parent, const QString& name) {
-    if (name.startsWith(u'.')) {
-        return false;
-    }
-    const bool inTrash = GetFileName(QString(parent).chopped(parent.endsWith(u'/') ? 1 : 0)) ==
-                         QLatin1String("Trash");
-    return !(inTrash && (name == QLatin1String("files") || name == QLatin1String("info")));
-}
-
-LibraryReport auditLibrary(const QString& root, const FileSystem& disk, SessionIndex* index,
-                           const AuditEvents& events) {
-    LibraryReport report;
-    report.root = cleanHostPath(QDir(root).absolutePath());
-    ListedDisk listed(disk);
-    AuditProgress progress;
-    const Walk walk = walkLibrary(report.root, disk, listed, events, progress);
-    report.filesSeen = progress.files;
-    report.bytesSeen = progress.bytes;
-    progress.walking = false;
-    progress.sessionFolders = walk.folders.size();
-    progress.folders = 0;
-
-    // A folder whose kept audit asked questions that the disk still answers the same way comes
-    // out the same: its report is taken as it was. The others are audited again.
+// A folder whose kept audit asked questions that the disk still answers the same way comes out
+// the same: its report is taken as it was. The others are audited again.
+QList<const WalkedFolder*> LibraryAudit::takeKeptAudits() {
     const QHash<QString, SessionIndex::KeptAudit> kept =
-        index != nullptr ? index->audits(report.root) : QHash<QString, SessionIndex::KeptAudit>();
+        index_ != nullptr ? index_->audits(report_.root)
+                          : QHash<QString, SessionIndex::KeptAudit>();
     QList<const WalkedFolder*> again;
-    QSet<QString> presentFolders;
-    for (const WalkedFolder& folder : walk.folders) {
-        presentFolders.insert(folder.path);
+    for (const WalkedFolder& folder : walk_.folders) {
         const auto it = kept.constFind(folder.path);
-        if (it != kept.constEnd() && replaySignature(it->questions, listed) == it->signature) {
-            report.folders.append(it->report);
+        if (it != kept.constEnd() && answersAsBefore(*it, listed_)) {
+            report_.folders.append(it->report);
         } else {
             again.append(&folder);
         }
     }
+    return again;
+}
 
-    // The sessions that changed since the index had them are read, side by side on the cores at
-    // hand; for folders audited again, the others come from the index. With no folder to audit
-    // again, the stamps the index holds say which to read.
-    SessionCache cache;
+// The sessions that changed since the index had them are read, side by side on the cores at
+// hand; for folders audited again, the others come from the index. With no folder to audit
+// again, the stamps the index holds say which to read.
+void LibraryAudit::readSessions(bool auditingAgain) {
     QHash<QString, FileStamp> held;
-    if (index != nullptr && !again.isEmpty()) {
-        index->loadInto(report.root, cache, listed);
-    } else if (index != nullptr) {
-        held = index->stamps(report.root);
+    if (index_ != nullptr && auditingAgain) {
+        index_->loadInto(report_.root, cache_, listed_);
+    } else if (index_ != nullptr) {
+        held = index_->stamps(report_.root);
     }
-    const qsizetype known = cache.entries().size();
+    const qsizetype known = cache_.entries().size();
     QList<std::pair<const SessionKind*, QString>> toRead;
-    QSet<QString> present;
-    for (const auto& [kind, path] : walk.sessionFiles) {
-        present.insert(path);
+    for (const auto& [kind, path] : walk_.sessionFiles) {
         const auto stamp = held.constFind(path);
-        if (!again.isEmpty() || stamp == held.constEnd() || listed.fileStamp(path) != *stamp) {
+        if (auditingAgain || stamp == held.constEnd() || listed_.fileStamp(path) != *stamp) {
             toRead.append({kind, path});
         }
     }
-    cache.readAll(toRead, listed);
-    report.sessionsRead = cache.entries().size() - known;
+    cache_.readAll(toRead, listed_);
+    report_.sessionsRead = cache_.entries().size() - known;
+}
 
-    // Every use of a file outside its session's folder, from the sessions read now and from the
-    // index for the others.
+// Every use of a file outside its session's folder, by session: from the sessions read now, and
+// from the index for the others (which learns the sessions read and forgets those gone).
+QHash<QString, QStringList> LibraryAudit::usesElsewhere() {
     QHash<QString, QStringList> elsewhere;
-    for (auto it = cache.entries().cbegin(); it != cache.entries().cend(); ++it) {
+    for (auto it = cache_.entries().cbegin(); it != cache_.entries().cend(); ++it) {
         if (it->read.outcome == ReaderOutcome::Read) {
             elsewhere.insert(it.key(), usedElsewhere(it.key(), sessionKind(it->kind), it->read));
         }
     }
-    if (index != nullptr) {
-        index->store(report.root, cache, elsewhere, present);
-        elsewhere = index->elsewhereUnder(report.root);
+    if (index_ == nullptr) {
+        return elsewhere;
     }
+    QSet<QString> present;
+    for (const auto& [kind, path] : walk_.sessionFiles) {
+        present.insert(path);
+    }
+    index_->store(report_.root, cache_, elsewhere, present);
+    return index_->elsewhereUnder(report_.root);
+}
 
-    QHash<QString, SessionIndex::KeptAudit> fresh;
+// The folders whose kept audits no longer hold are audited, and the index keeps their audits.
+void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again) {
     std::vector<std::optional<Audited>> audits =
-        auditFolders(again, listed, cache, events, progress);
+        auditFolders(again, listed_, cache_, events_, progress_);
+    QHash<QString, SessionIndex::KeptAudit> fresh;
     for (qsizetype at = 0; at < again.size(); ++at) {
         if (std::optional<Audited>& audited = audits[size_t(at)]) {
             fresh.insert(again[at]->path,
                          {audited->questions, audited->signature, audited->report});
-            ++report.foldersAudited;
-            report.folders.append(std::move(audited->report));
+            ++report_.foldersAudited;
+            report_.folders.append(std::move(audited->report));
         }
     }
-    report.cancelled = stopped(events);
-    if (index != nullptr) {
-        index->storeAudits(report.root, fresh, presentFolders);
+    report_.cancelled = stopAsked(events_);
+    if (index_ != nullptr) {
+        QSet<QString> present;
+        for (const WalkedFolder& folder : walk_.folders) {
+            present.insert(folder.path);
+        }
+        index_->storeAudits(report_.root, fresh, present);
     }
+}
 
-    const Keepers keepers = keepersOf(elsewhere);
-    for (FolderReport& folder : report.folders) {
-        keepWhatOthersUse(folder, keepers);
-    }
-    findCandidates(report.folders, walk, listed);
-    addTotals(report);
-    return report;
+}  // namespace
+
+LibraryReport auditLibrary(const QString& root, const FileSystem& disk, SessionIndex* index,
+                           const AuditEvents& events) {
+    return LibraryAudit(root, disk, index, events).run();
 }
 
 }  // namespace tidewick

@@ -1,13 +1,9 @@
 #pragma once
 
-#include <QHash>
-#include <QList>
 #include <QString>
-#include <QStringList>
-#include <functional>
 
+#include "audit/audit_report.h"
 #include "platform/file_system.h"
-#include "readers/session_kinds.h"
 
 // The audit of a library: every folder under a root that holds sessions, what each uses, what a
 // load of all its sessions would offer for moving (the space it could free) and which of its
@@ -15,85 +11,6 @@
 namespace tidewick {
 
 class SessionIndex;
-
-/// A file that the library has where a missing one was looked for: same name.
-struct Candidate {
-    QString path;
-    qint64 size = 0;
-    bool operator==(const Candidate&) const = default;
-};
-
-/// A used file that is on no disk, as its session names it.
-struct MissingMedia {
-    QString text;  ///< the used line
-    QString path;  ///< the file looked for
-    QStringList sessions;
-    /// The files of the library with its name (ignoring case and Unicode form), likeliest first.
-    QList<Candidate> candidates;
-};
-
-/// A file that the folder's own loads would offer, kept because a session of another folder of
-/// the library uses it.
-struct KeptElsewhere {
-    QString path;
-    qint64 size = 0;
-    QString usedBy;  ///< the session that keeps it, by its path
-};
-
-/// One session folder of the library.
-struct FolderReport {
-    QString folder;  ///< without a trailing separator
-    /// The session files by kind, in the order of the tabs; names as the folder lists them.
-    QList<std::pair<SessionKindId, QStringList>> sessions;
-    qsizetype used = 0;  ///< used files on disk
-    QList<MissingMedia> missing;
-    /// What a load of all the sessions would offer, by path, with sizes; never a file that a
-    /// session of the library uses.
-    QList<std::pair<QString, qint64>> reclaimable;
-    qint64 reclaimableBytes = 0;
-    QList<KeptElsewhere> keptElsewhere;
-    /// A session could not be read: its media are unknown, nothing is reclaimable.
-    bool stopped = false;
-    QString reason;
-
-    qsizetype sessionCount() const;
-};
-
-struct LibraryReport {
-    QString root;
-    QList<FolderReport> folders;  ///< largest reclaimable first
-    qsizetype sessions = 0, used = 0, missing = 0, reclaimableFiles = 0, stopped = 0;
-    qint64 reclaimableBytes = 0;
-    qint64 filesSeen = 0, bytesSeen = 0;  ///< every file under the root
-    qsizetype sessionsRead = 0;           ///< sessions read from their files, not the index
-    qsizetype foldersAudited = 0;         ///< folders audited afresh, not taken from the index
-    bool cancelled = false;
-};
-
-/// How far an audit has come.
-struct AuditProgress {
-    qsizetype folders = 0;  ///< folders walked, then audited
-    qint64 files = 0;
-    qint64 bytes = 0;
-    bool walking = true;           ///< still walking the tree; afterwards folders are audited
-    qsizetype sessionFolders = 0;  ///< session folders found (the whole, once walked)
-};
-
-struct AuditEvents {
-    std::function<void(const AuditProgress& progress)> progress;
-    /// Asked between folders (from the audit's thread): true ends the audit early, and what is
-    /// done is reported.
-    std::function<bool()> stopRequested;
-};
-
-/// The folders under `root` that the audit looks into: no link to a folder, no hidden folder (a
-/// session's hidden recordings or record folder is read with its session's folder), no trash
-/// ("Trash/files", "Trash/info").
-bool walkedFolder(const QString& parent, const QString& name);
-
-/// The files the session `session` of `kind`, as `read`, uses outside its own folder, as every
-/// reading of its paths resolves them: the uses that another folder's loads cannot see.
-QStringList usedElsewhere(const QString& session, const SessionKind& kind, const SessionRead& read);
 
 /// Audits the library under `root` on `disk`. Sessions come from `index`, when given, where their
 /// files are as the index holds them; those read afresh go into it, with the root.

@@ -200,18 +200,19 @@ QString RecordingDisk::currentDirectory() const {
     return noted(kCurrentDirectory, {}, disk_.currentDirectory());
 }
 
-QByteArray replaySignature(const QByteArray& questions, const FileSystem& disk) {
+Result<QByteArray> replaySignature(const QByteArray& questions, const FileSystem& disk) {
+    const Error damaged{0, QStringLiteral("the recorded questions are damaged")};
     QCryptographicHash hash(QCryptographicHash::Sha1);
     QCryptographicHash answer(QCryptographicHash::Sha1);
     for (qsizetype at = 0; at < questions.size();) {
         qsizetype length = 0;
         if (questions.size() - at < qsizetype(1 + sizeof length)) {
-            return {};  // a damaged record matches nothing
+            return damaged;
         }
         std::memcpy(&length, questions.constData() + at + 1, sizeof length);
         const qsizetype from = at + 1 + qsizetype(sizeof length);
         if (length < 0 || length > (questions.size() - from) / 2) {
-            return {};
+            return damaged;
         }
         const QString path(reinterpret_cast<const QChar*>(questions.constData() + from), length);
         answer.reset();

@@ -6,6 +6,7 @@
 #include <QSet>
 
 #include "platform/file_system.h"
+#include "platform/result.h"
 
 // The disk as one folder's audit asked it, over the listings of the library (ListedDisk). Each
 // question is noted once, and its answer goes into a hash; a later audit asks the same questions
@@ -55,7 +56,8 @@ private:
 };
 
 /// The hash of the answers that `disk` gives now to `questions` (RecordingDisk::questions):
-/// equal to the recorded signature exactly when every answer is as it was.
-QByteArray replaySignature(const QByteArray& questions, const FileSystem& disk);
+/// equal to the recorded signature exactly when every answer is as it was. Questions that are
+/// not whole (a damaged record) fail.
+Result<QByteArray> replaySignature(const QByteArray& questions, const FileSystem& disk);
 
 }  // namespace tidewick

@@ -50,8 +50,8 @@ std::pair<QString, QString> under(const QString& root) {
 SessionIndex::SessionIndex(const QString& file)
     : file_(file),
       connection_(QStringLiteral("tidewick-index-") + QString::number(quintptr(this), 16)) {
-    if (!open(file_)) {
-        rebuild();
+    if (const Result<void> opened = open(file_); !opened) {
+        rebuild(opened.error());
     }
 }
 
@@ -65,10 +65,9 @@ QString SessionIndex::defaultFile() {
     return cache.isEmpty() ? QString() : cache + QStringLiteral("/Tidewick/index.sqlite");
 }
 
-bool SessionIndex::open(const QString& file) {
+Result<void> SessionIndex::open(const QString& file) {
     if (file != QLatin1String(":memory:") && !QDir().mkpath(hostParentFolder(file))) {
-        reason_ = QStringLiteral("its folder cannot be made");
-        return false;
+        return Error{0, QStringLiteral("its folder cannot be made")};
     }
     QSqlDatabase db = QSqlDatabase::contains(connection_)
                           ? QSqlDatabase::database(connection_, false)
@@ -77,24 +76,22 @@ bool SessionIndex::open(const QString& file) {
     db.setDatabaseName(file);
     db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
     if (!db.open()) {
-        reason_ = db.lastError().text();
-        return false;
+        return Error{0, db.lastError().text()};
     }
     QSqlQuery query(db);
     if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
         if (query.next() && query.value(0).toString() == kFormat) {
-            return true;
+            return {};
         }
-        reason_ = QStringLiteral("it is no index of this version of Tidewick");
-        return false;
+        return Error{0, QStringLiteral("it is no index of this version of Tidewick")};
     }
     // No index yet: an empty database gets the tables; one with tables of its own is another
     // program's, and a file that is no database says so here.
     if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !query.next() ||
         query.value(0).toInt() != 0) {
-        reason_ = query.lastError().isValid() ? query.lastError().text()
-                                              : QStringLiteral("it is another program's database");
-        return false;
+        return Error{0, query.lastError().isValid()
+                            ? query.lastError().text()
+                            : QStringLiteral("it is another program's database")};
     }
     return write([&db] {
         QSqlQuery make(db);
@@ -109,7 +106,7 @@ bool SessionIndex::open(const QString& file) {
     });
 }
 
-void SessionIndex::rebuild() {
+void SessionIndex::rebuild(const Error& why) {
     QSqlDatabase::database(connection_, false).close();
     if (QFile::exists(file_)) {
         const QString stamp =
@@ -121,22 +118,22 @@ void SessionIndex::rebuild() {
         }
         if (QFile::rename(file_, aside)) {
             QFile::rename(file_ + QStringLiteral("-journal"), aside + QStringLiteral("-journal"));
-            setAside_ = aside + QStringLiteral(" (") + reason_ + u')';
+            setAside_ = aside + QStringLiteral(" (") + why.cause + u')';
         }
     }
     if (!open(file_)) {
-        open(QStringLiteral(":memory:"));  // this run alone keeps what it read
+        (void)open(QStringLiteral(":memory:"));  // this run alone keeps what it read
     }
 }
 
-bool SessionIndex::write(const std::function<bool()>& work) {
+Result<void> SessionIndex::write(const std::function<bool()>& work) {
     QSqlDatabase db = QSqlDatabase::database(connection_, false);
     if (db.transaction() && work() && db.commit()) {
-        return true;
+        return {};
     }
-    reason_ = db.lastError().text();
+    const Error failed{0, db.lastError().text()};
     db.rollback();
-    return false;
+    return failed;
 }
 
 void SessionIndex::loadInto(const QString& root, SessionCache& cache, const FileSystem& disk) {
@@ -147,8 +144,7 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
     query.addBindValue(from);
     query.addBindValue(to);
     if (!query.exec()) {
-        reason_ = query.lastError().text();
-        rebuild();
+        rebuild(Error{0, query.lastError().text()});
         return;
     }
     while (query.next()) {
@@ -158,8 +154,7 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
         if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
             continue;  // changed since: read again
         }
-        const std::optional<SessionRead> read = unpackRead(query.value(4).toByteArray());
-        if (read) {
+        if (const Result<SessionRead> read = unpackRead(query.value(4).toByteArray())) {
             cache.remember(path, {held, SessionKindId(kind), *read});
         }
     }
@@ -206,9 +201,9 @@ void SessionIndex::store(const QString& root, const SessionCache& cache,
         audited.addBindValue(QDateTime::currentSecsSinceEpoch());
         return audited.exec();
     };
-    if (!write(work)) {
-        rebuild();  // a damaged or locked file: this run's reads go into a new one
-        write(work);
+    if (const Result<void> kept = write(work); !kept) {
+        rebuild(kept.error());  // a damaged or locked file: this run's reads go into a new one
+        (void)write(work);
     }
 }
 
@@ -240,7 +235,7 @@ QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root
     QHash<QString, KeptAudit> audits;
     if (query.exec()) {
         while (query.next()) {
-            if (std::optional<FolderReport> report = unpackReport(query.value(3).toByteArray())) {
+            if (Result<FolderReport> report = unpackReport(query.value(3).toByteArray())) {
                 audits.insert(query.value(0).toString(),
                               {query.value(1).toByteArray(), query.value(2).toByteArray(),
                                std::move(*report)});
@@ -253,7 +248,8 @@ QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root
 void SessionIndex::storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
                                const QSet<QString>& present) {
     QSqlDatabase db = QSqlDatabase::database(connection_, false);
-    write([&] {
+    // Audits that cannot be kept are worked out again by the next audit.
+    (void)write([&] {
         QSqlQuery query(db);
         query.prepare(QStringLiteral("SELECT folder FROM audits WHERE folder >= ? AND folder < ?"));
         const auto [from, to] = under(root);
@@ -292,7 +288,8 @@ void SessionIndex::storeAudits(const QString& root, const QHash<QString, KeptAud
 void SessionIndex::update(const QString& path, const SessionCache::Entry& entry,
                           const QStringList& elsewhere) {
     QSqlDatabase db = QSqlDatabase::database(connection_, false);
-    write([&] { return keep(db, path, entry, elsewhere); });
+    // A session that cannot be kept is read again where it is used next.
+    (void)write([&] { return keep(db, path, entry, elsewhere); });
 }
 
 bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
@@ -374,7 +371,7 @@ std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
     if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
         return std::nullopt;
     }
-    std::optional<SessionRead> read = unpackRead(query.value(3).toByteArray());
+    Result<SessionRead> read = unpackRead(query.value(3).toByteArray());
     if (!read) {
         return std::nullopt;
     }

@@ -6,7 +6,8 @@
 #include <functional>
 #include <optional>
 
-#include "audit/library_audit.h"
+#include "audit/audit_report.h"
+#include "platform/result.h"
 #include "sweep/sweep.h"
 
 // The sessions an audit read, kept between runs in an SQLite file, keyed by each file's path,
@@ -31,8 +32,8 @@ public:
     /// "Tidewick/index.sqlite" in the user's cache folder (~/.cache on Linux).
     static QString defaultFile();
 
-    /// Where an index that could not be used was put, and why; empty when none was.
-    QString setAside() const { return setAside_; }
+    /// Where an index that could not be used was put, and why; nothing when none was.
+    const std::optional<QString>& setAside() const { return setAside_; }
 
     /// Puts into `cache` the sessions under `root` whose files are as the index holds them.
     void loadInto(const QString& root, SessionCache& cache, const FileSystem& disk);
@@ -77,18 +78,19 @@ public:
                 const QStringList& elsewhere);
 
 private:
-    bool open(const QString& file);
-    bool write(const std::function<bool()>& work);
-    /// Sets the file aside and starts a new one (in memory, when no file can be made).
-    void rebuild();
+    Result<void> open(const QString& file);
+    /// Runs `work` in one transaction: all of its changes, or none and the database's error.
+    Result<void> write(const std::function<bool()>& work);
+    /// Sets the file aside, as it cannot be used for the reason `why`, and starts a new one (in
+    /// memory, when no file can be made).
+    void rebuild(const Error& why);
     static bool keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
                      const QStringList& elsewhere);
     static bool forget(QSqlDatabase& db, const QString& path);
 
     QString file_;
     QString connection_;
-    QString setAside_;
-    QString reason_;  // why the file could not be used
+    std::optional<QString> setAside_;
 };
 
 }  // namespace tidewick

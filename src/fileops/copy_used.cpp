@@ -12,14 +12,19 @@ namespace {
 
 // Copies the file a used line leads to (through links: the audio, not the link) under its name
 // in the folder, replacing a file of that name unless a loaded session uses that one.
-FileResult copyOne(const CopyItem& item, const QString& destination, FileOperations& disk,
-                   const FileOperations::Progress& progress, const UsedFileOwners& used) {
+Result<void> copyOne(const CopyItem& item, const QString& destination, FileOperations& disk,
+                     const FileOperations::Progress& progress, const UsedFileOwners& used) {
     const QString user = usedBy(used, destination);
     if (!user.isEmpty() &&
         QFileInfo(destination).canonicalFilePath() != QFileInfo(item.source).canonicalFilePath()) {
-        return FileError{EEXIST, QStringLiteral("the file in the target is used by ") + user};
+        return Error{EEXIST, QStringLiteral("the file in the target is used by ") + user};
     }
-    return disk.copyFile(item.source, destination, {true, true}, progress);
+    if (const Result<TrashPlace> copied =
+            disk.copyFile(item.source, destination, {true, true}, progress);
+        !copied) {
+        return copied.error();
+    }
+    return {};
 }
 
 }  // namespace
@@ -29,8 +34,7 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
     disk.removeLeftovers(folder);
     qint64 total = 0;
     for (const CopyItem& item : items) {
-        FileError ignored;
-        total += disk.entrySize(item.source, &ignored).value_or(0);
+        total += disk.entrySize(item.source).valueOr(0);
     }
     CopyOutcome outcome;
     qint64 done = 0;
@@ -51,14 +55,14 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
             if (events.starting) {
                 events.starting(outcome.copied + 1, int(items.size()), item);
             }
-            const FileResult error = copyOne(item, destination, disk, progress, used);
-            if (!error) {
+            const Result<void> copied = copyOne(item, destination, disk, progress, used);
+            if (copied) {
                 ++outcome.copied;
                 break;
             }
             done = before;  // a copy tried again counts its bytes again
             const CopyFailureAnswer answer =
-                events.failed ? events.failed(item, *error) : CopyFailureAnswer::Ignore;
+                events.failed ? events.failed(item, copied.error()) : CopyFailureAnswer::Ignore;
             if (answer == CopyFailureAnswer::Abort) {
                 outcome.aborted = true;
                 return outcome;
@@ -72,7 +76,7 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
     return outcome;
 }
 
-QString copyFailureText(const FileError& error, const QString& text) {
+QString copyFailureText(const Error& error, const QString& text) {
     return QStringLiteral("Error ") + errorText(error) +
            QStringLiteral(" has occurreed while attempting to copy ") + GetFileName(text) +
            QLatin1Char('.');

@@ -27,7 +27,7 @@ struct CopyEvents {
     /// `done` of `total` bytes are copied.
     std::function<void(qint64 done, qint64 total)> progress;
     /// Copying `item` failed. Without an answer the file is left out and the run goes on.
-    std::function<CopyFailureAnswer(const CopyItem& item, const FileError& error)> failed;
+    std::function<CopyFailureAnswer(const CopyItem& item, const Error& error)> failed;
     /// Asked before each file: true stops the run there, as "Abort" does (an interrupt).
     std::function<bool()> stopRequested;
 };
@@ -46,7 +46,7 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
                           const CopyEvents& events, const UsedFileOwners& used = {});
 
 /// "Error 2 (No such file or directory) has occurreed while attempting to copy take.wav."
-QString copyFailureText(const FileError& error, const QString& text);
+QString copyFailureText(const Error& error, const QString& text);
 
 /// "2 File(s) successfully copied to /home/me/Collect/."
 QString copiedFilesLine(int count, const QString& folder);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/file_system.h"
+
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,26 +13,18 @@
 // kept as holes, and the finished copy's final name taken without replacing anything.
 namespace tidewick {
 
-FileError errorOf(int code) {
-    return {code, qt_error_string(code)};
-}
-
-FileError lastError() {
-    return errorOf(errno);
-}
-
 namespace {
 
 constexpr qint64 kCopyChunk = 8 * 1024 * 1024;
 constexpr qint64 kBufferSize = 1024 * 1024;
 
-FileError endedEarly() {
+Error endedEarly() {
     return {EIO, QStringLiteral("The file ended before its copy was complete")};
 }
 
 // Copies `length` bytes at `offset` with read and write, through a buffer.
-FileResult copyThroughBuffer(int in, int out, off_t offset, qint64 length,
-                             const FileOperations::Progress& progress) {
+Result<void> copyThroughBuffer(int in, int out, off_t offset, qint64 length,
+                               const CopyProgress& progress) {
     QByteArray buffer(int(std::min(length, kBufferSize)), Qt::Uninitialized);
     while (length > 0) {
         const ssize_t got =
@@ -58,13 +52,12 @@ FileResult copyThroughBuffer(int in, int out, off_t offset, qint64 length,
             progress(got);
         }
     }
-    return std::nullopt;
+    return {};
 }
 
 // Copies `length` bytes at `offset`: inside the kernel where it can (which also lets a file
 // system share the blocks), through a buffer where it cannot.
-FileResult copyRange(int in, int out, off_t offset, qint64 length,
-                     const FileOperations::Progress& progress) {
+Result<void> copyRange(int in, int out, off_t offset, qint64 length, const CopyProgress& progress) {
 #ifdef Q_OS_LINUX
     while (length > 0) {
         off_t from = offset;
@@ -96,7 +89,7 @@ FileResult copyRange(int in, int out, off_t offset, qint64 length,
 
 // Copies the data of `in` (`size` bytes) to `out`; holes stay holes, so a sparse file costs
 // only its data. A hole counts as done as soon as it is passed.
-FileResult copyData(int in, int out, qint64 size, const FileOperations::Progress& progress) {
+Result<void> copyData(int in, int out, qint64 size, const CopyProgress& progress) {
     const auto passHole = [&progress](qint64 length) {
         if (progress && length > 0) {
             progress(length);
@@ -112,22 +105,22 @@ FileResult copyData(int in, int out, qint64 size, const FileOperations::Progress
         data = std::max<off_t>(data, offset);
         hole = hole < 0 ? size : std::min<off_t>(hole, size);
         passHole(data - offset);
-        if (const FileResult failed = copyRange(in, out, data, hole - data, progress)) {
-            return failed;
+        if (Result<void> copied = copyRange(in, out, data, hole - data, progress); !copied) {
+            return copied;
         }
         offset = std::max(hole, data + 1);
     }
     passHole(size - offset);
     // A file that ends in a hole gets its length from the last data on.
     const bool endsInHole = ::lseek(out, 0, SEEK_END) < size;
-    return !endsInHole || ::ftruncate(out, size) == 0 ? FileResult() : lastError();
+    return !endsInHole || ::ftruncate(out, size) == 0 ? Result<void>() : lastError();
 }
 
 }  // namespace
 
 // Writes the file `source` (described by `info`) under the new name `copy`.
-FileResult writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
-                     const FileOperations::Progress& progress) {
+Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
+                       const CopyProgress& progress) {
     if (S_ISLNK(info.st_mode)) {
         QByteArray target(int(info.st_size) + 1, Qt::Uninitialized);
         const ssize_t length = ::readlink(source.constData(), target.data(), size_t(target.size()));
@@ -138,7 +131,7 @@ FileResult writeCopy(const QByteArray& source, const struct stat& info, const QB
             return endedEarly();
         }
         target.truncate(int(length));
-        return ::symlink(target.constData(), copy.constData()) == 0 ? FileResult() : lastError();
+        return ::symlink(target.constData(), copy.constData()) == 0 ? Result<void>() : lastError();
     }
     // A link reaches here only when it is to be followed (its stat is then its target's).
     Descriptor in(::open(source.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -147,14 +140,14 @@ FileResult writeCopy(const QByteArray& source, const struct stat& info, const QB
         return lastError();
     }
     if (!S_ISREG(opened.st_mode)) {
-        return FileError{EINVAL, QStringLiteral("Not an ordinary file")};
+        return Error{EINVAL, QStringLiteral("Not an ordinary file")};
     }
     Descriptor out(::open(copy.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (out.fd < 0) {
         return lastError();
     }
-    if (const FileResult failed = copyData(in.fd, out.fd, opened.st_size, progress)) {
-        return failed;
+    if (Result<void> copied = copyData(in.fd, out.fd, opened.st_size, progress); !copied) {
+        return copied;
     }
     // The copy keeps the file's permissions and times where the target folder's file system
     // can hold them; where it cannot, the data is what counts.
@@ -167,21 +160,20 @@ FileResult writeCopy(const QByteArray& source, const struct stat& info, const QB
         return lastError();
     }
     if (after.st_size != opened.st_size || written.st_size != opened.st_size) {
-        return FileError{EIO, QStringLiteral("The copy's size differs from the file's")};
+        return Error{EIO, QStringLiteral("The copy's size differs from the file's")};
     }
-    return out.close() ? FileResult() : lastError();
+    return out.close() ? Result<void>() : lastError();
 }
 
 // Gives `from` the name `to` unless a file has that name: never replaces. Where the file system
 // has no such rename, a hard link does the same, as the first of two names to take a file wins.
-FileResult renameNoReplace(const QByteArray& from, const QByteArray& to) {
+Result<void> renameNoReplace(const QByteArray& from, const QByteArray& to) {
     const auto taken = [] {
-        return FileError{EEXIST,
-                         QStringLiteral("A file of that name appeared in the target folder")};
+        return Error{EEXIST, QStringLiteral("A file of that name appeared in the target folder")};
     };
 #ifdef Q_OS_LINUX
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) {
-        return std::nullopt;
+        return {};
     }
     if (errno == EEXIST) {
         return taken();
@@ -192,9 +184,9 @@ FileResult renameNoReplace(const QByteArray& from, const QByteArray& to) {
 #endif
     if (::link(from.constData(), to.constData()) == 0) {
         ::unlink(from.constData());
-        return std::nullopt;
+        return {};
     }
-    return errno == EEXIST ? FileResult(taken()) : FileResult(lastError());
+    return errno == EEXIST ? taken() : lastError();
 }
 
 }  // namespace tidewick

@@ -2,7 +2,8 @@
 
 #include <QByteArray>
 
-#include "fileops/file_operations.h"
+#include "fileops/disk_types.h"
+#include "platform/result.h"
 
 #ifdef Q_OS_UNIX
 #include <sys/stat.h>
@@ -12,10 +13,6 @@
 
 // The system calls behind the file engine's copies on Linux and macOS.
 namespace tidewick {
-
-/// The failure the system reports by `code`, with its description; lastError() for errno.
-FileError errorOf(int code);
-FileError lastError();
 
 /// Closes its descriptor when it goes.
 struct Descriptor {
@@ -35,11 +32,11 @@ struct Descriptor {
 /// Writes the file `source` (described by `info`: a link's own stat, or its target's when it is
 /// to be followed) under the new name `copy`: a link as a link, a file's data (holes kept) with
 /// its permissions and times. The copy must come out at the source's size.
-FileResult writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
-                     const FileOperations::Progress& progress);
+Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
+                       const CopyProgress& progress);
 
 /// Gives `from` the name `to` unless a file has that name: never replaces.
-FileResult renameNoReplace(const QByteArray& from, const QByteArray& to);
+Result<void> renameNoReplace(const QByteArray& from, const QByteArray& to);
 
 }  // namespace tidewick
 

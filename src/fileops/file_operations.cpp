@@ -9,8 +9,7 @@
 #include <cerrno>
 
 #include "fileops/file_copy.h"
-#include "fileops/home_trash.h"
-#include "platform/process_setup.h"
+#include "fileops/trash.h"
 #include "text/path_text.h"
 
 #ifdef Q_OS_UNIX
@@ -32,45 +31,6 @@ QString temporaryNameBeside(const QString& destination) {
     return folder.isEmpty() ? temporaryCopyName() : withSeparator(folder) + temporaryCopyName();
 }
 
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-// The desktop's trash on Linux and the BSDs: the freedesktop trash in the user's data folder.
-// Qt 6.4 writes "files" and "info" into the current directory when that trash does not exist
-// yet, so it is made first, and a place that Qt reports outside a trash counts as a failure.
-QString homeTrash() {
-    const QString data = userDataFolder();
-    return data.isEmpty() ? QString() : data + QStringLiteral("/Trash");
-}
-
-// Whether `path` lies on the disk of `place`, or of its nearest folder that exists.
-bool onDiskOf(const QString& path, QString place) {
-    struct stat file {};
-    struct stat there {};
-    if (::lstat(encodeFileName(path).constData(), &file) != 0) {
-        return false;
-    }
-    while (::stat(encodeFileName(place).constData(), &there) != 0 || !S_ISDIR(there.st_mode)) {
-        const QString parent = hostParentFolder(place);
-        if (parent.isEmpty() || parent == place) {
-            return false;
-        }
-        place = parent;
-    }
-    return there.st_dev == file.st_dev;
-}
-
-bool isTrashFilesFolder(const QString& folder) {
-    const QFileInfo files(folder);
-    if (files.fileName() != QLatin1String("files")) {
-        return false;
-    }
-    const QFileInfo trash(files.path());
-    return (!homeTrash().isEmpty() &&
-            trash.absoluteFilePath() == QFileInfo(homeTrash()).absoluteFilePath()) ||
-           trash.fileName().startsWith(QLatin1String(".Trash-")) ||
-           QFileInfo(trash.path()).fileName() == QLatin1String(".Trash");
-}
-#endif
-
 }  // namespace
 
 QString temporaryCopyName() {
@@ -78,18 +38,12 @@ QString temporaryCopyName() {
            QString::number(QRandomGenerator::global()->generate64(), 36);
 }
 
-QString errorText(const FileError& error) {
-    return QString::number(error.code) + QStringLiteral(" (") + error.description +
-           QLatin1Char(')');
-}
-
 #ifdef Q_OS_UNIX
 
-std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* error) const {
+Result<qint64> FileOperations::entrySize(const QString& path) const {
     struct stat info {};
     if (::lstat(encodeFileName(path).constData(), &info) != 0) {
-        *error = lastError();
-        return std::nullopt;
+        return lastError();
     }
     return qint64(info.st_size);
 }
@@ -103,21 +57,21 @@ std::optional<FileStamp> FileOperations::entryStamp(const QString& path) const {
                      qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
 }
 
-std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
+Result<void> FileOperations::writable(const QString& folder) const {
     // The kernel answers for the folder's permissions, its disk being read-only and its being
     // immutable, as a write would meet them.
     if (::access(encodeFileName(folder).constData(), W_OK | X_OK) != 0) {
         return lastError();
     }
-    return std::nullopt;
+    return {};
 }
 
-FileResult FileOperations::createFolder(const QString& path) {
-    return ::mkdir(encodeFileName(path).constData(), 0777) == 0 ? FileResult() : lastError();
+Result<void> FileOperations::createFolder(const QString& path) {
+    return ::mkdir(encodeFileName(path).constData(), 0777) == 0 ? Result<void>() : lastError();
 }
 
-FileResult FileOperations::copyFile(const QString& source, const QString& destination,
-                                    CopyMode mode, const Progress& progress, TrashPlace* replaced) {
+Result<TrashPlace> FileOperations::copyFile(const QString& source, const QString& destination,
+                                            CopyMode mode, const Progress& progress) {
     const QByteArray from = encodeFileName(source);
     const QByteArray to = encodeFileName(destination);
     struct stat info {};
@@ -128,43 +82,46 @@ FileResult FileOperations::copyFile(const QString& source, const QString& destin
     struct stat present {};
     const bool replacing = ::lstat(to.constData(), &present) == 0;
     if (replacing && present.st_dev == info.st_dev && present.st_ino == info.st_ino) {
-        return FileError{EEXIST, QStringLiteral("The file is already in the target folder")};
+        return Error{EEXIST, QStringLiteral("The file is already in the target folder")};
     }
     if (replacing && S_ISDIR(present.st_mode)) {
         return errorOf(EISDIR);  // a folder of that name is never put aside for a file
     }
     if (replacing && !mode.replace) {
-        return FileError{EEXIST, QStringLiteral("A file of that name is in the target folder")};
+        return Error{EEXIST, QStringLiteral("A file of that name is in the target folder")};
     }
 
     const QString temporary = temporaryNameBeside(destination);
     const QByteArray copy = encodeFileName(temporary);
-    if (const FileResult failed = writeCopy(from, info, copy, progress)) {
+    if (const Result<void> written = writeCopy(from, info, copy, progress); !written) {
         ::unlink(copy.constData());
-        return failed;
+        return written.error();
     }
+    TrashPlace replaced;
     if (replacing) {
-        if (const FileResult failed = moveToTrash(destination, replaced)) {
+        const Result<TrashPlace> trashed = trash(destination);
+        if (!trashed) {
             ::unlink(copy.constData());
-            return failed;
+            return trashed.error();
         }
+        replaced = *trashed;
     }
-    if (const FileResult failed = tidewick::renameNoReplace(copy, to)) {
+    if (const Result<void> named = tidewick::renameNoReplace(copy, to); !named) {
         ::unlink(copy.constData());
-        return failed;
+        return named.error();
     }
-    return std::nullopt;
+    return replaced;
 }
 
-FileResult FileOperations::renameNoReplace(const QString& from, const QString& to) {
+Result<void> FileOperations::renameNoReplace(const QString& from, const QString& to) {
     return tidewick::renameNoReplace(encodeFileName(from), encodeFileName(to));
 }
 
-FileResult FileOperations::removeFile(const QString& path) {
-    return ::unlink(encodeFileName(path).constData()) == 0 ? FileResult() : lastError();
+Result<void> FileOperations::removeFile(const QString& path) {
+    return ::unlink(encodeFileName(path).constData()) == 0 ? Result<void>() : lastError();
 }
 
-FileResult FileOperations::flushToDisk(const QString& path) {
+Result<void> FileOperations::flushToDisk(const QString& path) {
     // A link is written through as its folder's entry; opening it could block on whatever it
     // points at (a pipe) or reach another disk altogether.
     Descriptor file(
@@ -180,7 +137,7 @@ FileResult FileOperations::flushToDisk(const QString& path) {
     if (folder.fd < 0 || ::fsync(folder.fd) != 0) {
         return lastError();
     }
-    return std::nullopt;
+    return {};
 }
 
 void FileOperations::removeLeftovers(const QString& folder) {
@@ -199,11 +156,10 @@ void FileOperations::removeLeftovers(const QString& folder) {
 
 #else  // Windows: Qt's own file operations
 
-std::optional<qint64> FileOperations::entrySize(const QString& path, FileError* error) const {
+Result<qint64> FileOperations::entrySize(const QString& path) const {
     const QFileInfo info(path);
     if (!info.exists() && !info.isSymLink()) {
-        *error = errorOf(ENOENT);
-        return std::nullopt;
+        return errorOf(ENOENT);
     }
     return info.size();
 }
@@ -212,62 +168,65 @@ std::optional<FileStamp> FileOperations::entryStamp(const QString& path) const {
     return fileStamp(path);
 }
 
-std::optional<FileError> FileOperations::writeRefusal(const QString& folder) const {
-    return QFileInfo(folder).isWritable() ? std::nullopt : std::optional(errorOf(EACCES));
+Result<void> FileOperations::writable(const QString& folder) const {
+    return QFileInfo(folder).isWritable() ? Result<void>() : errorOf(EACCES);
 }
 
-FileResult FileOperations::createFolder(const QString& path) {
-    return QDir().mkdir(path) ? FileResult() : errorOf(EACCES);
+Result<void> FileOperations::createFolder(const QString& path) {
+    return QDir().mkdir(path) ? Result<void>() : errorOf(EACCES);
 }
 
-FileResult FileOperations::copyFile(const QString& source, const QString& destination,
-                                    CopyMode mode, const Progress& progress, TrashPlace* replaced) {
+Result<TrashPlace> FileOperations::copyFile(const QString& source, const QString& destination,
+                                            CopyMode mode, const Progress& progress) {
     if (QFileInfo::exists(destination) && !mode.replace) {
-        return FileError{EEXIST, QStringLiteral("A file of that name is in the target folder")};
+        return Error{EEXIST, QStringLiteral("A file of that name is in the target folder")};
     }
     const QString temporary = temporaryNameBeside(destination);
     QFile file(source);
     if (!file.copy(temporary)) {
-        return FileError{int(file.error()), file.errorString()};
+        return Error{int(file.error()), file.errorString()};
     }
     if (QFileInfo(temporary).size() != QFileInfo(source).size()) {
         QFile::remove(temporary);
-        return FileError{EIO, QStringLiteral("The copy's size differs from the file's")};
+        return Error{EIO, QStringLiteral("The copy's size differs from the file's")};
     }
     if (QFileInfo(destination).isDir()) {
         QFile::remove(temporary);
-        return FileError{EISDIR, QStringLiteral("Is a directory")};
+        return Error{EISDIR, QStringLiteral("Is a directory")};
     }
+    TrashPlace replaced;
     if (QFileInfo::exists(destination)) {
-        if (const FileResult failed = moveToTrash(destination, replaced)) {
+        const Result<TrashPlace> trashed = trash(destination);
+        if (!trashed) {
             QFile::remove(temporary);
-            return failed;
+            return trashed.error();
         }
+        replaced = *trashed;
     }
     QFile copy(temporary);
     if (!copy.rename(destination)) {
         QFile::remove(temporary);
-        return FileError{int(copy.error()), copy.errorString()};
+        return Error{int(copy.error()), copy.errorString()};
     }
     if (progress) {
         progress(QFileInfo(destination).size());
     }
-    return std::nullopt;
+    return replaced;
 }
 
-FileResult FileOperations::renameNoReplace(const QString& from, const QString& to) {
+Result<void> FileOperations::renameNoReplace(const QString& from, const QString& to) {
     QFile file(from);
-    return file.rename(to) ? FileResult() : FileError{int(file.error()), file.errorString()};
+    return file.rename(to) ? Result<void>() : Error{int(file.error()), file.errorString()};
 }
 
-FileResult FileOperations::removeFile(const QString& path) {
+Result<void> FileOperations::removeFile(const QString& path) {
     QFile file(path);
-    return file.remove() ? FileResult() : FileError{int(file.error()), file.errorString()};
+    return file.remove() ? Result<void>() : Error{int(file.error()), file.errorString()};
 }
 
-FileResult FileOperations::flushToDisk(const QString& path) {
+Result<void> FileOperations::flushToDisk(const QString& path) {
     Q_UNUSED(path);
-    return std::nullopt;
+    return {};
 }
 
 void FileOperations::removeLeftovers(const QString& folder) {
@@ -276,62 +235,12 @@ void FileOperations::removeLeftovers(const QString& folder) {
 
 #endif
 
-FileResult FileOperations::moveToTrash(const QString& path, TrashPlace* place) {
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    const QString trash = homeTrash();
-    if (trash.isEmpty()) {
-        // A relative home would put a trash under the current folder, wherever that is.
-        return FileError{ENOENT, QStringLiteral("There is no trash: HOME is not a full path")};
-    }
-    if (QDir().mkpath(trash + QStringLiteral("/files")) &&
-        QDir().mkpath(trash + QStringLiteral("/info"))) {
-        if (const std::optional<FileResult> done = moveToHomeTrash(path, trash, place)) {
-            return *done;
-        }
-    } else if (onDiskOf(path, trash)) {
-        // A home trash that cannot be made (its place holds a file, the disk refuses) takes no
-        // file of its disk; asked anyway, Qt would make one in the current folder.
-        return FileError{ENOTDIR, QStringLiteral("Cannot make the trash folder ") + trash};
-    }
-#endif
-    errno = 0;
-    QString placeInTrash;
-    if (!QFile::moveToTrash(path, &placeInTrash)) {
-        const int code = errno != 0 ? errno : EIO;
-        return FileError{code, qt_error_string(code)};
-    }
-#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    if (!isTrashFilesFolder(QFileInfo(placeInTrash).path())) {
-        // Put back what went astray, and say that the trash did not take it.
-        QFile::rename(placeInTrash, path);
-        return FileError{EIO, QStringLiteral("The trash put the file outside the trash")};
-    }
-#endif
-    if (place) {
-        const QFileInfo file(placeInTrash);
-        *place = {placeInTrash, file.dir().filePath(QStringLiteral("../info/") + file.fileName() +
-                                                    QStringLiteral(".trashinfo"))};
-        place->info = QDir::cleanPath(place->info);
-    }
-    return std::nullopt;
+Result<TrashPlace> FileOperations::trash(const QString& path) {
+    return Trash().put(path);
 }
 
-FileResult FileOperations::trashInPlaceOf(const TrashPlace& freed, const QString& path) {
-    if (const std::optional<FileResult> done = reuseTrashPlace(freed, path)) {
-        return *done;
-    }
-    if (!freed.info.isEmpty() && !entryStamp(freed.file)) {
-        QFile::remove(freed.info);  // the record of the file that left
-    }
-    return moveToTrash(path);
-}
-
-QString usedBy(const UsedFileOwners& owners, const QString& path) {
-    if (owners.isEmpty()) {
-        return {};
-    }
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QString() : owners.value(canonical);
+Result<TrashPlace> FileOperations::trashInPlaceOf(const TrashPlace& freed, const QString& path) {
+    return Trash().putInPlaceOf(freed, path);
 }
 
 }  // namespace tidewick

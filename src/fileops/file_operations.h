@@ -1,53 +1,16 @@
 #pragma once
 
-#include <QHash>
 #include <QString>
-#include <functional>
 #include <optional>
 
+#include "fileops/disk_types.h"
 #include "platform/file_system.h"
+#include "platform/result.h"
 
 // The disk as the move and the copy change it. Every change is made so that no byte is lost: a
 // copy is complete under a temporary name before it takes its final name, and whatever leaves
 // its place goes to the desktop's trash.
 namespace tidewick {
-
-/// A failure as the system reports it: its number and its description.
-struct FileError {
-    int code = 0;
-    QString description;
-    bool operator==(const FileError&) const = default;
-};
-
-/// A failure as messages show it: "2 (No such file or directory)".
-QString errorText(const FileError& error);
-
-/// What a change of the disk came to: nothing when it succeeded.
-using FileResult = std::optional<FileError>;
-
-/// How a copy treats what it meets.
-struct CopyMode {
-    /// A file already under the destination name goes to the trash and the copy takes its
-    /// place; without this, such a file makes the copy fail and stays as it is.
-    bool replace = false;
-    /// A symbolic link is copied as the file it points at (collecting a session's media);
-    /// without this it is copied as a link, and what it points at is never opened.
-    bool followLinks = false;
-};
-
-/// Where the trash put a file: the file under its name in the trash, and the record of where it
-/// was (".trashinfo"); either may be empty where the trash keeps no such thing.
-struct TrashPlace {
-    QString file;
-    QString info;
-};
-
-/// The files that the loaded sessions use, by canonical path, each with the session that uses
-/// it as the session folder names it ("mix.sesx"): a move or a copy never replaces one.
-using UsedFileOwners = QHash<QString, QString>;
-
-/// The session that uses the file at `path` (the same file, however reached), or empty text.
-QString usedBy(const UsedFileOwners& owners, const QString& path);
 
 /// The name a copy has on its way into a folder: hidden, short, and naming the process that
 /// writes it, so that a later run can tell the leftovers of a run that died from a copy under way.
@@ -58,20 +21,20 @@ QString temporaryCopyName();
 class FileOperations : public FileSystem {
 public:
     /// Called as a copy goes on, with the bytes written since the last call.
-    using Progress = std::function<void(qint64 bytes)>;
+    using Progress = CopyProgress;
 
     /// The length of the file `path` itself in bytes (of a link, the link), or its failure.
-    virtual std::optional<qint64> entrySize(const QString& path, FileError* error) const;
+    virtual Result<qint64> entrySize(const QString& path) const;
 
-    /// Why the folder `folder` cannot take new files (a read-only disk, an immutable folder, no
-    /// permission), or nothing when it can.
-    virtual std::optional<FileError> writeRefusal(const QString& folder) const;
+    /// Whether the folder `folder` can take new files; the failure says why not (a read-only
+    /// disk, an immutable folder, no permission).
+    virtual Result<void> writable(const QString& folder) const;
 
     /// The length and time of change of the entry `path` itself (of a link, the link).
     virtual std::optional<FileStamp> entryStamp(const QString& path) const;
 
     /// Creates the folder `path`; its parent must exist.
-    virtual FileResult createFolder(const QString& path);
+    virtual Result<void> createFolder(const QString& path);
 
     /// Copies the file `source` to `destination` so that a file under that name is always whole:
     /// the data goes to a temporary name beside it, the copy must have the source's size, and
@@ -79,33 +42,27 @@ public:
     /// that another program took meanwhile makes the copy fail. A file already there is put into
     /// the trash first when `mode` says so (a folder there makes the copy fail). A failure at any
     /// step leaves no temporary file, the old file in place and the source untouched.
-    /// The file it replaced went to the trash at `replaced`, when given.
-    virtual FileResult copyFile(const QString& source, const QString& destination,
-                                CopyMode mode = {}, const Progress& progress = {},
-                                TrashPlace* replaced = nullptr);
+    /// Gives where the file it replaced went in the trash (empty when it replaced none).
+    virtual Result<TrashPlace> copyFile(const QString& source, const QString& destination,
+                                        CopyMode mode = {}, const Progress& progress = {});
 
-    /// Puts `path` into the desktop's trash: the home trash for a file of its disk, else the
-    /// trash of the file's own volume. Where it went is told in `place`, when given.
-    virtual FileResult moveToTrash(const QString& path, TrashPlace* place = nullptr);
+    /// Puts `path` into the desktop's trash (Trash::put) and gives where it went.
+    virtual Result<TrashPlace> trash(const QString& path);
 
-    /// Puts the file `path`, a copy of a file just taken out of the trash, into the trash in
-    /// the place `freed` that it left: under that name, its record rewritten to say where
-    /// `path` was. That spares the trash a
-    /// record made and one deleted for each file, which a restore would otherwise pay. A place
-    /// that cannot take it (another disk, a name taken meanwhile) is given up and `path` is
-    /// trashed as moveToTrash does.
-    virtual FileResult trashInPlaceOf(const TrashPlace& freed, const QString& path);
+    /// Puts the file `path`, a copy of a file just taken out of the trash, into the place
+    /// `freed` that the file left (Trash::putInPlaceOf), and gives where it went.
+    virtual Result<TrashPlace> trashInPlaceOf(const TrashPlace& freed, const QString& path);
 
     /// Gives the file `from` the name `to`, which no file may have: it never replaces one (EXDEV
     /// when the two lie on different disks).
-    virtual FileResult renameNoReplace(const QString& from, const QString& to);
+    virtual Result<void> renameNoReplace(const QString& from, const QString& to);
 
     /// Deletes the file `path` for good.
-    virtual FileResult removeFile(const QString& path);
+    virtual Result<void> removeFile(const QString& path);
 
     /// Writes what `path` holds through to the disk, so that it survives a power cut; a link is
     /// never opened (only its folder is written through).
-    virtual FileResult flushToDisk(const QString& path);
+    virtual Result<void> flushToDisk(const QString& path);
 
     /// Removes what runs that died left in `folder`: copies on their way (temporaryCopyName) of
     /// processes that no longer run.

@@ -98,10 +98,9 @@ qint64 MoveRecord::bytesMoved() const {
     return bytes;
 }
 
-bool MoveRecordWriter::open(const QString& folder, const MoveRequest& request, QString* error) {
+Result<void> MoveRecordWriter::open(const QString& folder, const MoveRequest& request) {
     if (folder.isEmpty() || !QDir().mkpath(folder)) {
-        *error = QStringLiteral("the folder ") + folder + QStringLiteral(" cannot be made");
-        return false;
+        return Error{0, QStringLiteral("the folder ") + folder + QStringLiteral(" cannot be made")};
     }
     // Named by the time it began in UTC, so that the names sort as the moves were made.
     const QString name =
@@ -109,8 +108,7 @@ bool MoveRecordWriter::open(const QString& folder, const MoveRequest& request, Q
         QString::number(QCoreApplication::applicationPid()) + QStringLiteral(".jsonl");
     file_.setFileName(QDir(folder).filePath(name));
     if (!file_.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
-        *error = file_.fileName() + QStringLiteral(": ") + file_.errorString();
-        return false;
+        return Error{0, file_.fileName() + QStringLiteral(": ") + file_.errorString()};
     }
     writeLine(QJsonDocument(QJsonObject{{QStringLiteral("tidewickMove"), 1},
                                         {QStringLiteral("started"), now()},
@@ -118,7 +116,7 @@ bool MoveRecordWriter::open(const QString& folder, const MoveRequest& request, Q
                                         {QStringLiteral("session"), request.sessionFile},
                                         {QStringLiteral("target"), moveDestination(request)}})
                   .toJson(QJsonDocument::Compact));
-    return true;
+    return {};
 }
 
 void MoveRecordWriter::add(const MovedFile& file) {
@@ -140,17 +138,15 @@ void MoveRecordWriter::writeLine(const QByteArray& json) {
     }
 }
 
-std::optional<MoveRecord> readMoveRecord(const QString& path, QString* error) {
+Result<MoveRecord> readMoveRecord(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        *error = file.errorString();
-        return std::nullopt;
+        return Error{0, file.errorString()};
     }
     const QList<QByteArray> lines = file.readAll().split('\n');
     const QJsonObject head = QJsonDocument::fromJson(lines.value(0)).object();
     if (head[QLatin1String("tidewickMove")].toInt() != 1) {
-        *error = QStringLiteral("it is no record of a Tidewick move");
-        return std::nullopt;
+        return Error{0, QStringLiteral("it is no record of a Tidewick move")};
     }
     MoveRecord record{path,
                       QDateTime::fromString(head[QLatin1String("started")].toString(), Qt::ISODate),
@@ -174,8 +170,7 @@ std::optional<MoveRecord> readMoveRecord(const QString& path, QString* error) {
             record.files.append(*moved);
         } else if (at + 1 < lines.size() && !lines[at + 1].trimmed().isEmpty()) {
             // Only the last line may be cut short, by a run that died while writing it.
-            *error = QStringLiteral("it is damaged at line ") + QString::number(at + 1);
-            return std::nullopt;
+            return Error{0, QStringLiteral("it is damaged at line ") + QString::number(at + 1)};
         }
     }
     return record;
@@ -186,9 +181,7 @@ QList<MoveRecord> moveRecords(const QString& folder, qsizetype limit) {
     std::sort(names.begin(), names.end(), std::greater<>());
     QList<MoveRecord> records;
     for (const QString& name : names) {
-        QString ignored;
-        if (std::optional<MoveRecord> record =
-                readMoveRecord(QDir(folder).filePath(name), &ignored)) {
+        if (Result<MoveRecord> record = readMoveRecord(QDir(folder).filePath(name))) {
             records.append(std::move(*record));
             if (records.size() == limit) {
                 break;
@@ -198,13 +191,13 @@ QList<MoveRecord> moveRecords(const QString& folder, qsizetype limit) {
     return records;
 }
 
-MoveOutcome runRecordedMove(const MoveRequest& request, FileOperations& disk, MoveEvents events,
-                            const QString& folder, QString* recordPath) {
+RecordedMove runRecordedMove(const MoveRequest& request, FileOperations& disk, MoveEvents events,
+                             const QString& folder) {
     MoveRecordWriter writer;
-    QString error;
+    QString record;
     bool undoable = false;
-    if (writer.open(folder, request, &error)) {
-        *recordPath = writer.path();
+    if (const Result<void> opened = writer.open(folder, request)) {
+        record = writer.path();
         const auto done = events.fileDone;
         events.fileDone = [&writer, &undoable, done](const MovedFile& file) {
             writer.add(file);
@@ -215,17 +208,16 @@ MoveOutcome runRecordedMove(const MoveRequest& request, FileOperations& disk, Mo
             }
         };
     } else {
-        recordPath->clear();
-        events.notice = QStringLiteral("Warning: no record of this move can be kept (") + error +
-                        QStringLiteral("), so it cannot be restored.");
+        events.notice = QStringLiteral("Warning: no record of this move can be kept (") +
+                        opened.error().cause + QStringLiteral("), so it cannot be restored.");
     }
     const MoveOutcome outcome = runMove(request, disk, events);
     writer.finish(outcome);
-    if (!undoable && !recordPath->isEmpty()) {  // a run that moved nothing has nothing to undo
-        QFile::remove(*recordPath);
-        recordPath->clear();
+    if (!undoable && !record.isEmpty()) {  // a run that moved nothing has nothing to undo
+        QFile::remove(record);
+        record.clear();
     }
-    return outcome;
+    return {outcome, record};
 }
 
 }  // namespace tidewick

@@ -35,9 +35,9 @@ struct MoveRecord {
 /// Writes one move's record as the run goes.
 class MoveRecordWriter {
 public:
-    /// Starts a new record in `folder` for `request`; false, with the reason in `error`, when
-    /// it cannot be written.
-    bool open(const QString& folder, const MoveRequest& request, QString* error);
+    /// Starts a new record in `folder` for `request`; fails, saying why, when it cannot be
+    /// written.
+    Result<void> open(const QString& folder, const MoveRequest& request);
     /// Adds a file that is done with; the line is on the disk when this returns.
     void add(const MovedFile& file);
     /// Ends the record with the run's totals.
@@ -49,18 +49,24 @@ private:
     QFile file_;
 };
 
-/// Reads the record `path`; nothing, with the reason in `error`, when it is no record or is
-/// damaged (but for a last line cut short, which a run that died may leave).
-std::optional<MoveRecord> readMoveRecord(const QString& path, QString* error);
+/// Reads the record `path`; fails, saying why, when it is no record or is damaged (but for a
+/// last line cut short, which a run that died may leave).
+Result<MoveRecord> readMoveRecord(const QString& path);
 
 /// The records of `folder`, newest first, at most `limit` of them (all when negative); those
 /// that cannot be read are left out.
 QList<MoveRecord> moveRecords(const QString& folder, qsizetype limit = -1);
 
-/// Runs the move of `request` (runMove) and keeps its record in `folder`: the record's path is
-/// in `recordPath`, or empty when none could be written (which the log then says once) or the
-/// run moved nothing.
-MoveOutcome runRecordedMove(const MoveRequest& request, FileOperations& disk, MoveEvents events,
-                            const QString& folder, QString* recordPath);
+/// A move run with its record.
+struct RecordedMove {
+    MoveOutcome outcome;
+    /// The record's path; empty when none could be written (which the log then says once) or
+    /// the run moved nothing.
+    QString record;
+};
+
+/// Runs the move of `request` (runMove) and keeps its record in `folder`.
+RecordedMove runRecordedMove(const MoveRequest& request, FileOperations& disk, MoveEvents events,
+                             const QString& folder);
 
 }  // namespace tidewick

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
+#include <cerrno>
 
 #include "text/number_text.h"
 #include "text/path_text.h"
@@ -34,10 +35,9 @@ public:
         plans_.resize(request.items.size());
         sizes_.resize(request.items.size());
         for (qsizetype index = 0; index < request.items.size(); ++index) {
-            FileError ignored;
             if (request.items[index].checked) {
                 plans_[index] = planMove(request, request.items[index].text, disk);
-                sizes_[index] = disk.entrySize(plans_[index].source, &ignored).value_or(0);
+                sizes_[index] = disk.entrySize(plans_[index].source).valueOr(0);
                 total_ += sizes_[index];
             }
         }
@@ -80,7 +80,7 @@ private:
             request_.items[index].text + result + kLogLineEnd);
     }
     MovedFile file_;  // the file in hand
-    void copyFailed(qsizetype index, const FileError& error) {
+    void copyFailed(qsizetype index, const Error& error) {
         file_.outcome = MovedFile::Outcome::Failed;
         outcome_.results[index] = QStringLiteral("...Error ") + errorText(error);
         outcome_.failed = true;
@@ -93,8 +93,8 @@ MoveOutcome MoveRun::run() {
     if (!events_.notice.isEmpty()) {
         log(events_.notice + kLogLineEnd);
     }
-    if (const QString problem = moveProblem(request_, disk_); !problem.isEmpty()) {
-        log(problem + kLogLineEnd);  // said once, not once for every file
+    if (const Result<void> ready = moveCanStart(request_, disk_); !ready) {
+        log(ready.error().cause + kLogLineEnd);  // said once, not once for every file
         outcome_.failed = true;
     } else {
         if (disk_.FolderExists(moveDestination(request_))) {
@@ -158,8 +158,7 @@ std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
         file_.outcome = MovedFile::Outcome::Excluded;
         return QStringLiteral("...File Excluded");
     }
-    FileError absent;
-    const bool taken = disk_.entrySize(planned.destination, &absent).has_value();
+    const bool taken = disk_.entrySize(planned.destination).ok();
     if (taken) {
         if (const QString session = usedBy(request_.usedFiles, planned.destination);
             !session.isEmpty()) {
@@ -184,45 +183,46 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
     const PlannedMove& planned = plans_[index];
     const QString& sourceFile = planned.source;
     const QString& destination = planned.destination;
-    FileError error;
-    const std::optional<qint64> size = disk_.entrySize(sourceFile, &error);
+    const Result<qint64> size = disk_.entrySize(sourceFile);
     if (!size) {
-        copyFailed(index, error);
+        copyFailed(index, size.error());
         return;
     }
     const QString folder = moveDestination(request_);
     if (!disk_.FolderExists(folder)) {
-        if (const FileResult failed = disk_.createFolder(folder)) {
-            copyFailed(index, *failed);
+        if (const Result<void> made = disk_.createFolder(folder); !made) {
+            copyFailed(index, made.error());
             return;
         }
     }
-    if (const FileResult failed = disk_.copyFile(
-            sourceFile, destination, {replace, false}, [this](qint64 bytes) { progress(bytes); },
-            &file_.replaced)) {
-        copyFailed(index, *failed);
+    const Result<TrashPlace> copied = disk_.copyFile(sourceFile, destination, {replace, false},
+                                                     [this](qint64 bytes) { progress(bytes); });
+    if (!copied) {
+        copyFailed(index, copied.error());
         return;
     }
+    file_.replaced = *copied;
     outcome_.bytesMoved += *size;
     const QString moved =
         QStringLiteral("...OK - ") + groupedNumber(*size) + QStringLiteral(" bytes moved");
     // The copy is whole under its final name. When the trash will not take the source, the copy
     // is written through to the disk before the source is deleted for good, and the log says so.
     file_.outcome = MovedFile::Outcome::CopiedSourceKept;
-    if (!disk_.moveToTrash(sourceFile, &file_.sourceTrash)) {
+    if (const Result<TrashPlace> trashed = disk_.trash(sourceFile)) {
+        file_.sourceTrash = *trashed;
         file_.outcome = MovedFile::Outcome::Moved;
         outcome_.moved[index] = true;
         outcome_.results[index] = moved + u'.';
         return;
     }
-    FileResult removal = disk_.flushToDisk(destination);
-    if (!removal) {
+    Result<void> removal = disk_.flushToDisk(destination);
+    if (removal) {
         removal = disk_.removeFile(sourceFile);
     }
-    if (removal) {
+    if (!removal) {
         outcome_.results[index] =
             QStringLiteral("...File copied.  Cannot remove source file.  Error ") +
-            errorText(*removal);
+            errorText(removal.error());
         outcome_.failed = true;
         return;
     }
@@ -261,35 +261,37 @@ QString deletedSourcesLine(qint64 count) {
     return QStringLiteral("Sources Deleted (the trash refused them): ") + groupedNumber(count);
 }
 
-QString targetFolderProblem(const QString& folder, const FileOperations& disk) {
+Result<void> targetFolderTakesFiles(const QString& folder, const FileOperations& disk) {
     if (disk.FileExists(folder)) {
-        return QStringLiteral("The target ") + folder + QStringLiteral(" is a file, not a folder.");
+        return Error{ENOTDIR, QStringLiteral("The target ") + folder +
+                                  QStringLiteral(" is a file, not a folder.")};
     }
     QString writable = folder;
     if (!disk.FolderExists(folder)) {
         writable = hostParentFolder(folder);
         if (!disk.FolderExists(writable)) {
-            return QStringLiteral("The target folder's parent ") + writable +
-                   QStringLiteral(" does not exist.");
+            return Error{ENOENT, QStringLiteral("The target folder's parent ") + writable +
+                                     QStringLiteral(" does not exist.")};
         }
     }
-    if (const std::optional<FileError> refused = disk.writeRefusal(writable)) {
-        return QStringLiteral("The target folder ") + writable +
-               QStringLiteral(" cannot be written: Error ") + errorText(*refused) + u'.';
+    if (const Result<void> takes = disk.writable(writable); !takes) {
+        return Error{takes.error().code, QStringLiteral("The target folder ") + writable +
+                                             QStringLiteral(" cannot be written: Error ") +
+                                             errorText(takes.error()) + u'.'};
     }
     return {};
 }
 
-QString moveProblem(const MoveRequest& request, const FileOperations& disk) {
+Result<void> moveCanStart(const MoveRequest& request, const FileOperations& disk) {
     if (request.storeInSubFolder) {
         const QString name = trimBlanks(hostBaseName(request.sessionFile));
         if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..")) {
-            return QStringLiteral(
-                       "The session's name gives no sub-folder to store the files in (\"") +
-                   request.sessionFile + QStringLiteral("\").");
+            return Error{0, QStringLiteral("The session's name gives no sub-folder to store the "
+                                           "files in (\"") +
+                                request.sessionFile + QStringLiteral("\").")};
         }
     }
-    return targetFolderProblem(moveDestination(request), disk);
+    return targetFolderTakesFiles(moveDestination(request), disk);
 }
 
 QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved) {

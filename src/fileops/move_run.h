@@ -45,14 +45,14 @@ struct MoveRequest {
 /// the confirmation, the log and Explore all name this one folder.
 QString moveDestination(const MoveRequest& request);
 
-/// What keeps `folder` from taking files, said once for the user ("The target folder's parent
-/// /x does not exist."), or empty text: it must be a folder that can be written, or one that can
-/// be made (its parent exists).
-QString targetFolderProblem(const QString& folder, const FileOperations& disk);
+/// Whether `folder` can take files: a folder that can be written, or one that can be made (its
+/// parent exists). The failure's cause says what keeps it from taking them, once for the user
+/// ("The target folder's parent /x does not exist.").
+Result<void> targetFolderTakesFiles(const QString& folder, const FileOperations& disk);
 
-/// What keeps the move of `request` from starting: a session name that gives no sub-folder
-/// ("..."), or the destination's problem (targetFolderProblem); empty text when it can start.
-QString moveProblem(const MoveRequest& request, const FileOperations& disk);
+/// Whether the move of `request` can start; the failure's cause says what keeps it: a session
+/// name that gives no sub-folder ("..."), or the destination's (targetFolderTakesFiles).
+Result<void> moveCanStart(const MoveRequest& request, const FileOperations& disk);
 
 /// Where one item of a move comes from and goes to, and whether the exclusion list keeps it.
 struct PlannedMove {

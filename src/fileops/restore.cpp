@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -121,11 +122,11 @@ private:
                std::abs(stamp->modified - file.modified) <= kTimeSlack;
     }
 
-    // What a file at the source path of `file` means: the file back already, or another that
-    // took its name; empty when there is none.
-    QString atSource(const MovedFile& file) {
+    // What a file at the source path of `file` means, as the log says it: the file back
+    // already, or another that took its name; nothing when there is none.
+    std::optional<QString> atSource(const MovedFile& file) {
         if (!disk_.entryStamp(file.source)) {
-            return {};
+            return std::nullopt;
         }
         if (matches(file.source, file)) {
             ++outcome_.inPlace;
@@ -140,8 +141,8 @@ private:
         const bool inTrash = matches(file.sourceTrash.file, file);
         const bool inTarget = matches(file.destination, file);
         if (dryRun_ || (!inTrash && !inTarget)) {
-            if (const QString there = atSource(file); !there.isEmpty()) {
-                return there;
+            if (std::optional<QString> there = atSource(file)) {
+                return *there;
             }
         }
         if (!inTrash && !inTarget) {
@@ -154,24 +155,26 @@ private:
                                                           "the target"));
         }
         const QString from = inTrash ? file.sourceTrash.file : file.destination;
-        FileResult failed = disk_.renameNoReplace(from, file.source);
-        if (failed && failed->code == EXDEV) {  // another disk: a whole copy, as the move made it
-            failed = disk_.copyFile(from, file.source, {false, false});
-            if (!failed && !inTrash) {
-                disk_.moveToTrash(from);
+        Result<void> back = disk_.renameNoReplace(from, file.source);
+        if (!back && back.error().code == EXDEV) {  // another disk: a whole copy, as the move did
+            const Result<TrashPlace> copied = disk_.copyFile(from, file.source, {false, false});
+            back = copied ? Result<void>() : Result<void>(copied.error());
+            if (back && !inTrash) {
+                (void)disk_.trash(from);  // a copy left in the target loses nothing
             }
         }
-        if (failed && failed->code == EEXIST) {
-            if (const QString there = atSource(file); !there.isEmpty()) {
-                return there;
+        if (!back && back.error().code == EEXIST) {
+            if (std::optional<QString> there = atSource(file)) {
+                return *there;
             }
         }
-        if (failed) {
-            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        if (!back) {
+            return leave(file, QStringLiteral("Error ") + errorText(back.error()));
         }
         if (inTrash && inTarget) {
             follower_->add([this, &file] {
-                disk_.trashInPlaceOf(file.sourceTrash, file.destination);  // where the source was
+                // Where the source was; a copy left in the target loses nothing.
+                (void)disk_.trashInPlaceOf(file.sourceTrash, file.destination);
                 replacedBack(file);
             });
         } else {
@@ -192,8 +195,8 @@ private:
         if (dryRun_) {
             return planned(file, QStringLiteral("...its copy in the target would go to the trash"));
         }
-        if (const FileResult failed = disk_.moveToTrash(file.destination)) {
-            return leave(file, QStringLiteral("Error ") + errorText(*failed));
+        if (const Result<TrashPlace> trashed = disk_.trash(file.destination); !trashed) {
+            return leave(file, QStringLiteral("Error ") + errorText(trashed.error()));
         }
         replacedBack(file);
         return restored(file);
@@ -203,7 +206,7 @@ private:
     void replacedBack(const MovedFile& file) {
         if (!file.replaced.file.isEmpty() && disk_.entryStamp(file.replaced.file) &&
             !disk_.entryStamp(file.destination) &&
-            !disk_.renameNoReplace(file.replaced.file, file.destination)) {
+            disk_.renameNoReplace(file.replaced.file, file.destination)) {
             QFile::remove(file.replaced.info);
         }
     }

@@ -81,7 +81,7 @@ LibraryReport AuditForm::run(const AuditEvents& given) {
     AuditEvents events = given;
     events.stopRequested = [this] { return stop_.load(); };
     SessionIndex index(indexFile_);
-    setAside_ = index.setAside();
+    setAside_ = index.setAside().value_or(QString());
     return auditLibrary(root_, disk_, &index, events);
 }
 

@@ -1,6 +1,7 @@
 #include <QFileInfo>
 
 #include "audit/session_index.h"
+#include "audit/uses_elsewhere.h"
 #include "forms/audit_form.h"
 #include "forms/main_form.h"
 #include "text/path_text.h"

@@ -54,8 +54,8 @@ void MainForm::MoveButton_Click() {
                QStringLiteral("Move Files"), MessageIcon::Exclamation);
         return;
     }
-    if (const QString problem = moveProblem(request, FSO); !problem.isEmpty()) {
-        showOk(ui(), problem, QStringLiteral("Move Files"), MessageIcon::Exclamation);
+    if (const Result<void> ready = moveCanStart(request, FSO); !ready) {
+        showOk(ui(), ready.error().cause, QStringLiteral("Move Files"), MessageIcon::Exclamation);
         return;
     }
     const QString crlf = QStringLiteral("\r\n");

@@ -29,8 +29,7 @@ MoveForm::MoveForm(UserInteraction& ui, FileOperations& disk, const MoveRequest&
     : MoveForm(
           ui,
           [&disk, request](const MoveEvents& events) {
-              QString record;
-              return runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+              return runRecordedMove(request, disk, events, moveRecordsFolder()).outcome;
           },
           moveDestination(request), runner) {
     lastAnswer_ = &lastAnswer;

@@ -126,7 +126,7 @@ std::optional<int> UsedFilesCopy::copyWithProgress(const CopyRequest& request) {
                              megabyteText(total) + QStringLiteral(" Mb"),
                          done, total);
     };
-    events.failed = [&](const CopyItem& item, const FileError& error) {
+    events.failed = [&](const CopyItem& item, const Error& error) {
         ui_.setBusyPointer(false);
         const MessageAnswer answer =
             ui_.showMessage({copyFailureText(error, item.text), kCopyTitle, MessageIcon::Question,

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <vector>
 
@@ -266,6 +267,14 @@ qint64 FileSystem::fileSize(const QString& path) const {
     return info.exists() && !info.isDir() ? info.size() : -1;
 }
 #endif
+
+Error errorOf(int code) {
+    return {code, qt_error_string(code)};
+}
+
+Error lastError() {
+    return errorOf(errno);
+}
 
 QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden,
                                          const NameTest& wanted) const {

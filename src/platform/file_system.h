@@ -6,6 +6,8 @@
 #include <functional>
 #include <optional>
 
+#include "platform/result.h"
+
 // The one file-system object of the process: every question the sweep asks the disk goes
 // through it, so that tests can stand in a disk that fails where a real one seldom does.
 namespace tidewick {
@@ -17,6 +19,11 @@ namespace tidewick {
 QString decodeFileName(QByteArrayView bytes);
 /// The bytes that name `path` to the file system.
 QByteArray encodeFileName(const QString& path);
+
+/// The failure that the system reports by the error number `code`, with its description;
+/// lastError() for the number in errno.
+Error errorOf(int code);
+Error lastError();
 
 /// Which file a path reaches, whatever the path: its device and inode (a link is a file of its
 /// own). Zero where the disk does not tell.

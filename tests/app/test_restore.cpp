@@ -138,8 +138,7 @@ TEST_P(RestoreCases, PutsTheFoldersBackAsTheyWereAndLosesNothing) {
     MoveEvents events;
     events.askOverwrite = [](const QString&) { return OverwriteAnswer::YesToAll; };
     FileOperations disk;
-    QString record;
-    runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+    const QString record = runRecordedMove(request, disk, events, moveRecordsFolder()).record;
     ASSERT_TRUE(record.startsWith(root.filePath("data/Tidewick/moves/")));
     c.between(root.path(), record);
 

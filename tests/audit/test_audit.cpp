@@ -144,7 +144,7 @@ TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
         EXPECT_EQ(report.sessionsRead, read);
         EXPECT_EQ(report.foldersAudited, read);
         EXPECT_EQ(described(report), kCases[1].expected);
-        return index.setAside();
+        return index.setAside().value_or("");
     };
     EXPECT_EQ(audit(2), "");
     EXPECT_EQ(audit(0), "");

@@ -21,15 +21,15 @@ namespace {
 // A real disk whose changes fail where a test says.
 class FaultyDisk : public FileOperations {
 public:
-    QHash<QString, FileError> copyFaults;  // by the source's file name
-    bool trashRefuses = false;             // for files of the session folder
+    QHash<QString, Error> copyFaults;  // by the source's file name
+    bool trashRefuses = false;         // for files of the session folder
     bool deleteRefuses = false;
     QString sessionFolder;
     std::function<void(const QString& destination)> duringCopy;  // done as the data goes
     int interruptAfter = -1;  // files moved before an interrupt comes
 
-    FileResult copyFile(const QString& source, const QString& destination, CopyMode mode,
-                        const Progress& progress, TrashPlace* replaced) override {
+    Result<TrashPlace> copyFile(const QString& source, const QString& destination, CopyMode mode,
+                                const Progress& progress) override {
         if (copyFaults.contains(GetFileName(source))) {
             return copyFaults.value(GetFileName(source));
         }
@@ -39,16 +39,16 @@ public:
             }
             progress(bytes);
         };
-        return FileOperations::copyFile(source, destination, mode, watched, replaced);
+        return FileOperations::copyFile(source, destination, mode, watched);
     }
-    FileResult moveToTrash(const QString& path, TrashPlace* place) override {
+    Result<TrashPlace> trash(const QString& path) override {
         if (trashRefuses && path.startsWith(sessionFolder)) {
-            return FileError{EPERM, "refused"};
+            return Error{EPERM, "refused"};
         }
-        return FileOperations::moveToTrash(path, place);
+        return FileOperations::trash(path);
     }
-    FileResult removeFile(const QString& path) override {
-        return deleteRefuses ? FileError{EACCES, qt_error_string(EACCES)}
+    Result<void> removeFile(const QString& path) override {
+        return deleteRefuses ? Error{EACCES, qt_error_string(EACCES)}
                              : FileOperations::removeFile(path);
     }
 };
@@ -75,9 +75,8 @@ protected:
                         QDirIterator::Subdirectories);
         while (it.hasNext()) {
             const QString path = it.next();
-            FileError ignored;
             found.append(QDir(folder).relativeFilePath(path) + ':' +
-                         QString::number(disk.entrySize(path, &ignored).value_or(-1)));
+                         QString::number(disk.entrySize(path).valueOr(-1)));
         }
         found.sort();
         return found.join('|');

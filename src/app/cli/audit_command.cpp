@@ -72,9 +72,9 @@ int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         return UsageError;
     }
     SessionIndex index;
-    if (!index.setAside().isEmpty()) {
+    if (const std::optional<QString>& aside = index.setAside()) {
         err << "tidewick-cli audit: the index could not be used and was set aside as "
-            << visibleText(index.setAside()) << "; a new one is made\n";
+            << visibleText(*aside) << "; a new one is made\n";
     }
     ProgressLine line(err);
     AuditEvents events;

@@ -32,21 +32,21 @@ int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err
         return exitCode;
     }
     QString folder = parsed->target;
-    if (const QString problem = targetFolderProblem(folder, disk); !problem.isEmpty()) {
-        err << "tidewick-cli copy-used: " << visibleText(problem)
+    if (const Result<void> takes = targetFolderTakesFiles(folder, disk); !takes) {
+        err << "tidewick-cli copy-used: " << visibleText(takes.error().cause)
             << "\ntidewick-cli copy-used: nothing copied\n";
         return MoveFailed;
     }
     if (!disk.FolderExists(folder)) {
-        if (const FileResult error = disk.createFolder(folder)) {
+        if (const Result<void> made = disk.createFolder(folder); !made) {
             err << "tidewick-cli copy-used: cannot create " << visibleText(folder) << ": Error "
-                << errorText(*error) << '\n';
+                << errorText(made.error()) << '\n';
             return MoveFailed;
         }
     }
     const CopyRequest request = session.copyRequest(session.rowsOnDisk());
     CopyEvents events;
-    events.failed = [&err](const CopyItem& item, const FileError& error) {
+    events.failed = [&err](const CopyItem& item, const Error& error) {
         err << visibleText(copyFailureText(error, item.text)) << '\n';
         return CopyFailureAnswer::Ignore;
     };

@@ -101,8 +101,8 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     const MoveRequest request =
         folder.moveRequest(folder.options(), checkedItems(folder, options.only), parsed->target,
                            options.storeInSubFolder);
-    if (const QString problem = moveProblem(request, disk); !problem.isEmpty()) {
-        err << "tidewick-cli move: " << visibleText(problem)
+    if (const Result<void> ready = moveCanStart(request, disk); !ready) {
+        err << "tidewick-cli move: " << visibleText(ready.error().cause)
             << "\ntidewick-cli move: nothing moved\n";
         return MoveFailed;
     }
@@ -114,9 +114,7 @@ int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     events.log = logPrinter(out);
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
     events.stopRequested = interrupted;
-    QString record;
-    const MoveOutcome outcome =
-        runRecordedMove(request, disk, events, moveRecordsFolder(), &record);
+    const auto [outcome, record] = runRecordedMove(request, disk, events, moveRecordsFolder());
     if (!record.isEmpty()) {
         err << "tidewick-cli move: the record of this move is " << visibleText(record) << '\n';
     }

@@ -53,8 +53,7 @@ int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err)
         err << kRestoreUsage;
         return UsageError;
     }
-    std::optional<MoveRecord> record;
-    QString error;
+    Result<MoveRecord> record = Error{};
     if (last) {
         const QList<MoveRecord> records = moveRecords(moveRecordsFolder(), 1);
         if (records.isEmpty()) {
@@ -64,11 +63,11 @@ int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err)
         }
         record = records.first();
     } else {
-        record = readMoveRecord(path, &error);
+        record = readMoveRecord(path);
     }
     if (!record) {
         err << "tidewick-cli restore: the record " << visibleText(path)
-            << " cannot be read: " << error << '\n';
+            << " cannot be read: " << record.error().cause << '\n';
         return ReaderError;
     }
     RestoreEvents events;

@@ -1,26 +1,33 @@
-#include "fileops/home_trash.h"
+#include "fileops/trash.h"
 
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QMutex>
 #include <QSet>
+#include <cerrno>
 
+#include "platform/file_system.h"
+#include "platform/process_setup.h"
 #include "text/path_text.h"
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 
 #ifdef Q_OS_LINUX
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #endif
 
 namespace tidewick {
 
-#ifdef Q_OS_LINUX
-
 namespace {
+
+#ifdef Q_OS_LINUX
 
 constexpr qsizetype kNameMax = 255;  // bytes of one name, on every Linux file system
 const QByteArray kInfoSuffix = ".trashinfo";
@@ -124,20 +131,125 @@ bool rewrite(const QByteArray& infoPath, const QByteArray& info) {
     return ::close(fd) == 0 && written;
 }
 
+#endif
+
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+// Whether `path` lies on the disk of `place`, or of its nearest folder that exists.
+bool onDiskOf(const QString& path, QString place) {
+    struct stat file {};
+    struct stat there {};
+    if (::lstat(encodeFileName(path).constData(), &file) != 0) {
+        return false;
+    }
+    while (::stat(encodeFileName(place).constData(), &there) != 0 || !S_ISDIR(there.st_mode)) {
+        const QString parent = hostParentFolder(place);
+        if (parent.isEmpty() || parent == place) {
+            return false;
+        }
+        place = parent;
+    }
+    return there.st_dev == file.st_dev;
+}
+#endif
+
+// Whether there is an entry `path` (a link counts as one).
+bool entryExists(const QString& path) {
+#ifdef Q_OS_UNIX
+    struct stat entry {};
+    return ::lstat(encodeFileName(path).constData(), &entry) == 0;
+#else
+    return QFileInfo(path).isFile();
+#endif
+}
+
+// The answer of a route that cannot take a file: the next route is tried.
+Error anotherRoute() {
+    return errorOf(EXDEV);
+}
+
 }  // namespace
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
-                                          TrashPlace* place) {
+Trash::Trash() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    const QString data = userDataFolder();
+    home_ = data.isEmpty() ? QString() : data + QStringLiteral("/Trash");
+#endif
+}
+
+Result<TrashPlace> Trash::put(const QString& path) const {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    if (home_.isEmpty()) {
+        // A relative home would put a trash under the current folder, wherever that is.
+        return Error{ENOENT, QStringLiteral("There is no trash: HOME is not a full path")};
+    }
+    if (QDir().mkpath(home_ + QStringLiteral("/files")) &&
+        QDir().mkpath(home_ + QStringLiteral("/info"))) {
+        if (Result<TrashPlace> done = putInHome(path); done || done.error().code != EXDEV) {
+            return done;
+        }
+    } else if (onDiskOf(path, home_)) {
+        // A home trash that cannot be made (its place holds a file, the disk refuses) takes no
+        // file of its disk; asked anyway, Qt would make one in the current folder.
+        return Error{ENOTDIR, QStringLiteral("Cannot make the trash folder ") + home_};
+    }
+#endif
+    return putByQt(path);
+}
+
+Result<TrashPlace> Trash::putInPlaceOf(const TrashPlace& freed, const QString& path) const {
+    if (reuse(freed, path)) {
+        return freed;
+    }
+    if (!freed.info.isEmpty() && !entryExists(freed.file)) {
+        QFile::remove(freed.info);  // the record of the file that left
+    }
+    return put(path);
+}
+
+Result<TrashPlace> Trash::putByQt(const QString& path) const {
+    errno = 0;
+    QString placeInTrash;
+    if (!QFile::moveToTrash(path, &placeInTrash)) {
+        return errorOf(errno != 0 ? errno : EIO);
+    }
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    if (!isFilesFolder(QFileInfo(placeInTrash).path())) {
+        // Put back what went astray, and say that the trash did not take it.
+        QFile::rename(placeInTrash, path);
+        return Error{EIO, QStringLiteral("The trash put the file outside the trash")};
+    }
+#endif
+    const QFileInfo file(placeInTrash);
+    return TrashPlace{
+        placeInTrash,
+        QDir::cleanPath(file.dir().filePath(QStringLiteral("../info/") + file.fileName() +
+                                            QStringLiteral(".trashinfo")))};
+}
+
+bool Trash::isFilesFolder(const QString& folder) const {
+    const QFileInfo files(folder);
+    if (files.fileName() != QLatin1String("files")) {
+        return false;
+    }
+    const QFileInfo trash(files.path());
+    return (!home_.isEmpty() && trash.absoluteFilePath() == QFileInfo(home_).absoluteFilePath()) ||
+           trash.fileName().startsWith(QLatin1String(".Trash-")) ||
+           QFileInfo(trash.path()).fileName() == QLatin1String(".Trash");
+}
+
+#ifdef Q_OS_LINUX
+
+Result<TrashPlace> Trash::putInHome(const QString& path) const {
     const QByteArray source = encodeFileName(path);
-    const QByteArray files = encodeFileName(trash + QStringLiteral("/files/"));
-    const QByteArray infos = encodeFileName(trash + QStringLiteral("/info/"));
+    const QByteArray files = encodeFileName(home_ + QStringLiteral("/files/"));
+    const QByteArray infos = encodeFileName(home_ + QStringLiteral("/info/"));
     struct stat file {};
     struct stat trashFiles {};
     if (::lstat(source.constData(), &file) != 0) {
-        return FileError{errno, qt_error_string(errno)};
+        return lastError();
     }
     if (::stat(files.constData(), &trashFiles) != 0 || trashFiles.st_dev != file.st_dev) {
-        return std::nullopt;
+        return anotherRoute();
     }
     removeOrphanRecords(files, infos);
     const QByteArray name = encodeFileName(hostFileName(path));
@@ -149,30 +261,27 @@ std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& tr
             if (errno == EEXIST) {
                 continue;
             }
-            return FileError{errno, qt_error_string(errno)};
+            return lastError();
         }
         if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, (files + candidate).constData(),
                         RENAME_NOREPLACE) == 0) {
-            if (place) {
-                *place = {decodeFileName(files + candidate), decodeFileName(infoPath)};
-            }
-            return FileResult();
+            return TrashPlace{decodeFileName(files + candidate), decodeFileName(infoPath)};
         }
         const int failed = errno;
         ::unlink(infoPath.constData());
         // No such rename here, or the same device reached by another mount (a bind mount):
         // the general route finds the volume's own trash.
         if (failed == EINVAL || failed == ENOSYS || failed == EXDEV) {
-            return std::nullopt;
+            return anotherRoute();
         }
         if (failed != EEXIST) {
-            return FileError{failed, qt_error_string(failed)};
+            return errorOf(failed);
         }
     }
-    return FileError{EEXIST, qt_error_string(EEXIST)};
+    return errorOf(EEXIST);
 }
 
-std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
+bool Trash::reuse(const TrashPlace& freed, const QString& path) const {
     const QByteArray source = encodeFileName(path);
     const QByteArray place = encodeFileName(freed.file);
     const QByteArray infoPath = encodeFileName(freed.info);
@@ -180,26 +289,23 @@ std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString
     // the file takes the general route.
     if (freed.info.isEmpty() || ::renameat2(AT_FDCWD, source.constData(), AT_FDCWD,
                                             place.constData(), RENAME_NOREPLACE) != 0) {
-        return std::nullopt;
+        return false;
     }
     rewrite(infoPath, trashInfo(source));  // failing, it names where the same bytes were
-    return FileResult();
+    return true;
 }
 
 #else
 
-std::optional<FileResult> moveToHomeTrash(const QString& path, const QString& trash,
-                                          TrashPlace* place) {
+Result<TrashPlace> Trash::putInHome(const QString& path) const {
     Q_UNUSED(path);
-    Q_UNUSED(trash);
-    Q_UNUSED(place);
-    return std::nullopt;
+    return anotherRoute();
 }
 
-std::optional<FileResult> reuseTrashPlace(const TrashPlace& freed, const QString& path) {
+bool Trash::reuse(const TrashPlace& freed, const QString& path) const {
     Q_UNUSED(freed);
     Q_UNUSED(path);
-    return std::nullopt;
+    return false;
 }
 
 #endif

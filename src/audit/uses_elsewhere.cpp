@@ -1,0 +1,60 @@
+#include "audit/uses_elsewhere.h"
+
+#include "sweep/sweep.h"
+#include "text/path_text.h"
+
+namespace tidewick {
+
+QStringList usedElsewhere(const QString& session, const SessionKind& kind,
+                          const SessionRead& read) {
+    const QString folder = withSeparator(hostParentFolder(session));
+    QStringList files;
+    for (const QString& written : read.paths) {
+        for (const QString& named : filesNamedBy(written, folder, kind)) {
+            const QString file = cleanHostPath(named);
+            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
+                files.append(file);
+            }
+        }
+    }
+    return files;
+}
+
+Keepers keepersOf(const QHash<QString, QStringList>& elsewhere) {
+    Keepers keepers;
+    for (auto it = elsewhere.cbegin(); it != elsewhere.cend(); ++it) {
+        for (const QString& file : it.value()) {
+            keepers.folders.insert(usedKey(withSeparator(hostParentFolder(file))));
+            QString& keeper = keepers.files[usedKey(file)];
+            if (keeper.isEmpty() || it.key() < keeper) {
+                keeper = it.key();  // the same one, whatever order the sessions came in
+            }
+        }
+    }
+    return keepers;
+}
+
+void keepWhatOthersUse(FolderReport& report, const Keepers& keepers) {
+    const QString own = withSeparator(report.folder);
+    qsizetype kept = 0;
+    QString folder;
+    bool folderKept = false;
+    for (qsizetype i = 0; i < report.reclaimable.size(); ++i) {
+        const auto& [path, size] = report.reclaimable[i];
+        if (!path.startsWith(folder) || path.indexOf(u'/', folder.size()) >= 0) {
+            folder = path.left(path.lastIndexOf(u'/') + 1);  // the files come folder by folder
+            folderKept = keepers.folders.contains(usedKey(folder));
+        }
+        const QString keeper = folderKept ? keepers.files.value(usedKey(path)) : QString();
+        if (!keeper.isEmpty() && withSeparator(hostParentFolder(keeper)) != own) {
+            report.keptElsewhere.append({path, size, keeper});
+            report.reclaimableBytes -= size;
+            ++kept;
+        } else if (kept > 0) {
+            report.reclaimable[i - kept] = report.reclaimable[i];
+        }
+    }
+    report.reclaimable.resize(report.reclaimable.size() - kept);
+}
+
+}  // namespace tidewick

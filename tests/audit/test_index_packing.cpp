@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+
+#include <QDataStream>
+#include <QIODevice>
+#include <QRandomGenerator>
+#include <functional>
+
+#include "audit/index_packing.h"
+#include "support/reader_fixture.h"
+#include "text/path_text.h"
+
+// What the index keeps of a session's read and of a folder's report comes back as it went in;
+// bytes that are not a whole packing, or that lie, come back as a failure.
+namespace tidewick {
+namespace {
+
+QString described(const SessionRead& read) {
+    QStringList parts = {QString::number(int(read.outcome)), read.paths.join('|'), read.version,
+                         read.versionFound ? "found" : "-"};
+    for (const RecordPathLine& line : read.recordPaths) {
+        parts.append(line.hasValue ? '=' + line.value : "-");
+    }
+    if (read.message) {
+        parts << read.message->text << read.message->title
+              << QString::number(int(read.message->icon));
+    }
+    return parts.join(" / ");
+}
+
+QString described(const FolderReport& report) {
+    QStringList parts = {report.folder, QString::number(report.used),
+                         QString::number(report.reclaimableBytes), report.stopped ? "stopped" : "-",
+                         report.reason};
+    for (const auto& [kind, names] : report.sessions) {
+        parts.append(QString::number(int(kind)) + ':' + names.join('|'));
+    }
+    for (const MissingMedia& missing : report.missing) {
+        parts.append(missing.text + '>' + missing.path + '<' + missing.sessions.join('|'));
+    }
+    for (const auto& [path, size] : report.reclaimable) {
+        parts.append(path + ':' + QString::number(size));
+    }
+    return parts.join(" / ");
+}
+
+// A read: its paths, version, record path lines ("-" for a line without a value) and message.
+SessionRead readOf(ReaderOutcome outcome, const QStringList& paths, const QString& version,
+                   const QStringList& lines, std::optional<ReaderMessage> message = {}) {
+    SessionRead read;
+    read.outcome = outcome;
+    read.paths = paths;
+    read.version = version;
+    read.versionFound = !version.isEmpty();
+    for (const QString& line : lines) {
+        read.recordPaths.append({line != "-", line == "-" ? QString() : line, false, false, false});
+    }
+    read.message = std::move(message);
+    return read;
+}
+
+const SessionRead kReads[] = {
+    {},
+    readOf(ReaderOutcome::Read, {"take.wav", "", "C:\\Audio\\vocal é.wav", "../Média/x.wav"},
+           "Audition 3.0", {"-", "Media", ""}),
+    readOf(ReaderOutcome::Rejected, {}, {}, {},
+           ReaderMessage{"is not a session", "Tidewick", MessageIcon::Critical}),
+    readOf(ReaderOutcome::Failed, {"a.wav"}, {}, {}, ReaderMessage{}),
+};
+
+FolderReport report(const QString& folder) {
+    FolderReport report;
+    report.folder = folder;
+    report.sessions = {{SessionKindId::Sesx, {"mix.sesx", "b.sesx"}}, {SessionKindId::Veg, {}}};
+    report.used = 7;
+    report.missing = {{"Audio\\x.wav", folder + "/Audio/x.wav", {"mix.sesx"}, {}}, {}};
+    const QString own = withSeparator(folder);
+    // A name may hold a line end, and a byte that is no UTF-8 (decodeFileName).
+    const QString noUtf8 = decodeFileName("take\xff 2.wav");
+    report.reclaimable = {{own + "take 1.wav", 3},
+                          {own + "Média/é.wav", 1LL << 40},
+                          {own + "sub/dir/a", 0},
+                          {own + "two\nlines.wav", 4},
+                          {own + noUtf8, 6},
+                          {"/elsewhere/shared.wav", 5},
+                          {"/elsewhere/ñ\nline.wav", 8},
+                          {"/elsewhere/" + noUtf8, 9}};
+    report.reclaimableBytes = 3 + (1LL << 40) + 4 + 6 + 5 + 8 + 9;
+    return report;
+}
+
+TEST(IndexPacking, ReadsAndReportsComeBackAsTheyWentIn) {
+    for (const SessionRead& read : kReads) {
+        const Result<SessionRead> back = unpackRead(packRead(read));
+        ASSERT_TRUE(back.ok()) << described(read).toStdString();
+        EXPECT_EQ(described(*back), described(read));
+    }
+    FolderReport stopped;
+    stopped.folder = "/music/Song";
+    stopped.stopped = true;
+    stopped.reason = "Reading stopped at \"mix.ses\"";
+    for (const FolderReport& sent :
+         {FolderReport(), stopped, report("/music/Song"), report("/"), report("/Ça va")}) {
+        const Result<FolderReport> back = unpackReport(packReport(sent));
+        ASSERT_TRUE(back.ok()) << described(sent).toStdString();
+        EXPECT_EQ(described(*back), described(sent));
+    }
+}
+
+// The bytes that `write` puts into a stream as the packing writes one.
+QByteArray bytesOf(const std::function<void(QDataStream&)>& write) {
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_4);
+    write(out);
+    return bytes;
+}
+
+struct Hostile {
+    const char* name;
+    bool isReport;
+    QByteArray bytes;
+};
+
+constexpr quint32 kHuge = 0x7FFFFFF0;  // a count that asks for gigabytes
+
+const Hostile kHostile[] = {
+    {"NoBytes", false, {}},
+    {"AHugeCountOfPaths", false, bytesOf([](QDataStream& out) { out << qint32(0) << kHuge; })},
+    {"AnOutcomeOutOfRange", false, bytesOf([](QDataStream& out) {
+         out << qint32(7) << QStringList() << QString() << false << qint32(0) << false;
+     })},
+    {"AnIconOutOfRange", false, bytesOf([](QDataStream& out) {
+         out << qint32(0) << QStringList() << QString() << false << qint32(0) << true << QString()
+             << QString() << qint32(99);
+     })},
+    {"AHugeCountOfLines", false, bytesOf([](QDataStream& out) {
+         out << qint32(0) << QStringList() << QString() << false << qint32(kHuge);
+     })},
+    {"AnOddLengthOfText", false, bytesOf([](QDataStream& out) { out << qint32(0) << 1u << 3u; })},
+    {"AKindOutOfRange", true,
+     bytesOf([](QDataStream& out) { out << QString("/a") << qint32(1) << qint32(9) << 0u; })},
+    {"AHugeCountOfNames", true,
+     bytesOf([](QDataStream& out) { out << QString("/a") << qint32(1) << qint32(0) << kHuge; })},
+    {"AHugeCountOfSizes", true, bytesOf([](QDataStream& out) {
+         out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray() << kHuge;
+     })},
+    {"MoreSizesThanNames", true, bytesOf([](QDataStream& out) {
+         out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\n")
+             << QList<qint64>{1, 2} << false << QString();
+     })},
+};
+
+bool unpacks(const QByteArray& bytes, bool isReport) {
+    return isReport ? unpackReport(bytes).ok() : unpackRead(bytes).ok();
+}
+
+TEST(IndexPacking, BytesThatLieOrEndEarlyFail) {
+    for (const Hostile& hostile : kHostile) {
+        EXPECT_FALSE(unpacks(hostile.bytes, hostile.isReport)) << hostile.name;
+    }
+    for (const auto& [packed, isReport] : {std::pair{packRead(kReads[1]), false},
+                                           std::pair{packReport(report("/music/Song")), true}}) {
+        for (qsizetype length = 0; length < packed.size(); ++length) {
+            EXPECT_FALSE(unpacks(packed.left(length), isReport)) << length;
+        }
+    }
+    // Noise never takes the unpacking past its bytes (the sanitizer build watches).
+    QRandomGenerator random(7);
+    for (int round = 0; round < 500; ++round) {
+        QByteArray noise(int(random.bounded(200)), '\0');
+        random.fillRange(reinterpret_cast<quint32*>(noise.data()), noise.size() / 4);
+        unpacks(noise, round % 2 == 1);
+    }
+}
+
+}  // namespace
+}  // namespace tidewick
