@@ -8,6 +8,15 @@
 
 namespace tidewick {
 
+namespace {
+
+// What follows a read's record path lines: nothing, a message of an earlier index (whose read is
+// made again), or a problem.
+constexpr qint8 kNoProblem = 0;
+constexpr qint8 kProblem = 2;
+
+}  // namespace
+
 // What the disk said about a record path is asked again whenever a read is used
 // (SessionCache), so it is not kept.
 QByteArray packRead(const SessionRead& read) {
@@ -19,9 +28,10 @@ QByteArray packRead(const SessionRead& read) {
     for (const RecordPathLine& line : read.recordPaths) {
         out << line.hasValue << line.value;
     }
-    out << read.message.has_value();
-    if (read.message) {
-        out << read.message->text << read.message->title << qint32(read.message->icon);
+    out << (read.problem ? kProblem : kNoProblem);
+    if (read.problem) {
+        out << qint32(read.problem->failure) << qint32(read.problem->kind)
+            << qint32(read.problem->severity) << read.problem->detail << read.problem->file;
     }
     return bytes;
 }
@@ -42,14 +52,23 @@ std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
         in >> line.hasValue >> line.value;
         read.recordPaths.append(line);
     }
-    bool told = false;
+    qint8 told = kNoProblem;
     in >> told;
-    if (told) {
-        ReaderMessage message;
-        qint32 icon = 0;
-        in >> message.text >> message.title >> icon;
-        message.icon = MessageIcon(icon);
-        read.message = message;
+    if (told == kProblem) {
+        qint32 failure = 0, kind = 0, severity = 0;
+        ReadProblem problem;
+        in >> failure >> kind >> severity >> problem.detail >> problem.file;
+        if (failure < 0 || failure > qint32(ReadFailure::Fault) || kind < 0 ||
+            kind >= sessionKinds().size() || severity < 0 ||
+            severity > qint32(ReadSeverity::Error)) {
+            return std::nullopt;
+        }
+        problem.failure = ReadFailure(failure);
+        problem.kind = SessionKindId(kind);
+        problem.severity = ReadSeverity(severity);
+        read.problem = problem;
+    } else if (told != kNoProblem) {
+        return std::nullopt;
     }
     return in.status() == QDataStream::Ok ? std::optional(read) : std::nullopt;
 }

@@ -84,6 +84,10 @@ struct AuditEvents {
     /// Asked between folders (from the audit's thread): true ends the audit early, and what is
     /// done is reported.
     std::function<bool()> stopRequested;
+    /// The words for a session's problem, which the reason of a folder stopped by it quotes
+    /// after the session's name; asked from the audit's threads. Without it the reason names
+    /// the session alone.
+    std::function<QString(const ReadProblem& problem)> describe;
 };
 
 /// The folders under `root` that the audit looks into: no link to a folder, no hidden folder (a

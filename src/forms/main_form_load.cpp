@@ -1,3 +1,4 @@
+#include "forms/core_messages.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "platform/path_text.h"
@@ -35,9 +36,9 @@ SweepEvents MainForm::sweepEvents() {
     events.reading = [this](const QString& fullName) {
         Main.setText(QStringLiteral("Reading ") + fullName + QStringLiteral("...Please Wait"));
     };
-    events.tell = [this](const MessageBoxRequest& message) {
+    events.tell = [this](const ReadProblem& problem) {
         ui_.setBusyPointer(false);
-        ui_.showMessage(message);
+        ui_.showMessage(readProblemMessage(problem));
         ui_.setBusyPointer(true);
     };
     events.idle = [this] { ui_.processEvents(); };

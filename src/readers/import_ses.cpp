@@ -230,10 +230,11 @@ bool walkChunks(SesWalk& walk, SessionRead& read) {
                 read.versionFound = true;
                 if (!isSupportedSesVersion(read.version)) {
                     read.outcome = ReaderOutcome::Rejected;
-                    read.message =
-                        ReaderMessage{read.version + QStringLiteral(" is not currently supported"),
-                                      QStringLiteral("Importing Audition Session file"),
-                                      MessageIcon::Information};
+                    read.problem = ReadProblem{ReadFailure::UnsupportedVersion,
+                                               SessionKindId::Ses,
+                                               ReadSeverity::Notice,
+                                               read.version,
+                                               {}};
                     read.records.clear();
                     return true;
                 }
@@ -277,7 +278,8 @@ SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place) {
     SesWalk walk(bytes, read);
     if (!walkChunks(walk, read)) {
         read.outcome = ReaderOutcome::Failed;
-        read.message = fileErrorMessage(QStringLiteral("SES"), walk.error);
+        read.problem = ReadProblem{
+            ReadFailure::Damaged, SessionKindId::Ses, ReadSeverity::Error, walk.error, {}};
     }
     read.paths.reserve(read.records.size());
     for (const SesMediaRecord& record : read.records) {

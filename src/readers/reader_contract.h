@@ -8,12 +8,14 @@
 #include <optional>
 
 #include "platform/file_system.h"
-#include "platform/interaction.h"
 
 // What every session reader hands back. A reader is a function of the file's bytes (and, for
 // REAPER's record path, of the project folder on disk): it asks and tells the user nothing and
-// leaves no state behind; the session load shows its message and uses its paths.
+// leaves no state behind; the session load reports its problem and uses its paths.
 namespace tidewick {
+
+/// The five kinds of session file, in the order of the kinds table.
+enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
 
 /// The media paths of a session, in the order first met, never the same text twice (letter
 /// case counts). The set beside the list keeps the duplicate test constant-time.
@@ -71,13 +73,32 @@ enum class ReaderOutcome {
     Failed,    ///< the file could not be read, or not to its end (cut short, damaged)
 };
 
-/// Something a reader has to tell the user; the session load shows it as a message box.
-struct ReaderMessage {
-    QString text;
-    QString title;
-    MessageIcon icon = MessageIcon::Information;
+/// What kept a file from being read as a session of its kind.
+enum class ReadFailure {
+    NotThisKind,         ///< the file is no session of the kind
+    UnsupportedVersion,  ///< a session of the kind, of a version that cannot be read
+    CutShort,            ///< a text session that ends before its closing
+    Damaged,             ///< a binary session whose chunks break off or lead astray
+    Unreadable,          ///< the disk would not give the file's bytes
+    Fault,               ///< the read itself failed, such as for want of memory
+};
 
-    bool operator==(const ReaderMessage&) const = default;
+/// How heavily a problem weighs when it is reported: a notice, or an error.
+enum class ReadSeverity { Notice, Error };
+
+/// A problem met while reading a session file, to be reported to the user.
+struct ReadProblem {
+    ReadFailure failure = ReadFailure::Unreadable;
+    SessionKindId kind = SessionKindId::Ses;
+    ReadSeverity severity = ReadSeverity::Error;
+    /// What the report needs besides: the quoted first line of a text file of another kind, the
+    /// version that cannot be read, the closing that a cut file lacks (as a report names it:
+    /// `</sesx>`, or `">"` for REAPER), where a damaged file broke off, or the system's reason.
+    QString detail;
+    /// The session file's path; empty where only bytes were read.
+    QString file;
+
+    bool operator==(const ReadProblem&) const = default;
 };
 
 /// One RECORD_PATH line of a REAPER project, with what the disk said about its value. The
@@ -112,8 +133,8 @@ struct SessionRead {
     bool versionFound = false;
     /// REAPER's record path lines, in file order.
     QList<RecordPathLine> recordPaths;
-    /// What the user is to be told, when anything.
-    std::optional<ReaderMessage> message;
+    /// What went wrong, when anything did (a file of another kind may be rejected without one).
+    std::optional<ReadProblem> problem;
 };
 
 /// Whether `read` found a file of another kind altogether: no session, which uses nothing. A
@@ -130,10 +151,5 @@ struct SessionPlace {
     /// The disk; only REAPER's record path asks it anything.
     const FileSystem* fs = nullptr;
 };
-
-/// The "File Error" message for a session file of the kind captioned `kindCaption` ("SES",
-/// "RPP", ...) that could not be read: "An error occurred accessing the selected RPP file.  "
-/// followed by the reason.
-ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason);
 
 }  // namespace tidewick

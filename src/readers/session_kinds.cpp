@@ -120,25 +120,28 @@ const SessionKind* sessionKindByCaption(const QString& caption) {
 
 SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
                             const SessionPlace& place) {
-    const auto failed = [&kind](const QString& reason) {
+    const auto failed = [&](ReadFailure failure, const QString& reason) {
         SessionRead read;
         read.outcome = ReaderOutcome::Failed;
-        read.message = fileErrorMessage(kind.tabCaption, reason);
+        read.problem = ReadProblem{failure, kind.id, ReadSeverity::Error, reason, fileName};
         return read;
     };
     // A fault while reading, such as a file too large for the memory left, ends this read with
-    // the "File Error" message, never the program.
+    // a problem, never the program.
     try {
         const FileBytes file = readSessionBytes(fileName);
         if (!file.error.isEmpty()) {
-            // Named, so that a failure in a whole-folder scan says which file it was.
-            return failed(u'"' + GetFileName(fileName) + QStringLiteral("\": ") + file.error);
+            return failed(ReadFailure::Unreadable, file.error);
         }
-        return kind.reader(file.bytes, place);
+        SessionRead read = kind.reader(file.bytes, place);
+        if (read.problem) {
+            read.problem->file = fileName;
+        }
+        return read;
     } catch (const std::exception& error) {
-        return failed(QString::fromLocal8Bit(error.what()));
+        return failed(ReadFailure::Fault, QString::fromLocal8Bit(error.what()));
     } catch (...) {
-        return failed(QStringLiteral("Unknown error"));
+        return failed(ReadFailure::Fault, QStringLiteral("Unknown error"));
     }
 }
 

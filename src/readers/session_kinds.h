@@ -9,8 +9,6 @@
 // session load and the unused-file computation all read this one table.
 namespace tidewick {
 
-enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
-
 /// Reads the bytes of one session file of a kind.
 using SessionReader = SessionRead (*)(QByteArrayView bytes, const SessionPlace& place);
 
@@ -75,8 +73,8 @@ const SessionKind& sessionKind(SessionKindId id);
 const SessionKind* sessionKindByCaption(const QString& caption);
 
 /// Reads the session file `fileName` with the reader of `kind`: one read of the whole file,
-/// then the reader over its bytes. A file that cannot be read fails with the "File Error"
-/// message.
+/// then the reader over its bytes. A file that cannot be read fails as unreadable, with the
+/// system's reason; any problem names the file.
 SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
                             const SessionPlace& place);
 

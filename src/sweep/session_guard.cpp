@@ -180,8 +180,8 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
             continue;
         }
         if (read[i].outcome != ReaderOutcome::Read) {
-            if (read[i].message && events.tell) {
-                events.tell({read[i].message->text, read[i].message->title, read[i].message->icon});
+            if (read[i].problem && events.tell) {
+                events.tell(*read[i].problem);
             }
             *stoppedAt = name;
             return nullptr;

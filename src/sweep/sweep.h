@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "platform/file_system.h"
-#include "platform/interaction.h"
 #include "readers/session_kinds.h"
 
 // The sweep of one session folder as plain values: which media its sessions use, and which
@@ -154,8 +153,8 @@ struct UsedMedia {
 struct SweepEvents {
     /// A session file is about to be read.
     std::function<void(const QString& fullName)> reading;
-    /// Something the user is to be told (a reader's message, an invalid session).
-    std::function<void(const MessageBoxRequest& message)> tell;
+    /// A session could not be read, or not as one of its kind: the user is to be told.
+    std::function<void(const ReadProblem& problem)> tell;
     /// Pending window events may run now.
     std::function<void()> idle;
 };

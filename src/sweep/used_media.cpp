@@ -109,14 +109,13 @@ private:
         }
         const SessionRead read = cache_ ? cache_->read(kind_, fullName, fs_)
                                         : readSessionFile(kind_, fullName, {request_.folder, &fs_});
-        if (read.message) {
-            tell({read.message->text, read.message->title, read.message->icon});
+        if (read.problem) {
+            tell(*read.problem);
         }
         if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
             !read.versionFound) {
-            tell({u'"' + name + u'"' +
-                      QStringLiteral(" does not appear to be a valid session file."),
-                  QStringLiteral("SES File Error"), MessageIcon::Critical});
+            // Never reached its version: whatever else was said, it is no session to read.
+            tell({ReadFailure::NotThisKind, SessionKindId::Ses, ReadSeverity::Error, {}, fullName});
         }
         media_.version = read.outcome == ReaderOutcome::Failed ? QString() : read.version;
         for (const RecordPathLine& line : read.recordPaths) {
@@ -176,9 +175,9 @@ private:
         return {};
     }
 
-    void tell(const MessageBoxRequest& message) {
+    void tell(const ReadProblem& problem) {
         if (events_.tell) {
-            events_.tell(message);
+            events_.tell(problem);
         }
     }
 

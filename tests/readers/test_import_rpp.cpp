@@ -32,10 +32,11 @@ TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
     for (const auto& [bytes, quotedLine] : cases) {
         const SessionRead r = readRppSession(bytes, {});
         EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-        EXPECT_EQ(
-            r.message,
-            (ReaderMessage{"This is not a properly formated Reaper Project file\n" + quotedLine,
-                           "Processing RPP File", MessageIcon::Critical}));
+        EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::NotThisKind,
+                                          SessionKindId::Rpp,
+                                          ReadSeverity::Error,
+                                          quotedLine,
+                                          {}}));
         EXPECT_TRUE(r.paths.isEmpty());
     }
 }

@@ -58,16 +58,18 @@ TEST(SesReader, RejectsWhatItCannotRead) {
     for (const QByteArray& notSession : {"COOLNESs" + good.mid(8), QByteArray("COOL")}) {
         const SessionRead r = read(notSession);
         EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-        EXPECT_FALSE(r.message || r.versionFound);
+        EXPECT_FALSE(r.problem || r.versionFound);
     }
     // A version that cannot be read drops the records listed before it.
     const SessionRead r =
         read(SesWriter().version(kA3).list({{"a"}}, kA3).version("Cool Edit Pro 2.0").bytes());
     EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
     EXPECT_TRUE(r.versionFound && r.records.isEmpty() && r.paths.isEmpty());
-    EXPECT_EQ(r.message,
-              (ReaderMessage{"Cool Edit Pro 2.0 is not currently supported",
-                             "Importing Audition Session file", MessageIcon::Information}));
+    EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::UnsupportedVersion,
+                                      SessionKindId::Ses,
+                                      ReadSeverity::Notice,
+                                      "Cool Edit Pro 2.0",
+                                      {}}));
 }
 
 TEST(SesReader, WalkFindsTheEntries) {
@@ -108,7 +110,7 @@ TEST(SesReader, WalkFindsTheEntries) {
     };
     for (const auto& [name, bytes, paths] : cases) {
         const SessionRead r = read(bytes);
-        EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.message) << name;
+        EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.problem) << name;
         EXPECT_EQ(r.paths.join(u'|'), paths) << name;
     }
 }
@@ -137,12 +139,9 @@ TEST(SesReader, HostileFileFailsWithTheReason) {
         EXPECT_EQ(r.outcome, ReaderOutcome::Failed) << reason;
         EXPECT_EQ(r.versionFound, versionFound) << reason;
         EXPECT_EQ(r.paths.join(u'|'), paths) << reason;
-        ASSERT_TRUE(r.message) << reason;
-        EXPECT_EQ(r.message->title, "File Error");
-        EXPECT_TRUE(
-            r.message->text.startsWith("An error occurred accessing the selected SES file.") &&
-            r.message->text.contains(reason))
-            << r.message->text.toStdString();
+        ASSERT_TRUE(r.problem) << reason;
+        EXPECT_EQ(r.problem->failure, ReadFailure::Damaged);
+        EXPECT_TRUE(r.problem->detail.contains(reason)) << r.problem->detail.toStdString();
     }
 }
 

@@ -19,7 +19,7 @@ SessionRead readAs(Kind kind, QByteArrayView bytes) {
     return sessionKind(kind).reader(bytes, {});
 }
 
-// A file that cannot or must not be read fails with its kind's "File Error" message and why.
+// A file that cannot or must not be read fails as unreadable, named, with why.
 TEST(SessionFile, UnreadableFileFailsWithTheReason) {
     test::ReaderFixture f;
     QFile large(f.dir.filePath("large.ses"));  // sparse: the size is all that is looked at
@@ -33,11 +33,8 @@ TEST(SessionFile, UnreadableFileFailsWithTheReason) {
         for (const auto& [file, reason] : cases) {
             const SessionRead read = readSessionFile(kind, file, f.place());
             EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << reason;
-            // Named, so that a failure in a whole-folder scan says which file it was.
-            EXPECT_EQ(read.message,
-                      (ReaderMessage{"An error occurred accessing the selected " + kind.tabCaption +
-                                         " file.  \"" + GetFileName(file) + "\": " + reason,
-                                     "File Error", MessageIcon::Critical}));
+            EXPECT_EQ(read.problem, (ReadProblem{ReadFailure::Unreadable, kind.id,
+                                                 ReadSeverity::Error, reason, file}));
         }
     }
 }
@@ -141,7 +138,7 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         // its paths are found, but it is refused, as its other media cannot be known.
         const bool cutShort = QString(file) == "rpp/tears_dont_fall_project.rpp";
         ASSERT_EQ(read.outcome, cutShort ? ReaderOutcome::Failed : ReaderOutcome::Read);
-        EXPECT_EQ(read.message.has_value(), cutShort);
+        EXPECT_EQ(read.problem.has_value(), cutShort);
         EXPECT_EQ(read.paths.size(), count);
         QString expected = QString::fromUtf8(sample);
         if (kind->id == Kind::Rpp) {

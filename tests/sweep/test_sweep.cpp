@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #endif
 
+#include "forms/core_messages.h"
 #include "platform/path_text.h"
 #include "support/session_files.h"
 #include "sweep/sweep.h"
@@ -58,7 +59,10 @@ protected:
     // The used lines as "[x] text" and "[ ] text", and what the user was told.
     QStringList used(const SweepRequest& r) {
         SweepEvents events;
-        events.tell = [this](const MessageBoxRequest& m) { told.append(m.title + ": " + m.text); };
+        events.tell = [this](const ReadProblem& problem) {
+            const MessageBoxRequest m = readProblemMessage(problem);
+            told.append(m.title + ": " + m.text);
+        };
         media = readUsedMedia(r, fs, events);
         QStringList lines;
         for (const UsedLine& line : media.lines) {
@@ -389,7 +393,8 @@ TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
     for (const char* name : {"pipe.xml", "zero.xml", "broken.xml"}) {
         const SessionRead read = readSessionFile(sessionKind(Xml), dir.filePath(name), {});
         EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << name;
-        EXPECT_TRUE(read.message && read.message->text.contains(QString("\"%1\": ").arg(name)))
+        EXPECT_TRUE(read.problem &&
+                    readProblemText(*read.problem).contains(QString("\"%1\": ").arg(name)))
             << name;
     }
     EXPECT_TRUE(others(request(Xml, "a.xml"), {}).isEmpty());

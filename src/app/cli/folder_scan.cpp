@@ -5,6 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "forms/core_messages.h"
 #include "platform/path_text.h"
 
 namespace tidewick::cli {
@@ -168,7 +169,9 @@ std::optional<FolderScan> scanFolder(const ScanOptions& options, QTextStream& er
     }
     ScanInteraction ui(err);
     SweepEvents events;
-    events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
+    events.tell = [&ui](const ReadProblem& problem) {
+        ui.showMessage(readProblemMessage(problem));
+    };
     scan.sweep = sweepFolder(scan.request, fs, events);
     if (options.subFolderGiven && !scan.sweep.used.stopped) {
         addChosenFolder(scan.request, options.subFolder, scan.sweep, fs, events);

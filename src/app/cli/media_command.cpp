@@ -2,6 +2,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "forms/core_messages.h"
 #include "platform/path_text.h"
 #include "readers/import_rpp.h"
 #include "readers/session_kinds.h"
@@ -84,13 +85,18 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     FileSystem fs;
     const SessionRead read =
         readSessionFile(kind, info.absoluteFilePath(), SessionPlace{info.absolutePath(), &fs});
-    if (read.message) {
+    if (read.problem) {
         ConsoleInteraction ui(err);
-        showOk(ui, read.message->text, read.message->title, read.message->icon);
+        ui.showMessage(readProblemMessage(*read.problem));
     }
     if (read.outcome == ReaderOutcome::Rejected && kind.id == SessionKindId::Ses &&
         read.version.isEmpty()) {
-        err << '"' << info.fileName() << "\" does not appear to be a valid session file.\n";
+        const ReadProblem invalid{ReadFailure::NotThisKind,
+                                  SessionKindId::Ses,
+                                  ReadSeverity::Error,
+                                  {},
+                                  info.absoluteFilePath()};
+        err << readProblemText(invalid) << '\n';
     }
     if (options.verbose) {
         printDetails(kind, read, info, err);
