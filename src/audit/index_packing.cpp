@@ -18,14 +18,18 @@ constexpr qint8 kProblem = 2;
 }  // namespace
 
 // What the disk said about a record path is asked again whenever a read is used
-// (SessionCache), so it is not kept.
+// (SessionCache), so it is not kept; nor are a binary session's records, which only its paths
+// are read for. A kind's own part comes back where it holds anything.
 QByteArray packRead(const SessionRead& read) {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_6_4);
-    out << qint32(read.outcome) << read.paths << read.version << read.versionFound
-        << qint32(read.recordPaths.size());
-    for (const RecordPathLine& line : read.recordPaths) {
+    const SesFacts ses = read.ses.value_or(SesFacts());
+    const QList<RecordPathLine> lines =
+        read.reaper ? read.reaper->recordPaths : QList<RecordPathLine>();
+    out << qint32(read.outcome) << read.paths << ses.version << ses.versionFound
+        << qint32(lines.size());
+    for (const RecordPathLine& line : lines) {
         out << line.hasValue << line.value;
     }
     out << (read.problem ? kProblem : kNoProblem);
@@ -40,17 +44,25 @@ std::optional<SessionRead> unpackRead(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     SessionRead read;
+    SesFacts ses;
     qint32 outcome = 0, lines = 0;
-    in >> outcome >> read.paths >> read.version >> read.versionFound >> lines;
+    in >> outcome >> read.paths >> ses.version >> ses.versionFound >> lines;
     if (in.status() != QDataStream::Ok || outcome < 0 || outcome > 2 || lines < 0 ||
         lines > bytes.size()) {
         return std::nullopt;
     }
     read.outcome = ReaderOutcome(outcome);
+    if (ses.versionFound || !ses.version.isEmpty()) {
+        read.ses = ses;
+    }
+    QList<RecordPathLine> recordPaths;
     for (qint32 i = 0; i < lines; ++i) {
         RecordPathLine line;
         in >> line.hasValue >> line.value;
-        read.recordPaths.append(line);
+        recordPaths.append(line);
+    }
+    if (!recordPaths.isEmpty()) {
+        read.reaper = ReaperFacts{recordPaths};
     }
     qint8 told = kNoProblem;
     in >> told;

@@ -103,10 +103,11 @@ public:
         }
         // Every line after the header is read, the very next one too: it may be a source.
         depth_ = 1;
+        ReaperFacts& facts = read.reaper.emplace();
         while (!lines_.atEnd()) {
             const QByteArrayView line = nextLine();
             if (beginsWith(line, kRecordPath)) {
-                read.recordPaths.append(recordPathLine(line));
+                facts.recordPaths.append(recordPathLine(line));
             }
             applySource(line);
         }

@@ -119,29 +119,52 @@ struct RecordPathLine {
     bool operator==(const RecordPathLine&) const = default;
 };
 
+/// What a binary session holds besides its paths.
+struct SesFacts {
+    /// The file entries, in file order.
+    QList<SesMediaRecord> records;
+    /// The version text, and whether the "vers" chunk was reached at all: a file that fails
+    /// before that point is no session the load can use.
+    QString version;
+    bool versionFound = false;
+
+    bool operator==(const SesFacts&) const = default;
+};
+
+/// What a REAPER project holds besides its paths.
+struct ReaperFacts {
+    /// The record path lines, in file order.
+    QList<RecordPathLine> recordPaths;
+
+    bool operator==(const ReaperFacts&) const = default;
+};
+
 /// Everything one read of one session file found.
 struct SessionRead {
     ReaderOutcome outcome = ReaderOutcome::Read;
     /// The media paths in the order the session names them. Every kind but the binary one
     /// drops repeats; the binary kind gives one path per record (its trimmed file name).
     QStringList paths;
-    /// The binary kind's file entries, in file order.
-    QList<SesMediaRecord> records;
-    /// The binary kind's version text, and whether its "vers" chunk was reached at all: a file
-    /// that fails before that point is no session the load can use.
-    QString version;
-    bool versionFound = false;
-    /// REAPER's record path lines, in file order.
-    QList<RecordPathLine> recordPaths;
+    /// The binary kind's own part, for a file that begins as a binary session does.
+    std::optional<SesFacts> ses;
+    /// REAPER's own part, for a file that begins with a project's header.
+    std::optional<ReaperFacts> reaper;
     /// What went wrong, when anything did (a file of another kind may be rejected without one).
     std::optional<ReadProblem> problem;
+
+    bool operator==(const SessionRead&) const = default;
 };
+
+/// Whether a binary session's "vers" chunk was reached in `read`.
+inline bool versionFound(const SessionRead& read) {
+    return read.ses && read.ses->versionFound;
+}
 
 /// Whether `read` found a file of another kind altogether: no session, which uses nothing. A
 /// session of the kind that could not be read (damaged, cut short, of a version that cannot be
 /// read) is no foreign file: its media are unknown.
 inline bool isForeignFile(const SessionRead& read) {
-    return read.outcome == ReaderOutcome::Rejected && !read.versionFound;
+    return read.outcome == ReaderOutcome::Rejected && !versionFound(read);
 }
 
 /// Where a session file lives, for the reader that needs to look around it.

@@ -92,9 +92,11 @@ QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind
             known->kind == kind->id) {
             reads[i] = known->read;
             // What the disk said of a record path then may no longer hold: it is asked again.
-            for (RecordPathLine& line : reads[i].recordPaths) {
-                if (line.hasValue) {
-                    checkRecordPath(line, {hostParentFolder(path), &fs});
+            if (reads[i].reaper) {
+                for (RecordPathLine& line : reads[i].reaper->recordPaths) {
+                    if (line.hasValue) {
+                        checkRecordPath(line, {hostParentFolder(path), &fs});
+                    }
                 }
             }
         } else {

@@ -113,14 +113,17 @@ private:
             tell(*read.problem);
         }
         if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
-            !read.versionFound) {
+            !versionFound(read)) {
             // Never reached its version: whatever else was said, it is no session to read.
             tell({ReadFailure::NotThisKind, SessionKindId::Ses, ReadSeverity::Error, {}, fullName});
         }
-        media_.version = read.outcome == ReaderOutcome::Failed ? QString() : read.version;
-        for (const RecordPathLine& line : read.recordPaths) {
-            media_.recordFolder =
-                foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
+        media_.version =
+            read.outcome == ReaderOutcome::Failed || !read.ses ? QString() : read.ses->version;
+        if (read.reaper) {
+            for (const RecordPathLine& line : read.reaper->recordPaths) {
+                media_.recordFolder =
+                    foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
+            }
         }
         addLines(read.paths, name);
         if (read.outcome != ReaderOutcome::Read) {

@@ -121,9 +121,10 @@ TEST(RppReader, RecordPathLineSetsTheRecordFolder) {
         const QByteArray bytes =
             rpp("RECORD_PATH" + place(line).toUtf8() + "|<SOURCE WAVE|FILE \"a\"");
         const SessionRead r = readRppSession(bytes, f.place());
-        ASSERT_EQ(r.recordPaths.size(), 1) << name;
+        ASSERT_TRUE(r.reaper) << name;
+        ASSERT_EQ(r.reaper->recordPaths.size(), 1) << name;
         EXPECT_EQ(r.paths, QStringList{"a"}) << name;
-        EXPECT_EQ(foldRecordPath(place(folder), r.recordPaths[0], place("%/"), wholeFolder),
+        EXPECT_EQ(foldRecordPath(place(folder), r.reaper->recordPaths[0], place("%/"), wholeFolder),
                   place(expected))
             << name;
     }

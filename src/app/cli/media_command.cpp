@@ -57,13 +57,15 @@ bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QT
 void printDetails(const SessionKind& kind, const SessionRead& read, const QFileInfo& info,
                   QTextStream& err) {
     if (kind.id == SessionKindId::Ses) {
-        err << "version: " << read.version << '\n';
+        err << "version: " << (read.ses ? read.ses->version : QString()) << '\n';
     }
     if (kind.id == SessionKindId::Rpp) {
         const QString projectFolder = withSeparator(info.absolutePath());
         QString recordFolder;
-        for (const RecordPathLine& line : read.recordPaths) {
-            recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+        if (read.reaper) {
+            for (const RecordPathLine& line : read.reaper->recordPaths) {
+                recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+            }
         }
         err << "record folder: " << recordFolder << '\n';
     }
@@ -90,7 +92,7 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         ui.showMessage(readProblemMessage(*read.problem));
     }
     if (read.outcome == ReaderOutcome::Rejected && kind.id == SessionKindId::Ses &&
-        read.version.isEmpty()) {
+        (!read.ses || read.ses->version.isEmpty())) {
         const ReadProblem invalid{ReadFailure::NotThisKind,
                                   SessionKindId::Ses,
                                   ReadSeverity::Error,
