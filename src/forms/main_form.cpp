@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QStorageInfo>
 
+#include "forms/captions.h"
 #include "forms/size_cache.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"

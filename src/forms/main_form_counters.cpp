@@ -1,3 +1,4 @@
+#include "forms/captions.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "platform/path_text.h"

@@ -1,3 +1,4 @@
+#include "forms/captions.h"
 #include "forms/core_messages.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
@@ -90,7 +91,7 @@ void MainForm::runSessionLoad() {
     keptFiles_ = sweep.kept;
     QList<CheckItem> usedLines;
     usedLines.reserve(sweep.used.lines.size());
-    for (const UsedLine& line : sweep.used.lines) {
+    for (const UsedLine& line : shownUsedLines(sweep.used)) {
         usedLines.append({line.text, line.exists});
     }
     UsedFiles.addItems(usedLines);

@@ -1,3 +1,4 @@
+#include "forms/captions.h"
 #include "forms/exclusion_form.h"
 #include "forms/main_form.h"
 

@@ -131,7 +131,6 @@ private:
             // file of the folder: the load stops rather than offer them for moving.
             media_.stopped = true;
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
-            media_.lines.append({kNoMediaText, false, {}, {}, {}});
             media_.noMedia = true;
         }
     }

@@ -5,6 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "forms/captions.h"
 #include "forms/core_messages.h"
 #include "platform/path_text.h"
 

@@ -5,6 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/folder_scan.h"
+#include "forms/captions.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
@@ -43,7 +44,7 @@ Captions captionsOf(const SweepRequest& request, const Sweep& sweep) {
 void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
     const Captions captions = captionsOf(request, sweep);
     out << "used: " << visibleText(captions.used) << '\n';
-    for (const UsedLine& line : sweep.used.lines) {
+    for (const UsedLine& line : shownUsedLines(sweep.used)) {
         out << (line.exists ? "[x] " : "[ ] ") << visibleText(line.text) << '\n';
     }
     out << "unused: " << captions.unused << '\n';
@@ -64,7 +65,7 @@ void printSweep(const SweepRequest& request, const Sweep& sweep, QTextStream& ou
 void printSweepJson(const SweepRequest& request, const Sweep& sweep, QTextStream& out) {
     const Captions captions = captionsOf(request, sweep);
     QJsonArray used;
-    for (const UsedLine& line : sweep.used.lines) {
+    for (const UsedLine& line : shownUsedLines(sweep.used)) {
         used.append(QJsonObject{{QStringLiteral("text"), line.text},
                                 {QStringLiteral("exists"), line.exists},
                                 {QStringLiteral("path"), line.path}});
