@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
@@ -38,7 +39,7 @@ struct Window {
     explicit Window(const QString& path) {
         form.Form_Load();
         form.pointBrowserAt(path);
-        form.selectTabByKey(sessionKind(SessionKindId::Sesx).tabKey);
+        form.selectTabByKey(kindTexts(SessionKindId::Sesx).tabKey);
         form.refreshSessionFiles();
         const QSignalBlocker blocker(form.SESFile);
         form.SESFile.setListIndex(0);

@@ -1,7 +1,7 @@
 #include "forms/core_messages.h"
 
+#include "forms/kind_texts.h"
 #include "platform/path_text.h"
-#include "readers/session_kinds.h"
 
 namespace tidewick {
 
@@ -43,7 +43,7 @@ QString rejectionText(const ReadProblem& problem) {
 }
 
 QString title(const ReadProblem& problem) {
-    const QString caption = sessionKind(problem.kind).tabCaption;
+    const QString& caption = kindTexts(problem.kind).tabCaption;
     switch (problem.failure) {
         case ReadFailure::NotThisKind:
             if (problem.kind == SessionKindId::Ses) {
@@ -80,7 +80,7 @@ QString readProblemText(const ReadProblem& problem) {
             break;
     }
     QString text = QStringLiteral("An error occurred accessing the selected ") +
-                   sessionKind(problem.kind).tabCaption + QStringLiteral(" file.  ");
+                   kindTexts(problem.kind).tabCaption + QStringLiteral(" file.  ");
     if (problem.failure == ReadFailure::Unreadable) {
         // Named, so that a failure in a whole-folder scan says which file it was.
         text += u'"' + GetFileName(problem.file) + QStringLiteral("\": ");

@@ -4,6 +4,7 @@
 #include <QStorageInfo>
 
 #include "forms/captions.h"
+#include "forms/kind_texts.h"
 #include "forms/size_cache.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"
@@ -116,7 +117,7 @@ MainForm::MainForm(UserInteraction& ui)
       mnuHelpDonate(named(u"mnuHelpDonate")) {
     QStringList tabCaptions;
     for (const SessionKind& kind : sessionKinds()) {
-        tabCaptions.append(kind.tabCaption);
+        tabCaptions.append(kindTexts(kind.id).tabCaption);
     }
     FileTypeTab.setItems(tabCaptions);
     FileTypeTab.setListIndex(0);  // a tab strip always has a tab selected
@@ -205,12 +206,12 @@ QString MainForm::selectedTabKey() const {
     if (index < 0 || index >= sessionKinds().size()) {
         return {};
     }
-    return sessionKinds().at(index).tabKey;
+    return kindTexts(sessionKinds().at(index).id).tabKey;
 }
 
 bool MainForm::selectTabByKey(const QString& key) {
     for (int index = 0; index < sessionKinds().size(); ++index) {
-        if (sessionKinds().at(index).tabKey == key) {
+        if (kindTexts(sessionKinds().at(index).id).tabKey == key) {
             FileTypeTab.setListIndex(index);
             return true;
         }

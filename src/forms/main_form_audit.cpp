@@ -2,6 +2,7 @@
 
 #include "audit/session_index.h"
 #include "forms/audit_form.h"
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "platform/path_text.h"
 
@@ -27,7 +28,7 @@ void MainForm::mnuFileAudit_Click() {
 }
 
 void MainForm::goToSessionFolder(const QString& folder, SessionKindId kind) {
-    selectTabByKey(sessionKind(kind).tabKey);
+    selectTabByKey(kindTexts(kind).tabKey);
     pointBrowserAt(folder);
 }
 

@@ -2,6 +2,7 @@
 #include <QFileInfo>
 #include <limits>
 
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
@@ -114,8 +115,8 @@ void MainForm::FileTypeTab_Click() {
     const SessionKind* kind = sessionKindByKey(selectedTabKey());
     if (kind) {
         sessionFilePattern_ = kind->sessionPattern;  // listed below, once
-        ScanAll.setText(kind->scanAllCaption);
-        KeepPKCheck.setText(kind->keepPeaksCaption);
+        ScanAll.setText(kindTexts(kind->id).scanAllCaption);
+        KeepPKCheck.setText(kindTexts(kind->id).keepPeaksCaption);
         ActivateSubFolderControls(kind->subFolderRow);
         RecordFolder = kind->startingRecordFolder(shownFolder);
         SubFolderName.setText(RecordFolder);

@@ -1,5 +1,6 @@
 #include "forms/captions.h"
 #include "forms/core_messages.h"
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "platform/path_text.h"

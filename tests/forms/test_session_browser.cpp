@@ -4,6 +4,7 @@
 #include <QLocale>
 
 #include <QTemporaryDir>
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "platform/path_text.h"
 #include "readers/session_kinds.h"
@@ -30,7 +31,7 @@ protected:
     /// is the chosen one already).
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) {
         ASSERT_TRUE(writeFile(dir.filePath(name), sessionBytes(kind, paths)));
-        form.selectTabByKey(sessionKind(kind).tabKey);
+        form.selectTabByKey(kindTexts(kind).tabKey);
         form.FileTypeTab_Click();
     }
 
@@ -59,14 +60,15 @@ protected:
 // The sub-folder row shows on the REAPER and Vegas tabs, whose record folder is the session's.
 TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabKey.toStdString());
+        const KindTexts& texts = kindTexts(kind.id);
+        SCOPED_TRACE(texts.tabKey.toStdString());
         const bool subFolderRow = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
         form.selectTabByKey(kind.id == SessionKindId::Veg ? "SESFiles" : "VEGFiles");
         form.UsedFiles.addItem("old.wav", true);
         form.SESVersionLabel.setText("Audition 3.0");
-        form.selectTabByKey(kind.tabKey);
+        form.selectTabByKey(texts.tabKey);
         EXPECT_EQ(form.sessionFilePattern(), kind.sessionPattern);
-        EXPECT_EQ(form.ScanAll.text(), kind.scanAllCaption);
+        EXPECT_EQ(form.ScanAll.text(), texts.scanAllCaption);
         const QString record = subFolderRow ? dir.path() : "_Recorded";
         EXPECT_EQ(form.recordFolder(), record);
         EXPECT_EQ(form.SubFolderName.text(), record);

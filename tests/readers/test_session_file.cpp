@@ -52,7 +52,7 @@ TEST(SessionText, PathsAreUtf8WhenValidElseWindows1252) {
         EXPECT_EQ(decodeSessionText(bytes), QString::fromUtf8(text));
         for (const SessionKind& kind : sessionKinds()) {
             EXPECT_EQ(readAs(kind.id, test::sessionBytesOf(kind.id, {bytes})).paths, texts(text))
-                << kind.tabCaption.toStdString() << ": " << text;
+                << kind.idText.toStdString() << ": " << text;
         }
     }
 }
@@ -80,12 +80,12 @@ TEST(SessionFile, EveryKindReadsItsSessionAndEveryPrefixOfIt) {
             if (kind.id != Kind::Ses && kind.id != Kind::Veg) {
                 whole.replace("\r\n", end);
             }
-            ASSERT_EQ(readAs(kind.id, whole).paths, full) << kind.tabCaption.toStdString() << end;
+            ASSERT_EQ(readAs(kind.id, whole).paths, full) << kind.idText.toStdString() << end;
             for (qsizetype size = 0; size < whole.size(); ++size) {
                 const QStringList got = readAs(kind.id, QByteArrayView(whole).first(size)).paths;
                 const qsizetype kept = got.size() - (kind.id == Kind::Xml && !got.isEmpty());
                 ASSERT_TRUE(got.size() <= full.size() && got.first(kept) == full.first(kept))
-                    << kind.tabCaption.toStdString() << " cut at " << size;
+                    << kind.idText.toStdString() << " cut at " << size;
             }
         }
     }

@@ -12,6 +12,7 @@
 
 #include "forms/captions.h"
 #include "forms/core_messages.h"
+#include "forms/kind_texts.h"
 #include "platform/path_text.h"
 #include "support/session_files.h"
 #include "sweep/sweep.h"
@@ -149,7 +150,7 @@ TEST_F(SweepTest, EachExactTextIsListedOnceInFirstSeenOrder) {
 // An empty session adds no no-media line.
 TEST_F(SweepTest, WholeFolderModeMergesEverySessionSilently) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabCaption.toStdString());
+        SCOPED_TRACE(kind.idText.toStdString());
         const QString e = ext(kind.id);
         writeSession("a" + e, kind.id, {});
         writeSession("b" + e, kind.id, {"C:\\m\\1.wav", "C:\\m\\2.wav"});
@@ -199,7 +200,7 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
 // listed and listing no other files: they could be the media it uses.
 TEST_F(SweepTest, AnUnreadableOrForeignSessionStopsTheLoad) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabCaption.toStdString());
+        SCOPED_TRACE(kind.idText.toStdString());
         told.clear();
         const QString e = ext(kind.id);
         writeSession("a" + e, kind.id, {"C:\\1.wav"});
@@ -210,7 +211,7 @@ TEST_F(SweepTest, AnUnreadableOrForeignSessionStopsTheLoad) {
         EXPECT_EQ(used(r), QStringList({"[ ] C:/1.wav"}));
         ASSERT_EQ(told.size(), kind.id == Ses ? 2 : 1);  // and "does not appear to be valid"
         EXPECT_TRUE(told[0].startsWith("File Error: An error occurred accessing the selected " +
-                                       kind.tabCaption + " file.  \"b" + e + "\": "));
+                                       kindTexts(kind.id).tabCaption + " file.  \"b" + e + "\": "));
         EXPECT_TRUE(media.stopped);
         EXPECT_TRUE(sweepFolder(r, fs).others.isEmpty());
         // A file that is no session of the kind, even an empty one, stops it alike.

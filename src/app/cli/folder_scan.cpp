@@ -76,7 +76,7 @@ bool parseScanArguments(const QStringList& arguments, ScanOptions& options, QTex
         err << usage;
         return false;
     }
-    options.kind = sessionKindByCaption(kindName);
+    options.kind = sessionKindByIdText(kindName);
     if (options.kind == nullptr) {
         err << "tidewick-cli " << command << ": unknown kind '" << kindName
             << "'; use ses, sesx, xml, rpp or veg\n";

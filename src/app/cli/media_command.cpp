@@ -38,7 +38,7 @@ bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QT
         return false;
     }
     options.kind =
-        kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByCaption(kindName);
+        kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByIdText(kindName);
     if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
