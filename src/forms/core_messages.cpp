@@ -94,4 +94,12 @@ MessageBoxRequest readProblemMessage(const ReadProblem& problem) {
     return {readProblemText(problem), title(problem), icon, MessageButtons::Ok, MessageAnswer::Ok};
 }
 
+MessageBoxRequest settingsNotSavedMessage(const Error& error) {
+    return {QStringLiteral("Access to ") + error.cause +
+                QStringLiteral(" failed and the current ") + programName() +
+                QStringLiteral(" settings could not be saved."),
+            QStringLiteral("For Information..."), MessageIcon::Information, MessageButtons::Ok,
+            MessageAnswer::Ok};
+}
+
 }  // namespace tidewick

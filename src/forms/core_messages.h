@@ -2,7 +2,8 @@
 
 #include <QString>
 
-#include "platform/interaction.h"
+#include "forms/interaction.h"
+#include "platform/result.h"
 #include "readers/reader_contract.h"
 
 // What the core reports, in the words the window and the command line show.
@@ -15,5 +16,9 @@ QString readProblemText(const ReadProblem& problem);
 /// The message box that tells of a reader's problem: its words, the title of its kind and
 /// failure ("Processing RPP File", "File Error"), the icon of its severity, and OK.
 MessageBoxRequest readProblemMessage(const ReadProblem& problem);
+
+/// The message box that tells that the settings could not be saved, where `error` names the
+/// store that refused them.
+MessageBoxRequest settingsNotSavedMessage(const Error& error);
 
 }  // namespace tidewick

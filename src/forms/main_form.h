@@ -14,8 +14,8 @@
 #include "fileops/move_run.h"
 #include "forms/check_list_model.h"
 #include "forms/control.h"
+#include "forms/interaction.h"
 #include "forms/move_form.h"
-#include "platform/interaction.h"
 #include "settings/preferences.h"
 #include "sweep/sweep.h"
 
