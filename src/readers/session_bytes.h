@@ -89,7 +89,7 @@ constexpr qsizetype kMaxPathBytes = 32768;
 QByteArray decodeXmlEscapes(QByteArrayView text);
 
 /// A line of the file as a rejection quotes it: cleaned, decoded, and cut to its first
-/// 1,024 characters, which is all a message box can show; the rest is never copied.
+/// 1,024 characters, which is all a report of it can show; the rest is never copied.
 QString quotedLine(QByteArrayView line);
 
 /// The text between the first and the second double quote; none when there are fewer than two.
