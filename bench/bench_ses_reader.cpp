@@ -67,7 +67,7 @@ void BM_ReadSesSession(benchmark::State& state) {
     const SessionKind& kind = sessionKind(SessionKindId::Ses);
     for (auto _ : state) {
         const SessionRead read = readSessionFile(kind, fixture().path, {});
-        if (read.records.size() != kEntries) {
+        if (!read.ses || read.ses->records.size() != kEntries) {
             state.SkipWithError("the reader did not read every entry");
         }
     }

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
@@ -38,7 +39,7 @@ struct Window {
     explicit Window(const QString& path) {
         form.Form_Load();
         form.browser().pointBrowserAt(path);
-        form.browser().selectTabByKey(sessionKind(SessionKindId::Sesx).tabKey);
+        form.browser().selectTabByKey(kindTexts(SessionKindId::Sesx).tabKey);
         form.browser().refreshSessionFiles();
         const QSignalBlocker blocker(form.control(u"SESFile"));
         form.control(u"SESFile").setListIndex(0);

@@ -11,8 +11,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     tidewick::AddBackslash(projectFolder);
     for (const bool wholeFolder : {false, true}) {
         QString recordFolder;
-        for (const tidewick::RecordPathLine& line : read.recordPaths) {
-            recordFolder = tidewick::foldRecordPath(recordFolder, line, projectFolder, wholeFolder);
+        if (read.reaper) {
+            for (const tidewick::RecordPathLine& line : read.reaper->recordPaths) {
+                recordFolder =
+                    tidewick::foldRecordPath(recordFolder, line, projectFolder, wholeFolder);
+            }
         }
     }
     return 0;

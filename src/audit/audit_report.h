@@ -80,6 +80,10 @@ struct AuditEvents {
     /// Asked between folders (from the audit's thread): true ends the audit early, and what is
     /// done is reported.
     std::function<bool()> stopRequested;
+    /// The words for a session's problem, which the reason of a folder stopped by it quotes
+    /// after the session's name; asked from the audit's threads. Without it the reason names
+    /// the session alone.
+    std::function<QString(const ReadProblem& problem)> describe;
 };
 
 /// Whether `events` ask the audit to stop.

@@ -14,7 +14,7 @@ QString bytesText(qint64 bytes) {
 QString sessionsText(const FolderReport& folder) {
     QStringList kinds;
     for (const auto& [id, names] : folder.sessions) {
-        kinds.append(sessionKind(id).tabCaption + u' ' + QString::number(names.size()));
+        kinds.append(sessionKind(id).idText.toUpper() + u' ' + QString::number(names.size()));
     }
     return kinds.join(QStringLiteral(", "));
 }

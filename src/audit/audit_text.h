@@ -9,7 +9,7 @@ namespace tidewick {
 
 /// "305,152 bytes (0.29Mb)".
 QString bytesText(qint64 bytes);
-/// A folder's sessions by kind: "SESX 1, RPP 2".
+/// A folder's sessions by kind, each kind by its id text in capitals: "SESX 1, RPP 2".
 QString sessionsText(const FolderReport& folder);
 /// What a folder could free: "149 file(s) 305,152 bytes (0.29Mb)".
 QString reclaimableText(const FolderReport& folder);

@@ -90,7 +90,8 @@ private:
 
 FolderReport auditFolder(const QString& folder,
                          const QList<std::pair<const SessionKind*, QStringList>>& sessions,
-                         const FileSystem& disk, SessionCache& cache) {
+                         const FileSystem& disk, SessionCache& cache,
+                         const std::function<QString(const ReadProblem&)>& describe) {
     FolderReport report;
     report.folder = cleanHostPath(folder);
     FolderLoads loads(folder, disk, sessions.size() == 1);
@@ -100,9 +101,9 @@ FolderReport auditFolder(const QString& folder,
     for (const auto& [kind, names] : sessions) {
         QString told;
         SweepEvents events;
-        events.tell = [&told](const MessageBoxRequest& message) {
-            if (told.isEmpty()) {
-                told = message.text.simplified();
+        events.tell = [&told, &describe](const ReadProblem& problem) {
+            if (told.isEmpty() && describe) {
+                told = describe(problem).simplified();
             }
         };
         SessionFolder load(disk, cache);

@@ -55,23 +55,32 @@ QList<T> readList(QDataStream& in) {
     }
     return items;
 }
+// What follows a read's record path lines: nothing, a message of an earlier index (whose read is
+// made again), or a problem.
+constexpr qint8 kNoProblem = 0;
+constexpr qint8 kProblem = 2;
 
 }  // namespace
 
 // What the disk said about a record path is asked again whenever a read is used
-// (SessionCache), so it is not kept.
+// (SessionCache), so it is not kept; nor are a binary session's records, which only its paths
+// are read for. A kind's own part comes back where it holds anything.
 QByteArray packRead(const SessionRead& read) {
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_6_4);
-    out << qint32(read.outcome) << read.paths << read.version << read.versionFound
-        << qint32(read.recordPaths.size());
-    for (const RecordPathLine& line : read.recordPaths) {
+    const SesFacts ses = read.ses.value_or(SesFacts());
+    const QList<RecordPathLine> lines =
+        read.reaper ? read.reaper->recordPaths : QList<RecordPathLine>();
+    out << qint32(read.outcome) << read.paths << ses.version << ses.versionFound
+        << qint32(lines.size());
+    for (const RecordPathLine& line : lines) {
         out << line.hasValue << line.value;
     }
-    out << read.message.has_value();
-    if (read.message) {
-        out << read.message->text << read.message->title << qint32(read.message->icon);
+    out << (read.problem ? kProblem : kNoProblem);
+    if (read.problem) {
+        out << qint32(read.problem->failure) << qint32(read.problem->kind)
+            << qint32(read.problem->severity) << read.problem->detail << read.problem->file;
     }
     return bytes;
 }
@@ -80,31 +89,45 @@ Result<SessionRead> unpackRead(const QByteArray& bytes) {
     QDataStream in(bytes);
     in.setVersion(QDataStream::Qt_6_4);
     SessionRead read;
+    SesFacts ses;
     qint32 outcome = 0, lines = 0;
     in >> outcome;
     read.paths = readList<QString>(in);
-    in >> read.version >> read.versionFound >> lines;
+    in >> ses.version >> ses.versionFound >> lines;
     if (in.status() != QDataStream::Ok || outcome < 0 || outcome > 2 || lines < 0 ||
         lines > bytes.size()) {
         return damaged();
     }
     read.outcome = ReaderOutcome(outcome);
+    if (ses.versionFound || !ses.version.isEmpty()) {
+        read.ses = ses;
+    }
+    QList<RecordPathLine> recordPaths;
     for (qint32 i = 0; i < lines && in.status() == QDataStream::Ok; ++i) {
         RecordPathLine line;
         in >> line.hasValue >> line.value;
-        read.recordPaths.append(line);
+        recordPaths.append(line);
     }
-    bool told = false;
+    if (!recordPaths.isEmpty()) {
+        read.reaper = ReaperFacts{recordPaths};
+    }
+    qint8 told = kNoProblem;
     in >> told;
-    if (told) {
-        ReaderMessage message;
-        qint32 icon = 0;
-        in >> message.text >> message.title >> icon;
-        if (icon < int(MessageIcon::None) || icon > int(MessageIcon::Critical)) {
+    if (told == kProblem) {
+        qint32 failure = 0, kind = 0, severity = 0;
+        ReadProblem problem;
+        in >> failure >> kind >> severity >> problem.detail >> problem.file;
+        if (failure < 0 || failure > qint32(ReadFailure::Fault) || kind < 0 ||
+            kind >= sessionKinds().size() || severity < 0 ||
+            severity > qint32(ReadSeverity::Error)) {
             return damaged();
         }
-        message.icon = MessageIcon(icon);
-        read.message = message;
+        problem.failure = ReadFailure(failure);
+        problem.kind = SessionKindId(kind);
+        problem.severity = ReadSeverity(severity);
+        read.problem = problem;
+    } else if (told != kNoProblem) {
+        return damaged();
     }
     return whole(in, std::move(read));
 }

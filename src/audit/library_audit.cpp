@@ -43,7 +43,8 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
         SessionCache own = cache;
         for (qsizetype at = next++; at < again.size() && !cancelled; at = next++) {
             const RecordingDisk asked(listed);
-            FolderReport report = auditFolder(again[at]->path, again[at]->sessions, asked, own);
+            FolderReport report =
+                auditFolder(again[at]->path, again[at]->sessions, asked, own, events.describe);
             audited[size_t(at)] = Audited{std::move(report), asked.questions(), asked.signature()};
             ++done;
             if (reporter) {

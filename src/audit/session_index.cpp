@@ -375,9 +375,11 @@ std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
     if (!read) {
         return std::nullopt;
     }
-    for (RecordPathLine& line : read->recordPaths) {
-        if (line.hasValue) {
-            checkRecordPath(line, {hostParentFolder(path), &disk});
+    if (read->reaper) {
+        for (RecordPathLine& line : read->reaper->recordPaths) {
+            if (line.hasValue) {
+                checkRecordPath(line, {hostParentFolder(path), &disk});
+            }
         }
     }
     return SessionCache::Entry{held, SessionKindId(kind), *read};

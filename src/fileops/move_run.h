@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "fileops/file_operations.h"
-#include "platform/interaction.h"
+#include "fileops/overwrite_answer.h"
 
 // One move as plain values: the files checked in "Files to be Moved" go to the target folder,
 // one by one in list order, each copied whole before its source goes to the trash, with a log

@@ -2,6 +2,7 @@
 
 #include "audit/audit_text.h"
 #include "audit/session_index.h"
+#include "forms/core_messages.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -80,6 +81,7 @@ void AuditForm::Form_Activate() {
 LibraryReport AuditForm::run(const AuditEvents& given) {
     AuditEvents events = given;
     events.stopRequested = [this] { return stop_.load(); };
+    events.describe = readProblemText;
     SessionIndex index(indexFile_);
     setAside_ = index.setAside().value_or(QString());
     return auditLibrary(root_, disk_, &index, events);

@@ -9,8 +9,8 @@
 
 #include "audit/library_audit.h"
 #include "forms/control.h"
+#include "forms/interaction.h"
 #include "forms/move_form.h"
-#include "platform/interaction.h"
 
 // "Audit a Library" without widgets: the audit of every session folder under a root, run on a
 // thread of its own with its progress shown as it goes and a Cancel that keeps what is done;

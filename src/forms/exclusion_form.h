@@ -4,7 +4,7 @@
 #include <QStringList>
 
 #include "forms/control.h"
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 // "Exclude Files" without widgets: the file specifications (lyrics.doc, *.doc) whose files the
 // move leaves where they are, edited in a working copy that only OK makes the list.

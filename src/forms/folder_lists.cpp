@@ -1,5 +1,6 @@
 #include "forms/folder_lists.h"
 
+#include "forms/captions.h"
 #include "forms/exclusion_form.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"

@@ -1,4 +1,7 @@
+#include "forms/captions.h"
+#include "forms/core_messages.h"
 #include "forms/folder_lists.h"
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "text/path_text.h"
@@ -38,9 +41,9 @@ SweepEvents FolderLists::sweepEvents() {
         window_.control(u"Main").setText(QStringLiteral("Reading ") + fullName +
                                          QStringLiteral("...Please Wait"));
     };
-    events.tell = [this](const MessageBoxRequest& message) {
+    events.tell = [this](const ReadProblem& problem) {
         ui_.setBusyPointer(false);
-        ui_.showMessage(message);
+        ui_.showMessage(readProblemMessage(problem));
         ui_.setBusyPointer(true);
     };
     events.idle = [this] { ui_.processEvents(); };
@@ -82,8 +85,7 @@ void FolderLists::runSessionLoad() {
     const QList<UsedLine>& lines = session_.usedLines();
     const bool wholeFolder = ScanAll.checked();
     QList<CheckItem> usedLines;
-    usedLines.reserve(lines.size());
-    for (const UsedLine& line : lines) {
+    for (const UsedLine& line : shownUsedLines(session_.used())) {
         usedLines.append({line.text, line.exists});
     }
     UsedFiles.addItems(usedLines);
@@ -167,8 +169,8 @@ void FolderLists::IgnoreFoldersCheck_Click() {
 // The tab switch, the browser's changes and the lists emptied.
 
 void FolderLists::startKind(const SessionKind& kind, const QString& folder) {
-    ScanAll.setText(kind.scanAllCaption);
-    KeepPKCheck.setText(kind.keepPeaksCaption);
+    ScanAll.setText(kindTexts(kind.id).scanAllCaption);
+    KeepPKCheck.setText(kindTexts(kind.id).keepPeaksCaption);
     ActivateSubFolderControls(kind.subFolderRow);
     session_.setRecordFolder(kind.startingRecordFolder(folder));
     SubFolderName.setText(session_.recordFolder());

@@ -12,10 +12,10 @@
 #include "fileops/move_run.h"
 #include "forms/control.h"
 #include "forms/folder_lists.h"
+#include "forms/interaction.h"
 #include "forms/move_form.h"
 #include "forms/session_browser.h"
 #include "forms/used_files_copy.h"
-#include "platform/interaction.h"
 #include "settings/preferences.h"
 
 // The main window without widgets: its controls, made from the layout table, and the shell that

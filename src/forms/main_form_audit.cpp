@@ -3,6 +3,7 @@
 #include "audit/session_index.h"
 #include "audit/uses_elsewhere.h"
 #include "forms/audit_form.h"
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "text/path_text.h"
 
@@ -29,7 +30,7 @@ void MainForm::mnuFileAudit_Click() {
 }
 
 void MainForm::goToSessionFolder(const QString& folder, SessionKindId kind) {
-    browser_.selectTabByKey(sessionKind(kind).tabKey);
+    browser_.selectTabByKey(kindTexts(kind).tabKey);
     browser_.pointBrowserAt(folder);
 }
 

@@ -9,7 +9,7 @@
 #include "fileops/file_operations.h"
 #include "fileops/move_run.h"
 #include "forms/control.h"
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 // The results window without widgets: its log, its buttons' state and their handlers. The run
 // happens when the window is first activated; the Qt window shows this data and forwards events.

@@ -5,7 +5,7 @@
 
 #include "fileops/move_record.h"
 #include "forms/control.h"
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 // "Restore a Move" without widgets: the recorded moves, newest first, one of which the user
 // chooses and confirms; the main window then runs the restore in the results window.

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "platform/places.h"
 #include "text/path_text.h"
@@ -45,7 +46,7 @@ SessionBrowser::SessionBrowser(MainForm& window)
       SESFile(window.control(u"SESFile")) {
     QStringList tabCaptions;
     for (const SessionKind& kind : sessionKinds()) {
-        tabCaptions.append(kind.tabCaption);
+        tabCaptions.append(kindTexts(kind.id).tabCaption);
     }
     FileTypeTab.setItems(tabCaptions);
     FileTypeTab.setListIndex(0);  // a tab strip always has a tab selected
@@ -170,7 +171,7 @@ QString SessionBrowser::selectedTabKey() const {
     if (index < 0 || index >= sessionKinds().size()) {
         return {};
     }
-    return sessionKinds().at(index).tabKey;
+    return kindTexts(sessionKinds().at(index).id).tabKey;
 }
 
 const SessionKind* SessionBrowser::selectedKind() const {
@@ -179,7 +180,7 @@ const SessionKind* SessionBrowser::selectedKind() const {
 
 bool SessionBrowser::selectTabByKey(const QString& key) {
     for (int index = 0; index < sessionKinds().size(); ++index) {
-        if (sessionKinds().at(index).tabKey == key) {
+        if (kindTexts(sessionKinds().at(index).id).tabKey == key) {
             FileTypeTab.setListIndex(index);
             return true;
         }

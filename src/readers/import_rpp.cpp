@@ -29,10 +29,6 @@ constexpr qsizetype kRecordValueStart = 13;
 // Length of "url:file:\\localhost\", the prefix REAPER puts before a path given as a URL.
 constexpr qsizetype kUrlPrefixLength = 21;
 
-const QString kNotAProjectText =
-    QStringLiteral("This is not a properly formated Reaper Project file");
-const QString kRejectTitle = QStringLiteral("Processing RPP File");
-
 bool beginsWith(QByteArrayView line, QByteArrayView prefix) {
     if (line.size() < prefix.size()) {
         return false;
@@ -98,16 +94,20 @@ public:
         } while (first.isEmpty() && !lines_.atEnd());
         if (!beginsWith(first, kHeader)) {
             read.outcome = ReaderOutcome::Rejected;
-            read.message = ReaderMessage{kNotAProjectText + u'\n' + quotedLine(first), kRejectTitle,
-                                         MessageIcon::Critical};
+            read.problem = ReadProblem{ReadFailure::NotThisKind,
+                                       SessionKindId::Rpp,
+                                       ReadSeverity::Error,
+                                       quotedLine(first),
+                                       {}};
             return read;
         }
         // Every line after the header is read, the very next one too: it may be a source.
         depth_ = 1;
+        ReaperFacts& facts = read.reaper.emplace();
         while (!lines_.atEnd()) {
             const QByteArrayView line = nextLine();
             if (beginsWith(line, kRecordPath)) {
-                read.recordPaths.append(recordPathLine(line));
+                facts.recordPaths.append(recordPathLine(line));
             }
             applySource(line);
         }
@@ -116,8 +116,7 @@ public:
             // Cut short, it may have lost sources; read as it is, their files would be offered.
             // The paths found stay with the refusal, for whoever reads the file itself.
             read.outcome = ReaderOutcome::Failed;
-            read.message = incompleteSessionMessage(QStringLiteral("REAPER project"),
-                                                    QStringLiteral("\">\""), kRejectTitle);
+            read.problem = cutShortProblem(SessionKindId::Rpp, QStringLiteral("\">\""));
         }
         return read;
     }

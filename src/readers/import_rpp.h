@@ -11,7 +11,7 @@
 namespace tidewick {
 
 /// Reads the media paths and the record path lines of a REAPER project. Rejected, with a
-/// message that quotes the line, when the first non-blank line is not the project header.
+/// problem that quotes the line, when the first non-blank line is not the project header.
 /// `place` gives the project folder that a relative record path is looked for in, and the disk
 /// to look on; without a disk no folder exists.
 SessionRead readRppSession(QByteArrayView bytes, const SessionPlace& place);

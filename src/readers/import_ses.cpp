@@ -46,7 +46,7 @@ qint32 listTrailerLength(const QString& version) {
 // description instead.
 class SesWalk {
 public:
-    SesWalk(QByteArrayView bytes, SessionRead& read) : bytes_(bytes), read_(read) {}
+    SesWalk(QByteArrayView bytes, SesFacts& facts) : bytes_(bytes), facts_(facts) {}
 
     QString error;
 
@@ -119,7 +119,7 @@ public:
             return false;
         }
         listLength = listSize;
-        const QString& version = read_.version;
+        const QString& version = facts_.version;
         const bool oldLayout = usesOldEntryLayout(version);
         qint32 entry = 0;
         if (!add(position, 4, entry)) {
@@ -148,7 +148,7 @@ public:
             const QByteArrayView nameBytes = nonZeroBytes(buffer, scratch);
             QString name = decodeSessionText(nameBytes);
             name.truncate(kFileNameLength);
-            read_.records.append({value, std::move(name), header.ChunkID});
+            facts_.records.append({value, std::move(name), header.ChunkID});
 
             // The next entry starts right after the name and its terminating zero, not at the
             // end of the buffer; the later layout keeps 8 more bytes before it.
@@ -191,13 +191,14 @@ private:
     }
 
     QByteArrayView bytes_;
-    SessionRead& read_;
+    SesFacts& facts_;
 };
 
 // Walks the chunks up to the stored length. Returns false on a read error, with its description
 // in `walk.error`; `read` has then what was read before it. A version that cannot be read ends
 // the walk as a rejection.
 bool walkChunks(SesWalk& walk, SessionRead& read) {
+    SesFacts& facts = *read.ses;
     qint32 storedLength = 0;
     if (!walk.readStoredLength(storedLength)) {
         return false;
@@ -215,7 +216,7 @@ bool walkChunks(SesWalk& walk, SessionRead& read) {
         if (header.ChunkID == "LIST") {
             // Entries are laid out by version, so a list before any version has no layout; the
             // file is refused rather than read with a guess.
-            if (!read.versionFound) {
+            if (!facts.versionFound) {
                 return walk.fail("The file lists its media before naming its version");
             }
             qint32 listLength = header.ChunkLength;
@@ -224,17 +225,18 @@ bool walkChunks(SesWalk& walk, SessionRead& read) {
             }
         } else {
             if (header.ChunkID == "vers") {
-                if (!walk.readVersion(position, header.ChunkLength, read.version)) {
+                if (!walk.readVersion(position, header.ChunkLength, facts.version)) {
                     return false;
                 }
-                read.versionFound = true;
-                if (!isSupportedSesVersion(read.version)) {
+                facts.versionFound = true;
+                if (!isSupportedSesVersion(facts.version)) {
                     read.outcome = ReaderOutcome::Rejected;
-                    read.message =
-                        ReaderMessage{read.version + QStringLiteral(" is not currently supported"),
-                                      QStringLiteral("Importing Audition Session file"),
-                                      MessageIcon::Information};
-                    read.records.clear();
+                    read.problem = ReadProblem{ReadFailure::UnsupportedVersion,
+                                               SessionKindId::Ses,
+                                               ReadSeverity::Notice,
+                                               facts.version,
+                                               {}};
+                    facts.records.clear();
                     return true;
                 }
             }
@@ -274,13 +276,14 @@ SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place) {
         read.outcome = ReaderOutcome::Rejected;
         return read;
     }
-    SesWalk walk(bytes, read);
+    SesWalk walk(bytes, read.ses.emplace());
     if (!walkChunks(walk, read)) {
         read.outcome = ReaderOutcome::Failed;
-        read.message = fileErrorMessage(QStringLiteral("SES"), walk.error);
+        read.problem = ReadProblem{
+            ReadFailure::Damaged, SessionKindId::Ses, ReadSeverity::Error, walk.error, {}};
     }
-    read.paths.reserve(read.records.size());
-    for (const SesMediaRecord& record : read.records) {
+    read.paths.reserve(read.ses->records.size());
+    for (const SesMediaRecord& record : read.ses->records) {
         read.paths.append(trimBlanks(record.FileName));
     }
     return read;

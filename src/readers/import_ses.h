@@ -18,9 +18,11 @@ struct SesChunkHeader {
 
 /// Reads a binary session in one walk over its bytes: its records, their paths (each file name
 /// trimmed of blanks) and its version, with `versionFound` telling whether a "vers" chunk was
-/// read. Rejected without a message when the file does not begin with "COOLNESS", and with one,
-/// and no records, at a version that cannot be read; Failed with the "File Error" message when
-/// a chunk or entry would leave the file, overflow or stand still, keeping what was read before.
+/// read (the records and the version are the read's `ses` part, there for any file that begins
+/// as a binary session does). Rejected without a problem when the file does not begin with
+/// "COOLNESS", and with one, and no records, at a version that cannot be read; Failed as damaged,
+/// with where, when a chunk or entry would leave the file, overflow or stand still, keeping what
+/// was read before.
 SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place);
 
 /// True when the version text names a version whose sessions can be read.

@@ -184,17 +184,14 @@ SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place) {
         // Empty, cut short before its root or some other file: read as a session without
         // media, it would offer the whole folder for moving.
         read.outcome = ReaderOutcome::Rejected;
-        read.message =
-            ReaderMessage{QStringLiteral("This is not an Adobe Audition session (.sesx) file."),
-                          QStringLiteral("Processing SESX File"), MessageIcon::Critical};
+        read.problem =
+            ReadProblem{ReadFailure::NotThisKind, SessionKindId::Sesx, ReadSeverity::Error, {}, {}};
         return read;
     }
     if (!endsWithClosing(bytes, kSessionEnd)) {
         // Cut short, it may have lost file elements; read as it is, their files would be offered.
         read.outcome = ReaderOutcome::Failed;
-        read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition session"),
-                                                QStringLiteral("</sesx>"),
-                                                QStringLiteral("Processing SESX File"));
+        read.problem = cutShortProblem(SessionKindId::Sesx, QStringLiteral("</sesx>"));
         return read;
     }
     SesxSession session;

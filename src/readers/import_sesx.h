@@ -11,8 +11,8 @@
 namespace tidewick {
 
 /// Reads the media paths of a SESX session: those the lines give, then any more that the XML
-/// gives. Rejected, with a message, when the file holds no "<sesx" root or ends before its
-/// closing "</sesx>".
+/// gives. Rejected, with a problem, when the file holds no "<sesx" root; Failed as cut short when
+/// it ends before its closing "</sesx>".
 SessionRead readSesxSession(QByteArrayView bytes, const SessionPlace& place);
 
 /// The paths that the reading by lines alone gives (the first line skipped, or the pieces of a

@@ -303,8 +303,8 @@ SessionRead readVegSession(QByteArrayView bytes, const SessionPlace& place) {
         // Neither a chunk tree nor the scan's marks: an empty, truncated or foreign file. Read
         // as a project without media, it would offer the whole folder for moving.
         read.outcome = ReaderOutcome::Rejected;
-        read.message = ReaderMessage{QStringLiteral("This is not a Vegas project file."),
-                                     QStringLiteral("Processing VEG File"), MessageIcon::Critical};
+        read.problem =
+            ReadProblem{ReadFailure::NotThisKind, SessionKindId::Veg, ReadSeverity::Error, {}, {}};
         return read;
     }
     read.paths = paths.takePaths();

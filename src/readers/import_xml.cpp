@@ -49,10 +49,12 @@ public:
         const QByteArrayView header = lines_.next();
         if (!header.startsWith(kSessionTag)) {
             read.outcome = ReaderOutcome::Rejected;
-            read.message = ReaderMessage{
-                QStringLiteral("This is not a properly formated Adobe Audition XML file.\n") +
-                    quotedLine(header),
-                QStringLiteral("Processing XML File"), MessageIcon::Information};
+            // XML files of other programs are common beside sessions: one is reported as a notice.
+            read.problem = ReadProblem{ReadFailure::NotThisKind,
+                                       SessionKindId::Xml,
+                                       ReadSeverity::Notice,
+                                       quotedLine(header),
+                                       {}};
             return read;
         }
 
@@ -69,9 +71,8 @@ public:
             // Cut short, it may have lost entries; read as it is, their files would be offered.
             // The paths found stay with the refusal, for whoever reads the file itself.
             read.outcome = ReaderOutcome::Failed;
-            read.message = incompleteSessionMessage(QStringLiteral("Adobe Audition XML session"),
-                                                    QStringLiteral("</AuditionSession>"),
-                                                    QStringLiteral("Processing XML File"));
+            read.problem =
+                cutShortProblem(SessionKindId::Xml, QStringLiteral("</AuditionSession>"));
             read.paths = paths_.takePaths();
             return read;
         }

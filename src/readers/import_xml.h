@@ -9,7 +9,7 @@
 // whose entries each hold their media path on the 18th line after the entry's opening line.
 namespace tidewick {
 
-/// Reads the media paths of an Audition XML session. Rejected, with a message that quotes the
+/// Reads the media paths of an Audition XML session. Rejected, with a problem that quotes the
 /// line, when the line after the declaration does not begin with "<AuditionSession>"; an empty
 /// file is read and names nothing.
 SessionRead readXmlSession(QByteArrayView bytes, const SessionPlace& place);

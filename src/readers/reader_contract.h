@@ -8,12 +8,14 @@
 #include <optional>
 
 #include "platform/file_system.h"
-#include "platform/interaction.h"
 
 // What every session reader hands back. A reader is a function of the file's bytes (and, for
 // REAPER's record path, of the project folder on disk): it asks and tells the user nothing and
-// leaves no state behind; the session load shows its message and uses its paths.
+// leaves no state behind; the session load reports its problem and uses its paths.
 namespace tidewick {
+
+/// The five kinds of session file, in the order of the kinds table.
+enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
 
 /// The media paths of a session, in the order first met, never the same text twice (letter
 /// case counts). The set beside the list keeps the duplicate test constant-time.
@@ -71,13 +73,32 @@ enum class ReaderOutcome {
     Failed,    ///< the file could not be read, or not to its end (cut short, damaged)
 };
 
-/// Something a reader has to tell the user; the session load shows it as a message box.
-struct ReaderMessage {
-    QString text;
-    QString title;
-    MessageIcon icon = MessageIcon::Information;
+/// What kept a file from being read as a session of its kind.
+enum class ReadFailure {
+    NotThisKind,         ///< the file is no session of the kind
+    UnsupportedVersion,  ///< a session of the kind, of a version that cannot be read
+    CutShort,            ///< a text session that ends before its closing
+    Damaged,             ///< a binary session whose chunks break off or lead astray
+    Unreadable,          ///< the disk would not give the file's bytes
+    Fault,               ///< the read itself failed, such as for want of memory
+};
 
-    bool operator==(const ReaderMessage&) const = default;
+/// How heavily a problem weighs when it is reported: a notice, or an error.
+enum class ReadSeverity { Notice, Error };
+
+/// A problem met while reading a session file, to be reported to the user.
+struct ReadProblem {
+    ReadFailure failure = ReadFailure::Unreadable;
+    SessionKindId kind = SessionKindId::Ses;
+    ReadSeverity severity = ReadSeverity::Error;
+    /// What the report needs besides: the quoted first line of a text file of another kind, the
+    /// version that cannot be read, the closing that a cut file lacks (as a report names it:
+    /// `</sesx>`, or `">"` for REAPER), where a damaged file broke off, or the system's reason.
+    QString detail;
+    /// The session file's path; empty where only bytes were read.
+    QString file;
+
+    bool operator==(const ReadProblem&) const = default;
 };
 
 /// One RECORD_PATH line of a REAPER project, with what the disk said about its value. The
@@ -98,29 +119,52 @@ struct RecordPathLine {
     bool operator==(const RecordPathLine&) const = default;
 };
 
+/// What a binary session holds besides its paths.
+struct SesFacts {
+    /// The file entries, in file order.
+    QList<SesMediaRecord> records;
+    /// The version text, and whether the "vers" chunk was reached at all: a file that fails
+    /// before that point is no session the load can use.
+    QString version;
+    bool versionFound = false;
+
+    bool operator==(const SesFacts&) const = default;
+};
+
+/// What a REAPER project holds besides its paths.
+struct ReaperFacts {
+    /// The record path lines, in file order.
+    QList<RecordPathLine> recordPaths;
+
+    bool operator==(const ReaperFacts&) const = default;
+};
+
 /// Everything one read of one session file found.
 struct SessionRead {
     ReaderOutcome outcome = ReaderOutcome::Read;
     /// The media paths in the order the session names them. Every kind but the binary one
     /// drops repeats; the binary kind gives one path per record (its trimmed file name).
     QStringList paths;
-    /// The binary kind's file entries, in file order.
-    QList<SesMediaRecord> records;
-    /// The binary kind's version text, and whether its "vers" chunk was reached at all: a file
-    /// that fails before that point is no session the load can use.
-    QString version;
-    bool versionFound = false;
-    /// REAPER's record path lines, in file order.
-    QList<RecordPathLine> recordPaths;
-    /// What the user is to be told, when anything.
-    std::optional<ReaderMessage> message;
+    /// The binary kind's own part, for a file that begins as a binary session does.
+    std::optional<SesFacts> ses;
+    /// REAPER's own part, for a file that begins with a project's header.
+    std::optional<ReaperFacts> reaper;
+    /// What went wrong, when anything did (a file of another kind may be rejected without one).
+    std::optional<ReadProblem> problem;
+
+    bool operator==(const SessionRead&) const = default;
 };
+
+/// Whether a binary session's "vers" chunk was reached in `read`.
+inline bool versionFound(const SessionRead& read) {
+    return read.ses && read.ses->versionFound;
+}
 
 /// Whether `read` found a file of another kind altogether: no session, which uses nothing. A
 /// session of the kind that could not be read (damaged, cut short, of a version that cannot be
 /// read) is no foreign file: its media are unknown.
 inline bool isForeignFile(const SessionRead& read) {
-    return read.outcome == ReaderOutcome::Rejected && !read.versionFound;
+    return read.outcome == ReaderOutcome::Rejected && !versionFound(read);
 }
 
 /// Where a session file lives, for the reader that needs to look around it.
@@ -130,10 +174,5 @@ struct SessionPlace {
     /// The disk; only REAPER's record path asks it anything.
     const FileSystem* fs = nullptr;
 };
-
-/// The "File Error" message for a session file of the kind captioned `kindCaption` ("SES",
-/// "RPP", ...) that could not be read: "An error occurred accessing the selected RPP file.  "
-/// followed by the reason.
-ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason);
 
 }  // namespace tidewick

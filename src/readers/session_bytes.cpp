@@ -60,12 +60,6 @@ FileBytes readSessionBytes(const QString& fileName) {
     return {std::move(bytes), {}};
 }
 
-ReaderMessage fileErrorMessage(const QString& kindCaption, const QString& reason) {
-    return {QStringLiteral("An error occurred accessing the selected ") + kindCaption +
-                QStringLiteral(" file.  ") + reason,
-            QStringLiteral("File Error"), MessageIcon::Critical};
-}
-
 qsizetype LineReader::nextOf(char c, qsizetype& cached) const {
     if (cached < pos_) {
         const auto* hit = static_cast<const char*>(
@@ -245,14 +239,6 @@ bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing) {
         --end;
     }
     return bytes.first(end).endsWith(closing);
-}
-
-ReaderMessage incompleteSessionMessage(const QString& kindName, const QString& closing,
-                                       const QString& title) {
-    return {QStringLiteral("This ") + kindName +
-                QStringLiteral(" is incomplete: the file ends before its closing ") + closing +
-                QStringLiteral(", so the media it names cannot all be known."),
-            title, MessageIcon::Critical};
 }
 
 }  // namespace tidewick

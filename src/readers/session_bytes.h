@@ -74,9 +74,11 @@ qsizetype findBytes(QByteArrayView bytes, QByteArrayView needle, qsizetype from 
 /// text session's closing tag): a file cut short ends before it.
 bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing);
 
-/// The message of a text session cut short: it names the `closing` it ends before.
-ReaderMessage incompleteSessionMessage(const QString& kindName, const QString& closing,
-                                       const QString& title);
+/// The problem of a text session of `kind` cut short: it ends before its `closing`, so the media
+/// it names cannot all be known.
+inline ReadProblem cutShortProblem(SessionKindId kind, const QString& closing) {
+    return {ReadFailure::CutShort, kind, ReadSeverity::Error, closing, {}};
+}
 
 /// The most bytes a media path can have; a longer text in a session names no file.
 constexpr qsizetype kMaxPathBytes = 32768;
@@ -86,8 +88,8 @@ constexpr qsizetype kMaxPathBytes = 32768;
 /// "&lt;"; an ampersand that begins no escape stays as it is.
 QByteArray decodeXmlEscapes(QByteArrayView text);
 
-/// A line of the file as a rejection message quotes it: cleaned, decoded, and cut to its first
-/// 1,024 characters, which is all a message box can show; the rest is never copied.
+/// A line of the file as a rejection quotes it: cleaned, decoded, and cut to its first
+/// 1,024 characters, which is all a report of it can show; the rest is never copied.
 QString quotedLine(QByteArrayView line);
 
 /// The text between the first and the second double quote; none when there are fewer than two.

@@ -17,7 +17,7 @@ namespace {
 // One kind as the table below writes it.
 struct KindRow {
     SessionKindId id;
-    const char *caption, *key, *tooltip, *pattern, *scanAllCaption, *keepPeaksCaption, *peaks;
+    const char *idText, *pattern, *peaks;
     SessionReader reader;
     bool subFolderRow;
     const char* recordingsSuffix;
@@ -27,19 +27,16 @@ struct KindRow {
 
 // Audition keeps a session's recordings in a folder named after it: mix_Recorded.
 constexpr KindRow kKinds[] = {
-    {SessionKindId::Ses, "SES", "SESFiles", "Audition/CEP Session Files", "*.ses",
-     "Check All &SES files", "&Keep Used PK Files", "pk", &readSesSession, false, "_Recorded",
-     false, false, ""},
-    {SessionKindId::Sesx, "SESX", "SESXFiles", "Audition CS5.5 Session Files", "*.sesx",
-     "Check All &SESX files", "&Keep Used PKF Files", "pkf", &readSesxSession, false, "_Recorded",
-     false, false, ""},
-    {SessionKindId::Xml, "XML", "XMLFiles", "Audition v3 XML Session Files", "*.xml",
-     "Check All &XML files", "&Keep Used PK Files", "pk", &readXmlSession, false, "_Recorded",
-     false, false, ""},
-    {SessionKindId::Rpp, "RPP", "RPPFiles", "Reaper Session Files", "*.rpp", "Check All &RPP files",
-     "&Keep Used Reapeaks Files", "reapeaks", &readRppSession, true, "", true, true, "*.rpp-bak"},
-    {SessionKindId::Veg, "VEG", "VEGFiles", "Vegas Session Files", "*.veg", "Check All &VEG files",
-     "&Keep Used sfk Files", "sfk", &readVegSession, true, "", true, false, "*.veg.bak"},
+    {SessionKindId::Ses, "ses", "*.ses", "pk", &readSesSession, false, "_Recorded", false, false,
+     ""},
+    {SessionKindId::Sesx, "sesx", "*.sesx", "pkf", &readSesxSession, false, "_Recorded", false,
+     false, ""},
+    {SessionKindId::Xml, "xml", "*.xml", "pk", &readXmlSession, false, "_Recorded", false, false,
+     ""},
+    {SessionKindId::Rpp, "rpp", "*.rpp", "reapeaks", &readRppSession, true, "", true, true,
+     "*.rpp-bak"},
+    {SessionKindId::Veg, "veg", "*.veg", "sfk", &readVegSession, true, "", true, false,
+     "*.veg.bak"},
 };
 
 }  // namespace
@@ -47,26 +44,15 @@ constexpr KindRow kKinds[] = {
 const QList<SessionKind>& sessionKinds() {
     static const QList<SessionKind> kinds = [] {
         QList<SessionKind> list;
-        int tab = 0;
         for (const KindRow& row : kKinds) {
             const auto text = [](const char* latin1) { return QString::fromLatin1(latin1); };
-            list.append({row.id, ++tab, text(row.caption), text(row.key), text(row.tooltip),
-                         text(row.pattern), text(row.scanAllCaption), text(row.keepPeaksCaption),
-                         text(row.peaks), row.reader, row.subFolderRow, text(row.recordingsSuffix),
-                         row.peakNamesWholeMedia, row.namesRecordFolder, text(row.backupPattern)});
+            list.append({row.id, text(row.idText), text(row.pattern), text(row.peaks), row.reader,
+                         row.subFolderRow, text(row.recordingsSuffix), row.peakNamesWholeMedia,
+                         row.namesRecordFolder, text(row.backupPattern)});
         }
         return list;
     }();
     return kinds;
-}
-
-const SessionKind* sessionKindByKey(const QString& key) {
-    for (const SessionKind& kind : sessionKinds()) {
-        if (kind.tabKey == key) {
-            return &kind;
-        }
-    }
-    return nullptr;
 }
 
 const SessionKind* sessionKindForFile(const QString& fileName) {
@@ -109,9 +95,9 @@ const SessionKind& sessionKind(SessionKindId id) {
     Q_UNREACHABLE();
 }
 
-const SessionKind* sessionKindByCaption(const QString& caption) {
+const SessionKind* sessionKindByIdText(const QString& text) {
     for (const SessionKind& kind : sessionKinds()) {
-        if (kind.tabCaption.compare(caption, Qt::CaseInsensitive) == 0) {
+        if (kind.idText.compare(text, Qt::CaseInsensitive) == 0) {
             return &kind;
         }
     }
@@ -120,25 +106,28 @@ const SessionKind* sessionKindByCaption(const QString& caption) {
 
 SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
                             const SessionPlace& place) {
-    const auto failed = [&kind](const QString& reason) {
+    const auto failed = [&](ReadFailure failure, const QString& reason) {
         SessionRead read;
         read.outcome = ReaderOutcome::Failed;
-        read.message = fileErrorMessage(kind.tabCaption, reason);
+        read.problem = ReadProblem{failure, kind.id, ReadSeverity::Error, reason, fileName};
         return read;
     };
     // A fault while reading, such as a file too large for the memory left, ends this read with
-    // the "File Error" message, never the program.
+    // a problem, never the program.
     try {
         const FileBytes file = readSessionBytes(fileName);
         if (!file.error.isEmpty()) {
-            // Named, so that a failure in a whole-folder scan says which file it was.
-            return failed(u'"' + GetFileName(fileName) + QStringLiteral("\": ") + file.error);
+            return failed(ReadFailure::Unreadable, file.error);
         }
-        return kind.reader(file.bytes, place);
+        SessionRead read = kind.reader(file.bytes, place);
+        if (read.problem) {
+            read.problem->file = fileName;
+        }
+        return read;
     } catch (const std::exception& error) {
-        return failed(QString::fromLocal8Bit(error.what()));
+        return failed(ReadFailure::Fault, QString::fromLocal8Bit(error.what()));
     } catch (...) {
-        return failed(QStringLiteral("Unknown error"));
+        return failed(ReadFailure::Fault, QStringLiteral("Unknown error"));
     }
 }
 

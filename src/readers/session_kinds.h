@@ -5,31 +5,26 @@
 
 #include "readers/reader_contract.h"
 
-// The five kinds of session file Tidewick reads, in the order of the tabs. The window, the
-// session load and the unused-file computation all read this one table.
+// The five kinds of session file Tidewick reads, with each format's facts and its reader. The
+// session load, the unused-file computation, the audit and the command line all read this one
+// table; the window's texts for each kind are the forms' own.
 namespace tidewick {
-
-enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
 
 /// Reads the bytes of one session file of a kind.
 using SessionReader = SessionRead (*)(QByteArrayView bytes, const SessionPlace& place);
 
 struct SessionKind {
     SessionKindId id;
-    int tabIndex;              ///< the tab's position, from 1
-    QString tabCaption;        ///< "SES"
-    QString tabKey;            ///< "SESFiles"
-    QString tabTooltip;        ///< "Audition/CEP Session Files"
-    QString sessionPattern;    ///< "*.ses", the pattern of the session-file list
-    QString scanAllCaption;    ///< caption of ScanAll, "&" before the access key
-    QString keepPeaksCaption;  ///< caption of KeepPKCheck
-    QString peakExtension;     ///< "pk", lower case, without the dot
-    SessionReader reader;      ///< reads the bytes of one file of this kind
-    /// The tab shows the sub-folder row, which gathers one more folder (REAPER, Vegas).
+    QString idText;          ///< "ses": the kind as a command or a script names it
+    QString sessionPattern;  ///< "*.ses", the pattern of a folder's session files
+    QString peakExtension;   ///< "pk", lower case, without the dot
+    SessionReader reader;    ///< reads the bytes of one file of this kind
+    /// A load may gather one more folder, where projects of the kind often keep media of their
+    /// own (REAPER, Vegas): the window's sub-folder row, the command line's --add-folder.
     bool subFolderRow = false;
-    /// The record folder a switch to the tab starts from: the suffix of each session's
-    /// recordings folder ("_Recorded": mix_Recorded for mix.ses), gathered with the session
-    /// folder; empty for the kinds whose record folder is the session folder itself.
+    /// The record folder a load starts from: the suffix of each session's recordings folder
+    /// ("_Recorded": mix_Recorded for mix.ses), gathered with the session folder; empty for the
+    /// kinds whose record folder is the session folder itself.
     QString recordingsSuffix;
     /// A peak file is named after the whole media name ("song.wav.reapeaks"), and so belongs to
     /// media of any of the audio extensions, not to a ".wav" alone.
@@ -44,17 +39,14 @@ struct SessionKind {
     QString peakPattern() const { return QStringLiteral("*.") + peakExtension; }
     /// The length of a session file's extension: 4 for "sesx", 3 for the others.
     qsizetype extensionLength() const { return sessionPattern.size() - 2; }
-    /// The record folder a switch to the tab gives, for the session folder `folder`.
+    /// The record folder a load starts from, for the session folder `folder`.
     QString startingRecordFolder(const QString& folder) const {
         return recordingsSuffix.isEmpty() ? folder : recordingsSuffix;
     }
 };
 
-/// All five kinds, in tab order.
+/// All five kinds, in the order the window's tabs show them.
 const QList<SessionKind>& sessionKinds();
-
-/// The kind of a tab key ("SESFiles"); nullptr for an unknown key.
-const SessionKind* sessionKindByKey(const QString& key);
 
 /// The kind whose session-file pattern matches the extension of `fileName`, ignoring case;
 /// nullptr when none does.
@@ -71,12 +63,12 @@ const QStringList& backupFolders();
 /// The kind with the given id.
 const SessionKind& sessionKind(SessionKindId id);
 
-/// The kind whose tab caption is `caption`, ignoring case ("ses", "RPP"); nullptr for none.
-const SessionKind* sessionKindByCaption(const QString& caption);
+/// The kind whose id text is `text`, ignoring case ("ses", "RPP"); nullptr for none.
+const SessionKind* sessionKindByIdText(const QString& text);
 
 /// Reads the session file `fileName` with the reader of `kind`: one read of the whole file,
-/// then the reader over its bytes. A file that cannot be read fails with the "File Error"
-/// message.
+/// then the reader over its bytes. A file that cannot be read fails as unreadable, with the
+/// system's reason; any problem names the file.
 SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
                             const SessionPlace& place);
 

@@ -176,6 +176,9 @@ CopyRequest SessionFolder::copyRequest(const QList<int>& rows) const {
     const QString folder = withSeparator(options_.folder);
     CopyRequest request;
     for (const int row : rows) {
+        if (row < 0 || row >= used_.lines.size()) {
+            continue;  // no used line: the placeholder of a session without media
+        }
         const QString& text = used_.lines.at(row).text;
         request.items.append({text, usedLineFile(text, folder, options_.trimFolders)});
     }

@@ -141,11 +141,10 @@ Preferences loadPreferences(SettingsStore& store, const FileSystem& fs) {
     return preferences;
 }
 
-std::optional<MessageBoxRequest> savePreferences(SettingsStore& store,
-                                                 const Preferences& preferences) {
+Result<void> savePreferences(SettingsStore& store, const Preferences& preferences) {
     const QList<StoredValue> values = storedValues(preferences);
     if (holds(store, values, preferences.excludedFiles.size())) {
-        return std::nullopt;  // nothing changed: the file is left as it is
+        return {};  // nothing changed: the file is left as it is
     }
     // Sections go first, so keys that this run no longer writes (a removed exclusion) vanish;
     // a section that is not there yet is no failure.
@@ -162,18 +161,14 @@ std::optional<MessageBoxRequest> savePreferences(SettingsStore& store,
     // What was written before a refusal stays; a store that takes its writes in one go can
     // refuse them only here.
     if (store.flush() && saved) {
-        return std::nullopt;
+        return {};
     }
     // The store is the registry only on Windows; elsewhere it is a file, named as it is.
 #ifdef Q_OS_WIN
-    const QString where = QStringLiteral("the Windows Registry");
+    return Error{0, QStringLiteral("the Windows Registry")};
 #else
-    const QString where = QStringLiteral("the settings file ") + store.location();
+    return Error{0, QStringLiteral("the settings file ") + store.location()};
 #endif
-    return MessageBoxRequest{QStringLiteral("Access to ") + where +
-                                 QStringLiteral(" failed and the current ") + programName() +
-                                 QStringLiteral(" settings could not be saved."),
-                             QStringLiteral("For Information..."), MessageIcon::Information};
 }
 
 }  // namespace tidewick

@@ -5,8 +5,9 @@
 #include <QStringList>
 #include <optional>
 
+#include "fileops/overwrite_answer.h"
 #include "platform/file_system.h"
-#include "platform/interaction.h"
+#include "platform/result.h"
 #include "settings/settings_store.h"
 
 // What the program keeps of its user between runs, as one value: read once when the main window
@@ -49,9 +50,8 @@ Preferences loadPreferences(SettingsStore& store, const FileSystem& fs);
 
 /// Writes `preferences` to `store`, unless it holds exactly them already, so that a run that
 /// changes nothing leaves the store alone. Every section is written afresh (a removed exclusion
-/// goes); the first refused write ends the save. Nothing when all went well, else the message
-/// for the user.
-std::optional<MessageBoxRequest> savePreferences(SettingsStore& store,
-                                                 const Preferences& preferences);
+/// goes); the first refused write ends the save, with an error whose cause names what could not
+/// be written ("the settings file /home/me/.config/Tidewick/Tidewick.conf").
+Result<void> savePreferences(SettingsStore& store, const Preferences& preferences);
 
 }  // namespace tidewick

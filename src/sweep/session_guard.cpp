@@ -92,9 +92,11 @@ QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind
             known->kind == kind->id) {
             reads[i] = known->read;
             // What the disk said of a record path then may no longer hold: it is asked again.
-            for (RecordPathLine& line : reads[i].recordPaths) {
-                if (line.hasValue) {
-                    checkRecordPath(line, {hostParentFolder(path), &fs});
+            if (reads[i].reaper) {
+                for (RecordPathLine& line : reads[i].reaper->recordPaths) {
+                    if (line.hasValue) {
+                        checkRecordPath(line, {hostParentFolder(path), &fs});
+                    }
                 }
             }
         } else {
@@ -180,8 +182,8 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
             continue;
         }
         if (read[i].outcome != ReaderOutcome::Read) {
-            if (read[i].message && events.tell) {
-                events.tell({read[i].message->text, read[i].message->title, read[i].message->icon});
+            if (read[i].problem && events.tell) {
+                events.tell(*read[i].problem);
             }
             *stoppedAt = name;
             return nullptr;

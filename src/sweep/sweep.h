@@ -9,20 +9,12 @@
 #include <memory>
 
 #include "platform/file_system.h"
-#include "platform/interaction.h"
 #include "readers/session_kinds.h"
 
 // The sweep of one session folder as plain values: which media its sessions use, and which
 // other files of the folder no session uses ("Files to be Moved"). The main window adapts its
 // controls to this, and the command line calls it directly.
 namespace tidewick {
-
-/// The caption of the used-media frame, the placeholder line of a session without media and
-/// the caption of the other-files frame.
-inline const QString kUsedFrameCaption =
-    QStringLiteral("Media File(s) Used  (NB: Files with a check mark exist on Disk)");
-inline const QString kNoMediaText = QStringLiteral("<no media files found>");
-inline const QString kUnusedFrameCaption = QStringLiteral("Files to be Moved");
 
 /// A session of another folder that uses files of a load's folders, as an index of the library
 /// holds it: its file, its kind, and the files it used when it was read.
@@ -104,7 +96,8 @@ struct OtherFile {
 /// What the sessions of one load use.
 struct UsedMedia {
     QList<UsedLine> lines;
-    /// The only line is the placeholder of a single session without media.
+    /// A single session was read and names no media: there are no lines, and the used list
+    /// says so.
     bool noMedia = false;
     /// A read failed: the lines read before it stay, but the other files must not be computed
     /// from a session read only in part.
@@ -125,8 +118,8 @@ struct UsedMedia {
 struct SweepEvents {
     /// A session file is about to be read.
     std::function<void(const QString& fullName)> reading;
-    /// Something the user is to be told (a reader's message, an invalid session).
-    std::function<void(const MessageBoxRequest& message)> tell;
+    /// A session could not be read, or not as one of its kind: the user is to be told.
+    std::function<void(const ReadProblem& problem)> tell;
     /// Pending window events may run now.
     std::function<void()> idle;
 };
@@ -315,7 +308,7 @@ QStringList filesNamedBy(const QString& written, const QString& folder, const Se
 /// folder `sessionFolder` names it ("mix.sesx", "Backups/song.rpp"), and the session files
 /// themselves, hidden from the listings (but for backups, which stay listed). A file its
 /// reader finds foreign is no session and guards nothing. Nothing when a session could not be
-/// read: its name is in `stoppedAt` and its message told, as its media are unknown. The
+/// read: its name is in `stoppedAt` and its problem told, as its media are unknown. The
 /// sessions `elsewhere` guard too, named by their paths; one of them that cannot be read now
 /// keeps the files it used when it was read.
 std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
@@ -325,25 +318,6 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
                                               const QList<SessionElsewhere>& elsewhere = {});
 Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events = {},
                   SessionCache* cache = nullptr);
-
-/// The used-media frame's caption for `lineCount` lines: "mix.ses: 3 Media File(s) Used ...";
-/// after a load that a failed read stopped it says so first.
-QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
-                      const QString& sessionName, bool stopped = false);
-/// The tooltip of a used line: its text, or for a line not found as written whose file was
-/// found by its name, where: "Not found as written; kept: take1.wav in the session folder has
-/// its name". With `sessions`, the sessions that use it follow ("Used by a.ses, b.ses").
-QString usedLineTooltip(const UsedLine& line, bool sessions = false);
-/// What is kept and why, a line each: "kept: 3 file(s) used by other sessions", then
-/// "vox.wav  <- mix.sesx"; at most `lines` files, then how many more. Empty when none is kept.
-QString keptText(const QList<KeptFile>& kept, qsizetype lines = -1);
-/// The other-files frame's caption: "Files to be Moved - [2/5]".
-QString unusedFrameText(qsizetype checked, qsizetype listed);
-/// The information line: "Listed Other Files: 1,024 bytes (0.00Mb) - Selected Other Files: ...".
-QString sizesText(qint64 listed, qint64 checked);
-/// The information line after a load that stopped at a session it could not read, instead of
-/// the sizes: where it stopped, how many sessions were not read, and that no other files show.
-QString stoppedText(const UsedMedia& used, qsizetype scanned);
 
 /// The session files of `folder` that the session-file list shows for `pattern` ("*.ses"),
 /// sorted by name ignoring case: ordinary files and links to them, hidden ones included.

@@ -109,19 +109,21 @@ private:
         }
         const SessionRead read = cache_ ? cache_->read(kind_, fullName, fs_)
                                         : readSessionFile(kind_, fullName, {request_.folder, &fs_});
-        if (read.message) {
-            tell({read.message->text, read.message->title, read.message->icon});
+        if (read.problem) {
+            tell(*read.problem);
         }
         if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
-            !read.versionFound) {
-            tell({u'"' + name + u'"' +
-                      QStringLiteral(" does not appear to be a valid session file."),
-                  QStringLiteral("SES File Error"), MessageIcon::Critical});
+            !versionFound(read)) {
+            // Never reached its version: whatever else was said, it is no session to read.
+            tell({ReadFailure::NotThisKind, SessionKindId::Ses, ReadSeverity::Error, {}, fullName});
         }
-        media_.version = read.outcome == ReaderOutcome::Failed ? QString() : read.version;
-        for (const RecordPathLine& line : read.recordPaths) {
-            media_.recordFolder =
-                foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
+        media_.version =
+            read.outcome == ReaderOutcome::Failed || !read.ses ? QString() : read.ses->version;
+        if (read.reaper) {
+            for (const RecordPathLine& line : read.reaper->recordPaths) {
+                media_.recordFolder =
+                    foldRecordPath(media_.recordFolder, line, sessionFolder_, request_.wholeFolder);
+            }
         }
         addLines(read.paths, name);
         if (read.outcome != ReaderOutcome::Read) {
@@ -129,7 +131,6 @@ private:
             // file of the folder: the load stops rather than offer them for moving.
             media_.stopped = true;
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
-            media_.lines.append({kNoMediaText, false, {}, {}, {}});
             media_.noMedia = true;
         }
     }
@@ -176,9 +177,9 @@ private:
         return {};
     }
 
-    void tell(const MessageBoxRequest& message) {
+    void tell(const ReadProblem& problem) {
         if (events_.tell) {
-            events_.tell(message);
+            events_.tell(problem);
         }
     }
 

@@ -22,6 +22,7 @@
 #include <QUrl>
 
 #include "forms/audit_form.h"
+#include "forms/core_messages.h"
 #include "forms/exclusion_form.h"
 #include "forms/restore_form.h"
 #include "ui/about_dialog.h"
@@ -170,8 +171,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (!std::exchange(unloaded_, true)) {
         const Preferences preferences = form_.Form_Unload();
         if (store_) {
-            if (const auto refused = savePreferences(*store_, preferences)) {
-                form_.ui().showMessage(*refused);
+            if (const Result<void> saved = savePreferences(*store_, preferences); !saved) {
+                form_.ui().showMessage(settingsNotSavedMessage(saved.error()));
             }
         }
     }

@@ -7,6 +7,7 @@
 #include <QTabBar>
 #include <QTreeView>
 
+#include "forms/kind_texts.h"
 #include "platform/places.h"
 #include "readers/session_kinds.h"
 #include "text/path_text.h"
@@ -183,9 +184,10 @@ QTabBar* MainWindow::createTabStrip(Control& control, QWidget* container) {
     tabs->setExpanding(false);
     tabs->setDrawBase(false);
     for (const SessionKind& kind : sessionKinds()) {
-        const int index = tabs->addTab(kind.tabCaption);
-        tabs->setTabData(index, kind.tabKey);
-        tabs->setTabToolTip(index, kind.tabTooltip);
+        const KindTexts& texts = kindTexts(kind.id);
+        const int index = tabs->addTab(texts.tabCaption);
+        tabs->setTabData(index, texts.tabKey);
+        tabs->setTabToolTip(index, texts.tabTooltip);
     }
     connect(tabs, &QTabBar::currentChanged, &control, &Control::setListIndex);
     return tabs;

@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <optional>
 
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 class QPlainTextEdit;
 class QProgressBar;

@@ -4,7 +4,7 @@
 #include <QProgressDialog>
 #include <QWidget>
 
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 // The user behind the Qt window: message boxes, the busy pointer, the event pump, the folder
 // picker, the overwrite question, the file manager and the clipboard.

@@ -234,7 +234,7 @@ TEST(Cli, EverySessionInTheFolderGuardsItsMedia) {
         }
         for (const QString& session : row.sessions) {
             const QStringList parts = session.split(':');
-            const SessionKind* kind = sessionKindByCaption(parts.value(1));
+            const SessionKind* kind = sessionKindByIdText(parts.value(1));
             const QStringList paths = session.section(':', 2).split(',', Qt::SkipEmptyParts);
             const QByteArray bytes =
                 kind ? test::sessionBytes(kind->id, paths) : parts.value(1).toUtf8();

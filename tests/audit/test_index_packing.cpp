@@ -15,14 +15,17 @@ namespace tidewick {
 namespace {
 
 QString described(const SessionRead& read) {
-    QStringList parts = {QString::number(int(read.outcome)), read.paths.join('|'), read.version,
-                         read.versionFound ? "found" : "-"};
-    for (const RecordPathLine& line : read.recordPaths) {
+    QStringList parts = {QString::number(int(read.outcome)), read.paths.join('|')};
+    if (read.ses) {
+        parts << read.ses->version << (read.ses->versionFound ? "found" : "-");
+    }
+    for (const RecordPathLine& line :
+         read.reaper ? read.reaper->recordPaths : QList<RecordPathLine>()) {
         parts.append(line.hasValue ? '=' + line.value : "-");
     }
-    if (read.message) {
-        parts << read.message->text << read.message->title
-              << QString::number(int(read.message->icon));
+    if (const std::optional<ReadProblem>& problem = read.problem) {
+        parts << QString::number(int(problem->failure)) << QString::number(int(problem->kind))
+              << QString::number(int(problem->severity)) << problem->detail << problem->file;
     }
     return parts.join(" / ");
 }
@@ -43,18 +46,23 @@ QString described(const FolderReport& report) {
     return parts.join(" / ");
 }
 
-// A read: its paths, version, record path lines ("-" for a line without a value) and message.
+// A read: its paths, version, record path lines ("-" for a line without a value) and problem.
 SessionRead readOf(ReaderOutcome outcome, const QStringList& paths, const QString& version,
-                   const QStringList& lines, std::optional<ReaderMessage> message = {}) {
+                   const QStringList& lines, std::optional<ReadProblem> problem = {}) {
     SessionRead read;
     read.outcome = outcome;
     read.paths = paths;
-    read.version = version;
-    read.versionFound = !version.isEmpty();
-    for (const QString& line : lines) {
-        read.recordPaths.append({line != "-", line == "-" ? QString() : line, false, false, false});
+    if (!version.isEmpty()) {
+        read.ses = SesFacts{{}, version, true};
     }
-    read.message = std::move(message);
+    QList<RecordPathLine> recordPaths;
+    for (const QString& line : lines) {
+        recordPaths.append({line != "-", line == "-" ? QString() : line, false, false, false});
+    }
+    if (!recordPaths.isEmpty()) {
+        read.reaper = ReaperFacts{recordPaths};
+    }
+    read.problem = std::move(problem);
     return read;
 }
 
@@ -63,8 +71,9 @@ const SessionRead kReads[] = {
     readOf(ReaderOutcome::Read, {"take.wav", "", "C:\\Audio\\vocal é.wav", "../Média/x.wav"},
            "Audition 3.0", {"-", "Media", ""}),
     readOf(ReaderOutcome::Rejected, {}, {}, {},
-           ReaderMessage{"is not a session", "Tidewick", MessageIcon::Critical}),
-    readOf(ReaderOutcome::Failed, {"a.wav"}, {}, {}, ReaderMessage{}),
+           ReadProblem{ReadFailure::NotThisKind, SessionKindId::Veg, ReadSeverity::Error,
+                       "first line", "/s/a.veg"}),
+    readOf(ReaderOutcome::Failed, {"a.wav"}, {}, {}, ReadProblem{}),
 };
 
 FolderReport report(const QString& folder) {

@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 
 #include "forms/audit_form.h"
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "readers/session_kinds.h"
 #include "support/recording_interaction.h"
@@ -60,7 +61,7 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     audit.OpenButton_Click();
     ASSERT_TRUE(audit.chosen());
     form.goToSessionFolder(audit.chosen()->folder, audit.chosen()->kind);
-    EXPECT_EQ(form.browser().selectedTabKey(), sessionKind(SessionKindId::Rpp).tabKey);
+    EXPECT_EQ(form.browser().selectedTabKey(), kindTexts(SessionKindId::Rpp).tabKey);
     EXPECT_EQ(form.control(u"SESFile").text(), root + "/Band");
 
     const QStringList offered = loadBand();

@@ -4,6 +4,7 @@
 #include <QLocale>
 
 #include <QTemporaryDir>
+#include "forms/kind_texts.h"
 #include "forms/main_form.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"  // prints texts in failures
@@ -30,7 +31,7 @@ protected:
     /// is the chosen one already).
     void writeSession(const QString& name, SessionKindId kind, const QStringList& paths) {
         ASSERT_TRUE(writeFile(dir.filePath(name), sessionBytes(kind, paths)));
-        form.browser().selectTabByKey(sessionKind(kind).tabKey);
+        form.browser().selectTabByKey(kindTexts(kind).tabKey);
         form.browser().FileTypeTab_Click();
     }
 
@@ -60,14 +61,15 @@ protected:
 // The sub-folder row shows on the REAPER and Vegas tabs, whose record folder is the session's.
 TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabKey.toStdString());
+        const KindTexts& texts = kindTexts(kind.id);
+        SCOPED_TRACE(texts.tabKey.toStdString());
         const bool subFolderRow = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
         form.browser().selectTabByKey(kind.id == SessionKindId::Veg ? "SESFiles" : "VEGFiles");
         form.lists().usedFiles().addItem("old.wav", true);
         form.control(u"SESVersionLabel").setText("Audition 3.0");
-        form.browser().selectTabByKey(kind.tabKey);
+        form.browser().selectTabByKey(texts.tabKey);
         EXPECT_EQ(form.browser().sessionFilePattern(), kind.sessionPattern);
-        EXPECT_EQ(form.control(u"ScanAll").text(), kind.scanAllCaption);
+        EXPECT_EQ(form.control(u"ScanAll").text(), texts.scanAllCaption);
         const QString record = subFolderRow ? dir.path() : "_Recorded";
         EXPECT_EQ(form.lists().recordFolder(), record);
         EXPECT_EQ(form.control(u"SubFolderName").text(), record);

@@ -32,10 +32,11 @@ TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
     for (const auto& [bytes, quotedLine] : cases) {
         const SessionRead r = readRppSession(bytes, {});
         EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-        EXPECT_EQ(
-            r.message,
-            (ReaderMessage{"This is not a properly formated Reaper Project file\n" + quotedLine,
-                           "Processing RPP File", MessageIcon::Critical}));
+        EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::NotThisKind,
+                                          SessionKindId::Rpp,
+                                          ReadSeverity::Error,
+                                          quotedLine,
+                                          {}}));
         EXPECT_TRUE(r.paths.isEmpty());
     }
 }
@@ -120,9 +121,10 @@ TEST(RppReader, RecordPathLineSetsTheRecordFolder) {
         const QByteArray bytes =
             rpp("RECORD_PATH" + place(line).toUtf8() + "|<SOURCE WAVE|FILE \"a\"");
         const SessionRead r = readRppSession(bytes, f.place());
-        ASSERT_EQ(r.recordPaths.size(), 1) << name;
+        ASSERT_TRUE(r.reaper) << name;
+        ASSERT_EQ(r.reaper->recordPaths.size(), 1) << name;
         EXPECT_EQ(r.paths, QStringList{"a"}) << name;
-        EXPECT_EQ(foldRecordPath(place(folder), r.recordPaths[0], place("%/"), wholeFolder),
+        EXPECT_EQ(foldRecordPath(place(folder), r.reaper->recordPaths[0], place("%/"), wholeFolder),
                   place(expected))
             << name;
     }

@@ -46,9 +46,11 @@ TEST(SesReader, ReadsTheRecordsOfBothLayouts) {
                                        .list({{"C:\\a b.wav"}, {"\tE:\\e.wav"}}, v)
                                        .bytes());
         ASSERT_EQ(r.outcome, ReaderOutcome::Read) << v.constData();
-        EXPECT_EQ(r.version, QString::fromLatin1(v));
-        EXPECT_EQ(r.records.value(0), (SesMediaRecord{7, " C:\\a b.wav  ", FourCC::from("FILE")}));
-        EXPECT_EQ(r.records.value(1), (SesMediaRecord{-3, "D:\\d.wav", FourCC::from("WAVE")}));
+        ASSERT_TRUE(r.ses);
+        EXPECT_EQ(r.ses->version, QString::fromLatin1(v));
+        EXPECT_EQ(r.ses->records.value(0),
+                  (SesMediaRecord{7, " C:\\a b.wav  ", FourCC::from("FILE")}));
+        EXPECT_EQ(r.ses->records.value(1), (SesMediaRecord{-3, "D:\\d.wav", FourCC::from("WAVE")}));
         EXPECT_EQ(r.paths, texts("C:\\a b.wav|D:\\d.wav|C:\\a b.wav|\tE:\\e.wav"));
     }
 }
@@ -58,16 +60,18 @@ TEST(SesReader, RejectsWhatItCannotRead) {
     for (const QByteArray& notSession : {"COOLNESs" + good.mid(8), QByteArray("COOL")}) {
         const SessionRead r = read(notSession);
         EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-        EXPECT_FALSE(r.message || r.versionFound);
+        EXPECT_FALSE(r.problem || r.ses);
     }
     // A version that cannot be read drops the records listed before it.
     const SessionRead r =
         read(SesWriter().version(kA3).list({{"a"}}, kA3).version("Cool Edit Pro 2.0").bytes());
     EXPECT_EQ(r.outcome, ReaderOutcome::Rejected);
-    EXPECT_TRUE(r.versionFound && r.records.isEmpty() && r.paths.isEmpty());
-    EXPECT_EQ(r.message,
-              (ReaderMessage{"Cool Edit Pro 2.0 is not currently supported",
-                             "Importing Audition Session file", MessageIcon::Information}));
+    EXPECT_TRUE(versionFound(r) && r.ses->records.isEmpty() && r.paths.isEmpty());
+    EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::UnsupportedVersion,
+                                      SessionKindId::Ses,
+                                      ReadSeverity::Notice,
+                                      "Cool Edit Pro 2.0",
+                                      {}}));
 }
 
 TEST(SesReader, WalkFindsTheEntries) {
@@ -108,7 +112,7 @@ TEST(SesReader, WalkFindsTheEntries) {
     };
     for (const auto& [name, bytes, paths] : cases) {
         const SessionRead r = read(bytes);
-        EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.message) << name;
+        EXPECT_TRUE(r.outcome == ReaderOutcome::Read && !r.problem) << name;
         EXPECT_EQ(r.paths.join(u'|'), paths) << name;
     }
 }
@@ -135,14 +139,11 @@ TEST(SesReader, HostileFileFailsWithTheReason) {
     for (const auto& [bytes, versionFound, paths, reason] : cases) {
         const SessionRead r = read(bytes);
         EXPECT_EQ(r.outcome, ReaderOutcome::Failed) << reason;
-        EXPECT_EQ(r.versionFound, versionFound) << reason;
+        EXPECT_EQ(tidewick::versionFound(r), versionFound) << reason;
         EXPECT_EQ(r.paths.join(u'|'), paths) << reason;
-        ASSERT_TRUE(r.message) << reason;
-        EXPECT_EQ(r.message->title, "File Error");
-        EXPECT_TRUE(
-            r.message->text.startsWith("An error occurred accessing the selected SES file.") &&
-            r.message->text.contains(reason))
-            << r.message->text.toStdString();
+        ASSERT_TRUE(r.problem) << reason;
+        EXPECT_EQ(r.problem->failure, ReadFailure::Damaged);
+        EXPECT_TRUE(r.problem->detail.contains(reason)) << r.problem->detail.toStdString();
     }
 }
 

@@ -26,10 +26,11 @@ TEST(XmlReader, SecondLineMustBeginWithTheSessionTag) {
         EXPECT_EQ(r.outcome, shownLine ? ReaderOutcome::Rejected : ReaderOutcome::Read) << name;
         EXPECT_EQ(r.paths.join(u'|'), shownLine || bytes.isEmpty() ? "" : "a.wav") << name;
         if (shownLine) {
-            EXPECT_EQ(r.message,
-                      (ReaderMessage{"This is not a properly formated Adobe Audition XML file.\n" +
-                                         QString::fromUtf8(shownLine),
-                                     "Processing XML File", MessageIcon::Information}));
+            EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::NotThisKind,
+                                              SessionKindId::Xml,
+                                              ReadSeverity::Notice,
+                                              QString::fromUtf8(shownLine),
+                                              {}}));
         }
     }
 }

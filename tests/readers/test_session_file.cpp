@@ -19,7 +19,7 @@ SessionRead readAs(Kind kind, QByteArrayView bytes) {
     return sessionKind(kind).reader(bytes, {});
 }
 
-// A file that cannot or must not be read fails with its kind's "File Error" message and why.
+// A file that cannot or must not be read fails as unreadable, named, with why.
 TEST(SessionFile, UnreadableFileFailsWithTheReason) {
     test::ReaderFixture f;
     QFile large(f.dir.filePath("large.ses"));  // sparse: the size is all that is looked at
@@ -33,11 +33,8 @@ TEST(SessionFile, UnreadableFileFailsWithTheReason) {
         for (const auto& [file, reason] : cases) {
             const SessionRead read = readSessionFile(kind, file, f.place());
             EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << reason;
-            // Named, so that a failure in a whole-folder scan says which file it was.
-            EXPECT_EQ(read.message,
-                      (ReaderMessage{"An error occurred accessing the selected " + kind.tabCaption +
-                                         " file.  \"" + GetFileName(file) + "\": " + reason,
-                                     "File Error", MessageIcon::Critical}));
+            EXPECT_EQ(read.problem, (ReadProblem{ReadFailure::Unreadable, kind.id,
+                                                 ReadSeverity::Error, reason, file}));
         }
     }
 }
@@ -55,7 +52,7 @@ TEST(SessionText, PathsAreUtf8WhenValidElseWindows1252) {
         EXPECT_EQ(decodeSessionText(bytes), QString::fromUtf8(text));
         for (const SessionKind& kind : sessionKinds()) {
             EXPECT_EQ(readAs(kind.id, test::sessionBytesOf(kind.id, {bytes})).paths, texts(text))
-                << kind.tabCaption.toStdString() << ": " << text;
+                << kind.idText.toStdString() << ": " << text;
         }
     }
 }
@@ -83,12 +80,12 @@ TEST(SessionFile, EveryKindReadsItsSessionAndEveryPrefixOfIt) {
             if (kind.id != Kind::Ses && kind.id != Kind::Veg) {
                 whole.replace("\r\n", end);
             }
-            ASSERT_EQ(readAs(kind.id, whole).paths, full) << kind.tabCaption.toStdString() << end;
+            ASSERT_EQ(readAs(kind.id, whole).paths, full) << kind.idText.toStdString() << end;
             for (qsizetype size = 0; size < whole.size(); ++size) {
                 const QStringList got = readAs(kind.id, QByteArrayView(whole).first(size)).paths;
                 const qsizetype kept = got.size() - (kind.id == Kind::Xml && !got.isEmpty());
                 ASSERT_TRUE(got.size() <= full.size() && got.first(kept) == full.first(kept))
-                    << kind.tabCaption.toStdString() << " cut at " << size;
+                    << kind.idText.toStdString() << " cut at " << size;
             }
         }
     }
@@ -141,7 +138,7 @@ TEST(SessionFile, CorpusYieldsTheSessionsMedia) {
         // its paths are found, but it is refused, as its other media cannot be known.
         const bool cutShort = QString(file) == "rpp/tears_dont_fall_project.rpp";
         ASSERT_EQ(read.outcome, cutShort ? ReaderOutcome::Failed : ReaderOutcome::Read);
-        EXPECT_EQ(read.message.has_value(), cutShort);
+        EXPECT_EQ(read.problem.has_value(), cutShort);
         EXPECT_EQ(read.paths.size(), count);
         QString expected = QString::fromUtf8(sample);
         if (kind->id == Kind::Rpp) {

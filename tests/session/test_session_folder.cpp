@@ -27,7 +27,7 @@ protected:
         for (const QString& entry : entries) {
             const QStringList parts = entry.split(u':');
             if (parts.size() == 3) {
-                const SessionKind* kind = sessionKindByCaption(parts[1]);
+                const SessionKind* kind = sessionKindByIdText(parts[1]);
                 ASSERT_NE(kind, nullptr) << qPrintable(entry);
                 ASSERT_TRUE(test::writeFile(dir.filePath(parts[0]),
                                             test::sessionBytes(kind->id, parts[2].split(u','))));

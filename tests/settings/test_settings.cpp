@@ -3,6 +3,7 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include "forms/core_messages.h"
 #include "settings/preferences.h"
 #include "settings/settings_store.h"
 #include "support/reader_fixture.h"  // prints texts in failures
@@ -17,9 +18,11 @@ protected:
         QSettingsStore store(storeFile);
         return loadPreferences(store, fs);
     }
+    // The message the window shows when the save fails.
     std::optional<MessageBoxRequest> save(const Preferences& preferences) {
         QSettingsStore store(storeFile);
-        return savePreferences(store, preferences);
+        const Result<void> saved = savePreferences(store, preferences);
+        return saved ? std::nullopt : std::optional(settingsNotSavedMessage(saved.error()));
     }
     QSettings ini() const { return QSettings(storeFile, QSettings::IniFormat); }
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <utility>
 
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 namespace tidewick {
 

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLocale>
 #include <QTemporaryDir>
 
 #ifdef Q_OS_UNIX
@@ -11,6 +10,9 @@
 #include <sys/stat.h>
 #endif
 
+#include "forms/captions.h"
+#include "forms/core_messages.h"
+#include "forms/kind_texts.h"
 #include "support/session_files.h"
 #include "sweep/sweep.h"
 #include "text/path_text.h"
@@ -58,10 +60,13 @@ protected:
     // The used lines as "[x] text" and "[ ] text", and what the user was told.
     QStringList used(const SweepRequest& r) {
         SweepEvents events;
-        events.tell = [this](const MessageBoxRequest& m) { told.append(m.title + ": " + m.text); };
+        events.tell = [this](const ReadProblem& problem) {
+            const MessageBoxRequest m = readProblemMessage(problem);
+            told.append(m.title + ": " + m.text);
+        };
         media = readUsedMedia(r, fs, events);
         QStringList lines;
-        for (const UsedLine& line : media.lines) {
+        for (const UsedLine& line : shownUsedLines(media)) {
             lines.append((line.exists ? "[x] " : "[ ] ") + line.text);
         }
         return lines;
@@ -145,7 +150,7 @@ TEST_F(SweepTest, EachExactTextIsListedOnceInFirstSeenOrder) {
 // An empty session adds no no-media line.
 TEST_F(SweepTest, WholeFolderModeMergesEverySessionSilently) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabCaption.toStdString());
+        SCOPED_TRACE(kind.idText.toStdString());
         const QString e = ext(kind.id);
         writeSession("a" + e, kind.id, {});
         writeSession("b" + e, kind.id, {"C:\\m\\1.wav", "C:\\m\\2.wav"});
@@ -195,7 +200,7 @@ TEST_F(SweepTest, ASingleSessionThatIsNotOneOrHoldsNoMedia) {
 // listed and listing no other files: they could be the media it uses.
 TEST_F(SweepTest, AnUnreadableOrForeignSessionStopsTheLoad) {
     for (const SessionKind& kind : sessionKinds()) {
-        SCOPED_TRACE(kind.tabCaption.toStdString());
+        SCOPED_TRACE(kind.idText.toStdString());
         told.clear();
         const QString e = ext(kind.id);
         writeSession("a" + e, kind.id, {"C:\\1.wav"});
@@ -206,7 +211,7 @@ TEST_F(SweepTest, AnUnreadableOrForeignSessionStopsTheLoad) {
         EXPECT_EQ(used(r), QStringList({"[ ] C:/1.wav"}));
         ASSERT_EQ(told.size(), kind.id == Ses ? 2 : 1);  // and "does not appear to be valid"
         EXPECT_TRUE(told[0].startsWith("File Error: An error occurred accessing the selected " +
-                                       kind.tabCaption + " file.  \"b" + e + "\": "));
+                                       kindTexts(kind.id).tabCaption + " file.  \"b" + e + "\": "));
         EXPECT_TRUE(media.stopped);
         EXPECT_TRUE(sweepFolder(r, fs).others.isEmpty());
         // A file that is no session of the kind, even an empty one, stops it alike.
@@ -389,7 +394,8 @@ TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
     for (const char* name : {"pipe.xml", "zero.xml", "broken.xml"}) {
         const SessionRead read = readSessionFile(sessionKind(Xml), dir.filePath(name), {});
         EXPECT_EQ(read.outcome, ReaderOutcome::Failed) << name;
-        EXPECT_TRUE(read.message && read.message->text.contains(QString("\"%1\": ").arg(name)))
+        EXPECT_TRUE(read.problem &&
+                    readProblemText(*read.problem).contains(QString("\"%1\": ").arg(name)))
             << name;
     }
     EXPECT_TRUE(others(request(Xml, "a.xml"), {}).isEmpty());
@@ -508,23 +514,6 @@ TEST_F(SweepTest, AUsedFileIsRecognisedHoweverItIsReached) {
 }
 
 #endif
-
-// Counts with their frame's caption; bytes in the locale's grouping, also past 2 GB.
-TEST(SweepCaptions, CountTheLinesAndTheBytes) {
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    const QString caption = "Media File(s) Used  (NB: Files with a check mark exist on Disk)";
-    EXPECT_EQ(usedFrameText(1, true, false, "mix.ses"), "0 " + caption);
-    EXPECT_EQ(usedFrameText(3, false, false, "mix.ses", true),
-              "Reading stopped: mix.ses: 3 " + caption);
-    EXPECT_EQ(usedFrameText(3, false, true, "mix.xml"), " Multiple SES files: 3 " + caption);
-    EXPECT_EQ(unusedFrameText(2, 5), "Files to be Moved - [2/5]");
-    EXPECT_EQ(usedLineTooltip({"D:/Song/take1.wav", false, {}, {}, "take1.wav"}),
-              "Not found as written; kept: take1.wav in the session folder has its name");
-    EXPECT_EQ(sizesText(3221225472, 1024),
-              "Listed Other Files: 3,221,225,472 bytes (3,072.00Mb) - Selected Other Files: "
-              "1,024 bytes (0.00Mb)");
-    QLocale::setDefault(QLocale::c());
-}
 
 }  // namespace
 }  // namespace tidewick

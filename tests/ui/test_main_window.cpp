@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/cli/cli.h"
+#include "forms/kind_texts.h"
 #include "forms/move_form.h"
 #include "settings/settings_store.h"
 #include "support/reader_fixture.h"  // prints texts in failures; writes sessions
@@ -384,7 +385,7 @@ TEST_F(MainWindowTest, TheAuditTableSortsAndGoesToTheFolderDoubleClicked) {
     run->window.findChild<QAction*>("mnuFileAudit")->trigger();
     EXPECT_EQ(folders, QStringList({dir.filePath("Big") + " 1", dir.filePath("Small") + " 1"}));
     EXPECT_EQ(run->form.control(u"SESFile").text(), dir.filePath("Big"));
-    EXPECT_EQ(run->form.browser().selectedTabKey(), sessionKind(SessionKindId::Veg).tabKey);
+    EXPECT_EQ(run->form.browser().selectedTabKey(), kindTexts(SessionKindId::Veg).tabKey);
     qunsetenv("XDG_CACHE_HOME");
 }
 

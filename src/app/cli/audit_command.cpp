@@ -4,6 +4,7 @@
 #include "app/cli/cli.h"
 #include "audit/audit_text.h"
 #include "audit/session_index.h"
+#include "forms/core_messages.h"
 #include "text/number_text.h"
 #include "text/path_text.h"
 
@@ -80,6 +81,7 @@ int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     AuditEvents events;
     events.progress = [&line](const AuditProgress& progress) { line.show(progress); };
     events.stopRequested = interrupted;
+    events.describe = readProblemText;
     const LibraryReport report = auditLibrary(root, disk, &index, events);
     line.clear();
     if (json) {

@@ -33,7 +33,7 @@ int sessionsOfKind(const FolderReport& folder, const SessionKind& kind) {
 QJsonObject folderJson(const FolderReport& folder) {
     QJsonObject sessions;
     for (const auto& [id, names] : folder.sessions) {
-        sessions.insert(sessionKind(id).tabCaption, QJsonArray::fromStringList(names));
+        sessions.insert(sessionKind(id).idText.toUpper(), QJsonArray::fromStringList(names));
     }
     QJsonArray missing;
     for (const MissingMedia& media : folder.missing) {
@@ -98,7 +98,7 @@ QString auditText(const LibraryReport& report, bool missing) {
 QString auditCsv(const LibraryReport& report) {
     QString text = QStringLiteral("folder,sessions");
     for (const SessionKind& kind : sessionKinds()) {
-        text += u',' + kind.tabCaption;
+        text += u',' + kind.idText.toUpper();
     }
     text += QStringLiteral(",used,missing,reclaimable_files,reclaimable_bytes,stopped,reason\n");
     for (const FolderReport& folder : report.folders) {

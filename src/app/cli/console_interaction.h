@@ -2,7 +2,7 @@
 
 #include <QTextStream>
 
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 namespace tidewick {
 

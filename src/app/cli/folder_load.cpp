@@ -5,6 +5,8 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "forms/captions.h"
+#include "forms/core_messages.h"
 #include "text/path_text.h"
 
 namespace tidewick::cli {
@@ -69,7 +71,7 @@ bool checkLoadArguments(FolderArguments& parsed, const QString& kindName, bool s
         err << usage;
         return false;
     }
-    parsed.options.kind = sessionKindByCaption(kindName);
+    parsed.options.kind = sessionKindByIdText(kindName);
     if (parsed.options.kind == nullptr) {
         err << "tidewick-cli " << command << ": unknown kind '" << kindName
             << "'; use ses, sesx, xml, rpp or veg\n";
@@ -162,7 +164,9 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
     }
     ScanInteraction ui(err);
     SweepEvents events;
-    events.tell = [&ui](const MessageBoxRequest& message) { ui.showMessage(message); };
+    events.tell = [&ui](const ReadProblem& problem) {
+        ui.showMessage(readProblemMessage(problem));
+    };
     folder.load(options, events);
     if (arguments.pickedRowFolder && !folder.stopped()) {
         // Picked with the row's folder button after the load, the row switched on.

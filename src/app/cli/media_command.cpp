@@ -2,6 +2,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "forms/core_messages.h"
 #include "readers/import_rpp.h"
 #include "readers/session_kinds.h"
 #include "text/path_text.h"
@@ -37,7 +38,7 @@ bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QT
         return false;
     }
     options.kind =
-        kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByCaption(kindName);
+        kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByIdText(kindName);
     if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
@@ -56,13 +57,15 @@ bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QT
 void printDetails(const SessionKind& kind, const SessionRead& read, const QFileInfo& info,
                   QTextStream& err) {
     if (kind.id == SessionKindId::Ses) {
-        err << "version: " << read.version << '\n';
+        err << "version: " << (read.ses ? read.ses->version : QString()) << '\n';
     }
     if (kind.id == SessionKindId::Rpp) {
         const QString projectFolder = withSeparator(info.absolutePath());
         QString recordFolder;
-        for (const RecordPathLine& line : read.recordPaths) {
-            recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+        if (read.reaper) {
+            for (const RecordPathLine& line : read.reaper->recordPaths) {
+                recordFolder = foldRecordPath(recordFolder, line, projectFolder, false);
+            }
         }
         err << "record folder: " << recordFolder << '\n';
     }
@@ -84,13 +87,18 @@ int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
     FileSystem fs;
     const SessionRead read =
         readSessionFile(kind, info.absoluteFilePath(), SessionPlace{info.absolutePath(), &fs});
-    if (read.message) {
+    if (read.problem) {
         ConsoleInteraction ui(err);
-        showOk(ui, read.message->text, read.message->title, read.message->icon);
+        ui.showMessage(readProblemMessage(*read.problem));
     }
     if (read.outcome == ReaderOutcome::Rejected && kind.id == SessionKindId::Ses &&
-        read.version.isEmpty()) {
-        err << '"' << info.fileName() << "\" does not appear to be a valid session file.\n";
+        (!read.ses || read.ses->version.isEmpty())) {
+        const ReadProblem invalid{ReadFailure::NotThisKind,
+                                  SessionKindId::Ses,
+                                  ReadSeverity::Error,
+                                  {},
+                                  info.absoluteFilePath()};
+        err << readProblemText(invalid) << '\n';
     }
     if (options.verbose) {
         printDetails(kind, read, info, err);

@@ -5,6 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/folder_load.h"
+#include "forms/captions.h"
 #include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 #include "sweep/sweep.h"
@@ -43,7 +44,7 @@ Captions captionsOf(const SessionFolder& folder) {
 void printFolder(const SessionFolder& folder, QTextStream& out) {
     const Captions captions = captionsOf(folder);
     out << "used: " << visibleText(captions.used) << '\n';
-    for (const UsedLine& line : folder.usedLines()) {
+    for (const UsedLine& line : shownUsedLines(folder.used())) {
         out << (line.exists ? "[x] " : "[ ] ") << visibleText(line.text) << '\n';
     }
     out << "unused: " << captions.unused << '\n';
@@ -64,7 +65,7 @@ void printFolder(const SessionFolder& folder, QTextStream& out) {
 void printFolderJson(const SessionFolder& folder, QTextStream& out) {
     const Captions captions = captionsOf(folder);
     QJsonArray used;
-    for (const UsedLine& line : folder.usedLines()) {
+    for (const UsedLine& line : shownUsedLines(folder.used())) {
         used.append(QJsonObject{{QStringLiteral("text"), line.text},
                                 {QStringLiteral("exists"), line.exists},
                                 {QStringLiteral("path"), line.path}});

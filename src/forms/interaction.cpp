@@ -1,4 +1,4 @@
-#include "platform/interaction.h"
+#include "forms/interaction.h"
 
 namespace tidewick {
 

@@ -1,9 +1,8 @@
-#include "sweep/sweep.h"
+#include "forms/captions.h"
+
 #include "text/number_text.h"
 #include "text/path_text.h"
 
-// The captions of the two list frames and the information line, as the window and the command
-// line show them.
 namespace tidewick {
 
 namespace {
@@ -16,6 +15,13 @@ QString bytesAndMegabytes(qint64 bytes) {
 
 }  // namespace
 
+QList<UsedLine> shownUsedLines(const UsedMedia& used) {
+    if (used.noMedia) {
+        return {{kNoMediaText, false, {}, {}, {}}};
+    }
+    return used.lines;
+}
+
 QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
                       const QString& sessionName, bool stopped) {
     if (stopped) {
@@ -23,11 +29,11 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
         return QStringLiteral("Reading stopped: ") +
                usedFrameText(lineCount, noMedia, wholeFolder, sessionName);
     }
-    if (lineCount == 0) {
-        return kUsedFrameCaption;
-    }
     if (noMedia) {
         return QStringLiteral("0 ") + kUsedFrameCaption;
+    }
+    if (lineCount == 0) {
+        return kUsedFrameCaption;
     }
     const QString counted = QString::number(lineCount) + QLatin1Char(' ') + kUsedFrameCaption;
     if (wholeFolder) {

@@ -3,6 +3,8 @@
 #include <QString>
 #include <optional>
 
+#include "fileops/overwrite_answer.h"
+
 // Everything the user is asked or told goes through UserInteraction, so the logic runs the same
 // behind the Qt window, behind the command line and behind a scripted stand-in in tests.
 namespace tidewick {
@@ -10,10 +12,6 @@ namespace tidewick {
 enum class MessageIcon { None, Information, Exclamation, Question, Critical };
 enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel, AbortRetryIgnore };
 enum class MessageAnswer { Ok, Cancel, Yes, No, Abort, Retry, Ignore };
-
-/// The buttons of the overwrite question, by their index: "&Yes", "Yes to &All", "&No",
-/// "&Cancel".
-enum class OverwriteAnswer : qint16 { Yes = 0, YesToAll = 1, No = 2, Cancel = 3 };
 
 /// One message box: its text (CR LF between lines), title, icon, buttons and default button.
 struct MessageBoxRequest {
@@ -57,7 +55,8 @@ public:
     }
 
     /// Asks whether a file already in the target may be overwritten: `message` names it, and the
-    /// button `focus` has the keyboard focus. Nothing when the question was closed without an
+    /// button `focus` has the keyboard focus ("&Yes", "Yes to &All", "&No", "&Cancel", in the
+    /// order of the answers). Nothing when the question was closed without an
     /// answer (by the window frame); without a window there is no answer.
     virtual std::optional<OverwriteAnswer> askOverwrite(const QString& message,
                                                         OverwriteAnswer focus) {
