@@ -23,20 +23,21 @@ struct KindRow {
     const char* recordingsSuffix;
     bool peakNamesWholeMedia, namesRecordFolder;
     const char* backupPattern;
+    bool namesWholePaths, versionFirst, exactExtension;
 };
 
 // Audition keeps a session's recordings in a folder named after it: mix_Recorded.
 constexpr KindRow kKinds[] = {
     {SessionKindId::Ses, "ses", "*.ses", "pk", &readSesSession, false, "_Recorded", false, false,
-     ""},
+     "", true, true, false},
     {SessionKindId::Sesx, "sesx", "*.sesx", "pkf", &readSesxSession, false, "_Recorded", false,
-     false, ""},
+     false, "", false, false, true},
     {SessionKindId::Xml, "xml", "*.xml", "pk", &readXmlSession, false, "_Recorded", false, false,
-     ""},
+     "", false, false, true},
     {SessionKindId::Rpp, "rpp", "*.rpp", "reapeaks", &readRppSession, true, "", true, true,
-     "*.rpp-bak"},
-    {SessionKindId::Veg, "veg", "*.veg", "sfk", &readVegSession, true, "", true, false,
-     "*.veg.bak"},
+     "*.rpp-bak", false, false, true},
+    {SessionKindId::Veg, "veg", "*.veg", "sfk", &readVegSession, true, "", true, false, "*.veg.bak",
+     false, false, true},
 };
 
 }  // namespace
@@ -48,7 +49,8 @@ const QList<SessionKind>& sessionKinds() {
             const auto text = [](const char* latin1) { return QString::fromLatin1(latin1); };
             list.append({row.id, text(row.idText), text(row.pattern), text(row.peaks), row.reader,
                          row.subFolderRow, text(row.recordingsSuffix), row.peakNamesWholeMedia,
-                         row.namesRecordFolder, text(row.backupPattern)});
+                         row.namesRecordFolder, text(row.backupPattern), row.namesWholePaths,
+                         row.versionFirst, row.exactExtension});
         }
         return list;
     }();

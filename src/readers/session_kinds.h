@@ -34,6 +34,15 @@ struct SessionKind {
     /// The pattern of the backups the editor writes beside a session ("*.rpp-bak"); empty for
     /// the kinds that keep theirs in a folder of their own.
     QString backupPattern;
+    /// Each file is named by its whole path as saved (the binary session): a path is taken as
+    /// written, never joined to the session folder.
+    bool namesWholePaths = false;
+    /// The file gives its version before its media (the binary session): one whose reading
+    /// failed before the version is no session of the kind at all.
+    bool versionFirst = false;
+    /// A file is read only when its extension is exactly the kind's: "a.xmlx" listed under
+    /// "*.xml" is passed over unread, and with nothing read no file of the folder is offered.
+    bool exactExtension = false;
 
     /// The peak files' pattern: "*.pk".
     QString peakPattern() const { return QStringLiteral("*.") + peakExtension; }

@@ -48,7 +48,7 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     // nothing read, every file would look unused.
     const bool longExtension =
         !request.wholeFolder && sweep.used.lastExtension.size() > kind.extensionLength();
-    if (sweep.used.stopped || nothingSelected || (kind.id != SessionKindId::Ses && longExtension)) {
+    if (sweep.used.stopped || nothingSelected || (kind.exactExtension && longExtension)) {
         return sweep;
     }
     SweepRequest listed = request;

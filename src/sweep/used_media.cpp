@@ -43,7 +43,7 @@ struct Resolved {
     QChar drive;  // the first character of the root that must exist before the file is tested
 };
 
-Resolved resolvePath(const QString& readPath, SessionKindId kind, const QString& sessionFolder,
+Resolved resolvePath(const QString& readPath, const SessionKind& kind, const QString& sessionFolder,
                      bool trim, const QString& recordFolder) {
     const QString path = toHostPath(readPath);
     const QChar sessionDrive = firstChar(sessionFolder);
@@ -51,7 +51,7 @@ Resolved resolvePath(const QString& readPath, SessionKindId kind, const QString&
         const QString shown = trimFolders(path, recordFolder);
         return {shown, sessionFolder + shown, sessionDrive};
     }
-    if (kind == SessionKindId::Ses) {
+    if (kind.namesWholePaths) {
         return {path, path, firstChar(readPath)};
     }
     if (GetParentFolderName(path).isEmpty()) {
@@ -98,7 +98,7 @@ public:
 private:
     void readSession(const QString& name) {
         const QString fullName = sessionFolder_ + name;
-        if (kind_.id != SessionKindId::Ses) {
+        if (kind_.exactExtension) {
             media_.lastExtension = GetExtensionName(fullName);
             if (media_.lastExtension.size() != kind_.extensionLength()) {
                 return;  // "take.sesx2" under SESX, "a.xmlx" under XML: not read, not said
@@ -112,10 +112,9 @@ private:
         if (read.problem) {
             tell(*read.problem);
         }
-        if (kind_.id == SessionKindId::Ses && read.outcome != ReaderOutcome::Read &&
-            !versionFound(read)) {
+        if (kind_.versionFirst && read.outcome != ReaderOutcome::Read && !versionFound(read)) {
             // Never reached its version: whatever else was said, it is no session to read.
-            tell({ReadFailure::NotThisKind, SessionKindId::Ses, ReadSeverity::Error, {}, fullName});
+            tell({ReadFailure::NotThisKind, kind_.id, ReadSeverity::Error, {}, fullName});
         }
         media_.version =
             read.outcome == ReaderOutcome::Failed || !read.ses ? QString() : read.ses->version;
@@ -137,7 +136,7 @@ private:
 
     void addLines(const QStringList& paths, const QString& session) {
         for (const QString& readPath : paths) {
-            Resolved line = resolvePath(readPath, kind_.id, sessionFolder_, request_.trimFolders,
+            Resolved line = resolvePath(readPath, kind_, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);
             if (const auto seen = shown_.constFind(line.shown); seen != shown_.constEnd()) {
                 QStringList& sessions = media_.lines[*seen].sessions;
