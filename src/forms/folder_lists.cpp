@@ -2,7 +2,6 @@
 
 #include "forms/captions.h"
 #include "forms/exclusion_form.h"
-#include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "sweep/media_types.h"
 #include "text/path_text.h"
@@ -16,10 +15,13 @@ constexpr qsizetype kKeptTooltipLines = 30;
 
 }  // namespace
 
-FolderLists::FolderLists(MainForm& window)
+FolderLists::FolderLists(const WindowServices& window, QObject& context, SessionBrowser& browser,
+                         const std::function<void(ExclusionForm& form)>& showExclusionForm)
     : window_(window),
-      ui_(window.ui()),
-      disk_(window.disk()),
+      browser_(browser),
+      showExclusionForm_(showExclusionForm),
+      ui_(window.ui),
+      disk_(window.disk),
       UsedFrame(window.control(u"UsedFrame")),
       UsedFilesBox(window.control(u"UsedFiles")),
       IgnoreFoldersCheck(window.control(u"IgnoreFoldersCheck")),
@@ -34,19 +36,19 @@ FolderLists::FolderLists(MainForm& window)
       KeepPKCheck(window.control(u"KeepPKCheck")),
       ExcludedCheck(window.control(u"ExcludedCheck")),
       InfoLabel(window.control(u"InfoLabel")),
-      session_(window.disk()),
-      sizeCache_(std::make_unique<SizeCache>(UnusedFiles, window.disk())) {
+      session_(window.disk),
+      sizeCache_(std::make_unique<SizeCache>(UnusedFiles, window.disk)) {
     session_.setSessionsElsewhere([this](const QStringList& folders) {
         return library_.sessionsUsing(folders, disk_, session_.cache());
     });
-    connectEvents(window);
+    connectEvents(context);
 }
 
 FolderLists::~FolderLists() = default;
 
-void FolderLists::connectEvents(MainForm& window) {
-    const auto on = [&window, this](QStringView name, void (FolderLists::*handler)()) {
-        QObject::connect(&window.control(name), &Control::clicked, &window,
+void FolderLists::connectEvents(QObject& context) {
+    const auto on = [&context, this](QStringView name, void (FolderLists::*handler)()) {
+        QObject::connect(&window_.control(name), &Control::clicked, &context,
                          [this, handler] { (this->*handler)(); });
     };
     on(u"SESFile", &FolderLists::SESFile_Click);
@@ -58,17 +60,13 @@ void FolderLists::connectEvents(MainForm& window) {
     on(u"SubFolderCheck", &FolderLists::SubFolderCheck_Click);
     on(u"SubFolderButton", &FolderLists::SubFolderButton_Click);
     for (int index = 0; index < 3; ++index) {
-        QObject::connect(&window.control(QStringLiteral("SelectButton%1").arg(index)),
-                         &Control::clicked, &window, [this, index] { SelectButton_Click(index); });
+        QObject::connect(&window_.control(QStringLiteral("SelectButton%1").arg(index)),
+                         &Control::clicked, &context, [this, index] { SelectButton_Click(index); });
     }
-    QObject::connect(&UsedFiles, &CheckListModel::itemCheck, &window,
+    QObject::connect(&UsedFiles, &CheckListModel::itemCheck, &context,
                      [this](int item) { UsedFiles_ItemCheck(item); });
-    QObject::connect(&UnusedFiles, &CheckListModel::itemCheck, &window,
+    QObject::connect(&UnusedFiles, &CheckListModel::itemCheck, &context,
                      [this](int item) { UnusedFiles_ItemCheck(item); });
-}
-
-SessionBrowser& FolderLists::browser() const {
-    return window_.browser();
 }
 
 void FolderLists::prepare() {
@@ -114,10 +112,10 @@ void FolderLists::KeepPKCheck_Click() {
 void FolderLists::ExcludedCheck_Click() {
     // A click that checks the box opens the exclusion list. The move applies it, not this list,
     // which keeps showing such files.
-    Q_EMIT window_.focusRequested(QStringLiteral("UnusedFiles"));
-    if (ExcludedCheck.checked() && window_.showExclusionForm) {
+    window_.focus(QStringLiteral("UnusedFiles"));
+    if (ExcludedCheck.checked() && showExclusionForm_) {
         ExclusionForm editor(ui_, ExcludedFiles);
-        window_.showExclusionForm(editor);
+        showExclusionForm_(editor);
     }
 }
 
@@ -141,7 +139,7 @@ void FolderLists::SelectButton_Click(int index) {
     UnusedFilesBox.setListIndex(-1);
     ui_.setBusyPointer(false);
     UpdateSelCounter();
-    Q_EMIT window_.focusRequested(UnusedFilesBox.name());
+    window_.focus(UnusedFilesBox.name());
 }
 
 void FolderLists::UnusedFiles_DblClick() {

@@ -6,7 +6,8 @@
 
 #include "audit/audited_library.h"
 #include "forms/check_list_model.h"
-#include "forms/control.h"
+#include "forms/session_browser.h"
+#include "forms/window_services.h"
 #include "session/session_folder.h"
 
 // The right-hand side of the main window: the media the loaded sessions use, the other files of
@@ -16,16 +17,19 @@
 // found.
 namespace tidewick {
 
-class MainForm;
-class SessionBrowser;
+class ExclusionForm;
 class SizeCache;
-class UserInteraction;
-class FileOperations;
 
 class FolderLists {
 public:
-    explicit FolderLists(MainForm& window);
+    /// The lists of the window `window`, loading what `browser` selects; `showExclusionForm`
+    /// shows the exclusion editor, when set.
+    FolderLists(const WindowServices& window, QObject& context, SessionBrowser& browser,
+                const std::function<void(ExclusionForm& form)>& showExclusionForm);
     ~FolderLists();
+
+    /// Called after each load: what follows the selected session is to follow it.
+    std::function<void()> loaded;
 
     /// The lines of the used-media list and of the other-files list ("Files to be Moved").
     CheckListModel& usedFiles() { return UsedFiles; }
@@ -103,7 +107,9 @@ public:
     void libraryChanged() { library_.reopen(); }
 
 private:
-    MainForm& window_;
+    const WindowServices& window_;
+    SessionBrowser& browser_;
+    const std::function<void(ExclusionForm& form)>& showExclusionForm_;
     UserInteraction& ui_;
     FileOperations& disk_;
     Control& UsedFrame;
@@ -137,7 +143,7 @@ private:
     };
     LoadGuard load_;
 
-    SessionBrowser& browser() const;
+    SessionBrowser& browser() const { return browser_; }
     /// The window's answers to what a load reports.
     SweepEvents sweepEvents();
     void runSessionLoad();
@@ -145,7 +151,7 @@ private:
     void showOtherFiles(const QList<OtherFile>& files);
     /// Adds `files` to UnusedFiles, each with its size.
     void appendOtherFiles(const QList<OtherFile>& files);
-    void connectEvents(MainForm& window);
+    void connectEvents(QObject& context);
 };
 
 }  // namespace tidewick

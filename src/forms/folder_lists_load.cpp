@@ -2,7 +2,6 @@
 #include "forms/core_messages.h"
 #include "forms/folder_lists.h"
 #include "forms/kind_texts.h"
-#include "forms/main_form.h"
 #include "forms/size_cache.h"
 #include "text/path_text.h"
 
@@ -102,7 +101,9 @@ void FolderLists::runSessionLoad() {
         SubFolderName.setText(row);  // the folder the projects' record folder names
     }
     UpdateSelCounter();
-    window_.UpdateSubFolder();
+    if (loaded) {
+        loaded();
+    }
     SESVersionLabel.setText(session_.used().version);
     ui_.setBusyPointer(false);
     caption.setText(savedCaption);
@@ -265,7 +266,7 @@ void FolderLists::SubFolderButton_Click() {
 }
 
 void FolderLists::SubFolderName_GotFocus() {
-    Q_EMIT window_.textSelectionRequested(SubFolderName.name());
+    window_.selectText(SubFolderName.name());
 }
 
 }  // namespace tidewick

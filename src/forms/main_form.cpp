@@ -70,6 +70,8 @@ QString versionCaption(const QString& programName, int major, int minor, int rev
 MainForm::MainForm(UserInteraction& ui)
     : controls_(createControls(kLayout)),
       ui_(ui),
+      services_{controls_, ui_, FSO, [this](const QString& name) { Q_EMIT focusRequested(name); },
+                [this](const QString& name) { Q_EMIT textSelectionRequested(name); }},
       Main(control(u"Main")),
       MoveFrame(control(u"MoveFrame")),
       TargetFolderName(control(u"TargetFolderName")),
@@ -77,9 +79,15 @@ MainForm::MainForm(UserInteraction& ui)
       StoreInSubFolderCheck(control(u"StoreInSubFolderCheck")),
       MoveButton(control(u"MoveButton")),
       CloseButton(control(u"CloseButton")),
-      browser_(*this),
-      lists_(*this),
-      copy_(*this) {
+      browser_(services_, *this),
+      lists_(services_, *this, browser_, showExclusionForm),
+      copy_(services_, *this, lists_) {
+    browser_.setEvents(
+        {[this] { lists_.noteBrowserChange(); }, [this] { lists_.clearLists(); },
+         [this] { lists_.clearVersion(); }, [this] { lists_.UpdateSelCounter(); },
+         [this](const SessionKind& kind, const QString& folder) { lists_.startKind(kind, folder); },
+         [this] { UpdateSubFolder(); }});
+    lists_.loaded = [this] { UpdateSubFolder(); };
     connectEvents();
 }
 

@@ -16,6 +16,7 @@
 #include "forms/move_form.h"
 #include "forms/session_browser.h"
 #include "forms/used_files_copy.h"
+#include "forms/window_services.h"
 #include "settings/preferences.h"
 
 // The main window without widgets: its controls, made from the layout table, and the shell that
@@ -138,6 +139,7 @@ private:
     std::vector<std::unique_ptr<Control>> controls_;
     UserInteraction& ui_;
     FileOperations FSO;
+    WindowServices services_;
     Control& Main;
     Control& MoveFrame;
     Control& TargetFolderName;

@@ -4,8 +4,8 @@
 #include <QStorageInfo>
 
 #include "forms/kind_texts.h"
-#include "forms/main_form.h"
 #include "platform/places.h"
+#include "sweep/sweep.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -35,11 +35,9 @@ QString driveName(const QString& drive) {
 
 }  // namespace
 
-SessionBrowser::SessionBrowser(MainForm& window)
-    : window_(window),
-      ui_(window.ui()),
-      disk_(window.disk()),
-      FilesFrame(window.control(u"FilesFrame")),
+SessionBrowser::SessionBrowser(const WindowServices& window, QObject& context)
+    : ui_(window.ui),
+      disk_(window.disk),
       SESDrive(window.control(u"SESDrive")),
       SESDir(window.control(u"SESDir")),
       FileTypeTab(window.control(u"FileTypeTab")),
@@ -51,18 +49,14 @@ SessionBrowser::SessionBrowser(MainForm& window)
     FileTypeTab.setItems(tabCaptions);
     FileTypeTab.setListIndex(0);  // a tab strip always has a tab selected
 
-    QObject::connect(&SESDrive, &Control::textChanged, &window, [this] { SESDrive_Change(); });
-    QObject::connect(&SESDir, &Control::textChanged, &window, [this] { SESDir_Change(); });
-    QObject::connect(&FileTypeTab, &Control::clicked, &window, [this] { FileTypeTab_Click(); });
+    QObject::connect(&SESDrive, &Control::textChanged, &context, [this] { SESDrive_Change(); });
+    QObject::connect(&SESDir, &Control::textChanged, &context, [this] { SESDir_Change(); });
+    QObject::connect(&FileTypeTab, &Control::clicked, &context, [this] { FileTypeTab_Click(); });
     // The session-file list follows its folder: a new path lists that folder's files.
-    QObject::connect(&SESFile, &Control::textChanged, &window, [this] {
+    QObject::connect(&SESFile, &Control::textChanged, &context, [this] {
         refreshSessionFiles();
         SESFile_PathChange();
     });
-}
-
-FolderLists& SessionBrowser::lists() {
-    return window_.lists();
 }
 
 void SessionBrowser::SESDrive_Change() {
@@ -71,7 +65,7 @@ void SessionBrowser::SESDrive_Change() {
         return;
     }
     const QString previousFolder = SESDir.text();
-    lists().noteBrowserChange();
+    raise(events_.changing);
 
     const QString problem = driveProblem(drive);
     if (!problem.isEmpty()) {
@@ -93,17 +87,17 @@ void SessionBrowser::SESDrive_Change() {
     }
     folderAfterDriveError_.clear();
     SESDir.setText(folder);  // runs SESDir_Change
-    lists().clearLists();
-    lists().UpdateSelCounter();
+    raise(events_.emptied);
+    raise(events_.counted);
 }
 
 void SessionBrowser::SESDir_Change() {
-    lists().noteBrowserChange();
-    lists().clearLists();
+    raise(events_.changing);
+    raise(events_.emptied);
     showSessionFolder(SESDir.text());
-    lists().clearVersion();
-    lists().UpdateSelCounter();
-    window_.UpdateSubFolder();
+    raise(events_.versionCleared);
+    raise(events_.counted);
+    raise(events_.folderShown);
 }
 
 void SessionBrowser::SESDir_Click(const QString& clickedFolder) {
@@ -130,21 +124,23 @@ void SessionBrowser::showSessionFolder(const QString& folder) {
 }
 
 void SessionBrowser::SESFile_PathChange() {
-    lists().clearVersion();
+    raise(events_.versionCleared);
 }
 
 void SessionBrowser::FileTypeTab_Click() {
     const QString shownFolder = SESFile.text();
-    lists().noteBrowserChange();
-    lists().clearLists();
+    raise(events_.changing);
+    raise(events_.emptied);
     if (const SessionKind* kind = selectedKind()) {
         sessionFilePattern_ = kind->sessionPattern;  // listed below, once
-        lists().startKind(*kind, shownFolder);
+        if (events_.kindChosen) {
+            events_.kindChosen(*kind, shownFolder);
+        }
     }
     refreshSessionFiles();
     // Nothing is loaded, so nothing of the previous kind's session may still show.
-    lists().clearVersion();
-    lists().UpdateSelCounter();
+    raise(events_.versionCleared);
+    raise(events_.counted);
 }
 
 QString SessionBrowser::driveOf(const QString& folder) const {

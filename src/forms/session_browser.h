@@ -2,22 +2,36 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
 
-#include "forms/control.h"
+#include "forms/window_services.h"
 #include "readers/session_kinds.h"
 
 // The left-hand side of the main window, through which the user picks what to load: drive,
 // folder, session kind and session. Every change of drive, folder or kind empties both lists.
 namespace tidewick {
 
-class MainForm;
-class FolderLists;
-class UserInteraction;
-class FileOperations;
+/// What the browser's changes ask of the rest of the window.
+struct BrowserEvents {
+    /// The drive, folder or tab is changing: what was loaded belongs to another folder or kind.
+    std::function<void()> changing;
+    /// Both lists are to be emptied.
+    std::function<void()> emptied;
+    /// The loaded session's version is to be cleared.
+    std::function<void()> versionCleared;
+    /// The lists' counts are to be shown afresh.
+    std::function<void()> counted;
+    /// The tab of `kind` was chosen with the folder `folder` shown.
+    std::function<void(const SessionKind& kind, const QString& folder)> kindChosen;
+    /// A folder was shown: what follows the selected session is to follow it.
+    std::function<void()> folderShown;
+};
 
 class SessionBrowser {
 public:
-    explicit SessionBrowser(MainForm& window);
+    SessionBrowser(const WindowServices& window, QObject& context);
+    /// The window's answers to the browser's changes.
+    void setEvents(BrowserEvents events) { events_ = std::move(events); }
 
     // The controls' events.
     void SESDrive_Change();
@@ -57,10 +71,9 @@ public:
     QString selectedSession() const { return SESFile.items().value(SESFile.listIndex()); }
 
 private:
-    MainForm& window_;
     UserInteraction& ui_;
     FileOperations& disk_;
-    Control& FilesFrame;
+    BrowserEvents events_;
     Control& SESDrive;
     Control& SESDir;
     Control& FileTypeTab;
@@ -69,7 +82,11 @@ private:
     /// Where the browser returns after a "Drive Error".
     QString folderAfterDriveError_;
 
-    FolderLists& lists();
+    static void raise(const std::function<void()>& event) {
+        if (event) {
+            event();
+        }
+    }
 };
 
 }  // namespace tidewick

@@ -1,7 +1,6 @@
 #include "forms/used_files_copy.h"
 
 #include "fileops/copy_used.h"
-#include "forms/main_form.h"
 #include "text/number_text.h"
 #include "text/path_text.h"
 
@@ -24,9 +23,13 @@ CopyFailureAnswer copyFailureAnswer(MessageAnswer answer) {
 
 }  // namespace
 
-UsedFilesCopy::UsedFilesCopy(MainForm& window)
-    : window_(window), ui_(window.ui()), CopyFilesButton(window.control(u"CopyFilesButton")) {
-    QObject::connect(&CopyFilesButton, &Control::clicked, &window,
+UsedFilesCopy::UsedFilesCopy(const WindowServices& window, QObject& context,
+                             const FolderLists& lists)
+    : window_(window),
+      lists_(lists),
+      ui_(window.ui),
+      CopyFilesButton(window.control(u"CopyFilesButton")) {
+    QObject::connect(&CopyFilesButton, &Control::clicked, &context,
                      [this] { CopyFilesButton_Click(); });
 }
 
@@ -36,7 +39,7 @@ QList<Control*> UsedFilesCopy::frames() const {
 }
 
 QList<int> UsedFilesCopy::checkedUsedRows() const {
-    const CheckListModel& used = window_.lists().usedFiles();
+    const CheckListModel& used = lists_.usedFiles();
     QList<int> rows;
     for (int row = 0; row < used.count(); ++row) {
         if (used.isChecked(row)) {
@@ -47,7 +50,7 @@ QList<int> UsedFilesCopy::checkedUsedRows() const {
 }
 
 void UsedFilesCopy::CopyFilesButton_Click() {
-    const CopyRequest request = window_.lists().session().copyRequest(checkedUsedRows());
+    const CopyRequest request = lists_.session().copyRequest(checkedUsedRows());
     const QList<CopyItem>& items = request.items;
     const auto finish = [this] {
         ui_.setBusyPointer(false);
@@ -135,7 +138,7 @@ std::optional<int> UsedFilesCopy::copyWithProgress(const CopyRequest& request) {
         return copyFailureAnswer(answer);
     };
     const CopyOutcome outcome =
-        copyUsedFiles(request.items, CopyFolder, window_.disk(), events, request.usedFiles);
+        copyUsedFiles(request.items, CopyFolder, window_.disk, events, request.usedFiles);
     ui_.endProgress();
     copying_ = false;
     Main.setText(savedCaption);

@@ -4,19 +4,16 @@
 #include <QString>
 #include <optional>
 
-#include "forms/control.h"
-#include "session/session_folder.h"
+#include "forms/folder_lists.h"
+#include "forms/window_services.h"
 
 // "Cop&y Files": the used files present on disk (the checked lines of the used list) copied into
 // a folder the user picks, with a progress window and a question after a failed file.
 namespace tidewick {
 
-class MainForm;
-class UserInteraction;
-
 class UsedFilesCopy {
 public:
-    explicit UsedFilesCopy(MainForm& window);
+    UsedFilesCopy(const WindowServices& window, QObject& context, const FolderLists& lists);
 
     void CopyFilesButton_Click();
     /// True while the copy runs: the window takes no command and does not close.
@@ -26,7 +23,8 @@ public:
     void setCopyFolder(const QString& folder) { CopyFolder = folder; }
 
 private:
-    MainForm& window_;
+    const WindowServices& window_;
+    const FolderLists& lists_;
     UserInteraction& ui_;
     Control& CopyFilesButton;
     QString CopyFolder;
