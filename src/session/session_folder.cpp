@@ -5,12 +5,12 @@
 
 namespace tidewick {
 
-SessionOptions startingOptions(const SessionKind& kind, const QString& folder,
-                               const FileSystem& disk) {
-    SessionOptions options;
-    options.kind = &kind;
+SessionOptions atFolder(SessionOptions options, const QString& folder, const FileSystem& disk) {
+    const SessionKind& kind = *options.kind;
     options.folder = folder;
     options.sessions = sessionFiles(disk, folder, kind.sessionPattern);
+    options.selected = -1;
+    options.wholeFolder = false;
     options.rowFolder = kind.startingRecordFolder(folder);
     options.recordFolder = kind.startingRecordFolder(folder);
     return options;

@@ -46,11 +46,18 @@ struct SessionOptions {
     QString selectedSession() const { return sessions.value(selected); }
 };
 
-/// The options of a first load of `kind` in `folder`, as a switch to its tab leaves them: the
-/// folder's sessions listed, none selected, the sub-folder row and the record folder at the
-/// kind's starting value.
-SessionOptions startingOptions(const SessionKind& kind, const QString& folder,
-                               const FileSystem& disk);
+/// `options` pointed at `folder` as a switch to the tab of their kind leaves them: the folder's
+/// sessions listed, none selected, the sub-folder row's folder and the record folder at the
+/// kind's starting value; the user's choices (trim, media type, peaks, row, exclusions) stay.
+SessionOptions atFolder(SessionOptions options, const QString& folder, const FileSystem& disk);
+
+/// The options of a first load of `kind` in `folder` (atFolder).
+inline SessionOptions startingOptions(const SessionKind& kind, const QString& folder,
+                                      const FileSystem& disk) {
+    SessionOptions options;
+    options.kind = &kind;
+    return atFolder(std::move(options), folder, disk);
+}
 
 /// `options` with every session selected ("Check All ... files"): a REAPER load then settles its
 /// record folder afresh from the projects it reads.

@@ -140,13 +140,7 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
     const FileSystem disk;
     // The options a switch to the kind's tab leaves, then the session picked or "Check All".
     const SessionOptions& asked = arguments.options;
-    SessionOptions options = startingOptions(*asked.kind, folderInfo.absoluteFilePath(), disk);
-    options.trimFolders = asked.trimFolders;
-    options.mediaType = asked.mediaType;
-    options.keepPeaks = asked.keepPeaks;
-    options.rowOn = asked.rowOn;
-    options.excludeOn = asked.excludeOn;
-    options.excluded = asked.excluded;
+    SessionOptions options = atFolder(asked, folderInfo.absoluteFilePath(), disk);
     if (arguments.all) {
         options = withWholeFolder(options);
     } else {
