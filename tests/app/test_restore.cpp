@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <QCryptographicHash>
 #include <QDirIterator>
 #include <QJsonDocument>
@@ -10,7 +11,7 @@
 #include <functional>
 
 #include "app/cli/cli.h"
-#include "fileops/move_record.h"
+#include "fileops/restore.h"
 #include "support/reader_fixture.h"
 
 // A move undone with `tidewick-cli restore`, on the real disk and the real trash: what the
@@ -99,6 +100,19 @@ const RestoreCase kCases[] = {
      {"a.wav...Already in place", "Nothing to restore"},
      "a.wav:aaaa|b.wav:bbbb",
      ""},
+    {"AnInterruptedRestoreIsFinishedByARerun",
+     "a.wav",
+     [](const QString&, const QString& record) {
+         FileOperations disk;
+         RestoreEvents events;
+         int asked = 0;
+         events.stopRequested = [&asked] { return ++asked > 1; };
+         EXPECT_TRUE(restoreMove(*readMoveRecord(record), disk, false, events).cancelled);
+     },
+     0,
+     {"a.wav...Already in place", "b.wav...OK", "Files Restored: 1"},
+     "a.wav:aaaa|b.wav:bbbb",
+     "a.wav:xxxxxxxxxx"},
     {"ADamagedRecordIsRefused",
      "",
      [](const QString&, const QString& record) { test::writeFile(record, "{\"moves\": 1}\n"); },
@@ -374,6 +388,69 @@ TEST_P(ForgedRecords, AreRefusedAndTouchNothingOutsideTheMove) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Restores, ForgedRecords, ::testing::ValuesIn(kForged),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// The record files themselves: only an ordinary file of a record's size is read, and --last
+// names a newest record it cannot use rather than taking an older one.
+struct RecordFileCase {
+    const char* name;
+    std::function<void(const QString& record)> spoil;
+    bool last;
+    const char* shown;
+};
+
+void PrintTo(const RecordFileCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+const RecordFileCase kRecordFiles[] = {
+    {"ADamagedNewestRecordIsNamedAndNoOlderOneTaken",
+     [](const QString& record) {
+         test::writeFile(QFileInfo(record).path() + "/9999-12-31T00-00-00.0-1-1.jsonl", "{");
+     },
+     true, "9999-12-31T00-00-00.0-1-1.jsonl cannot be read: it is no record"},
+    {"ARecordThatIsAPipeIsNeverOpened",
+     [](const QString& record) {
+         QFile::remove(record);
+         ASSERT_EQ(::mkfifo(QFile::encodeName(record).constData(), 0600), 0);
+     },
+     false, "cannot be read: it is no ordinary file"},
+    {"ARecordLargerThanARecordCanBeIsRefused",
+     [](const QString& record) { QFile(record).resize(kMoveRecordLimit + 1); }, false,
+     "cannot be read: it is larger than a record can be"},
+    {"ADamagedLineBeforeAnEmptyLineIsNamed",
+     [](const QString& record) {
+         QByteArray bytes = test::readFile(record);
+         bytes.insert(bytes.indexOf('\n') + 1, "{\"outcome\":\"mo\n\n");
+         test::writeFile(record, bytes);
+     },
+     false, "its line(s) 2 are damaged or fail their checksum; nothing restored"},
+};
+
+class RecordFiles : public Contents, public ::testing::TestWithParam<RecordFileCase> {};
+
+TEST_P(RecordFiles, AreReadOnlyWhenWholeAndRefusedOtherwise) {
+    const RecordFileCase& c = GetParam();
+    QTemporaryDir root;
+    qputenv("XDG_DATA_HOME", root.filePath("data").toUtf8());
+    ASSERT_TRUE(test::writeFile(root.filePath("Song/a.wav"), "aaaa") &&
+                QDir().mkpath(root.filePath("Old")));
+    MoveRequest request;
+    request.sessionFolder = root.filePath("Song");
+    request.targetText = root.filePath("Old");
+    request.items = {{"a.wav", true}};
+    FileOperations disk;
+    const QString record = runRecordedMove(request, disk, {}, moveRecordsFolder()).record;
+    c.spoil(record);
+    QString out;
+    QTextStream stream(&out);
+    EXPECT_EQ(cli::run({"restore", c.last ? "--last" : record}, stream, stream), 2);
+    stream.flush();
+    EXPECT_TRUE(out.contains(c.shown)) << out.toStdString();
+    EXPECT_EQ(contents(root.filePath("Song")), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Restores, RecordFiles, ::testing::ValuesIn(kRecordFiles),
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

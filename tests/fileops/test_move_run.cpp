@@ -249,6 +249,9 @@ const MoveCase kMoveCases[] = {
      [](MoveRequest&, FaultyDisk& disk, const QString& song) { touchDuringCopy(disk, song + "/a.wav", 2); },
      "@a.wav...Error 11 (The file changed while it was copied)",
      "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "", 0},
+    {"ANameWithANewlineCannotForgeALogLine", "x\nFiles Moved: 9.wav", "x\nFiles Moved: 9.wav", "", {}, kAsIs,
+     "@x\\nFiles Moved: 9.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "x\nFiles Moved: 9.wav:1000", 1},
     {"AFileTheSessionsUseIsNeverReplaced", "a.wav|b.wav", "a.wav|b.wav", "a.wav", {kAll},
      [](MoveRequest& request, FaultyDisk&, const QString& song) {
          request.usedFiles.insert(QFileInfo(targetOf(song) + "/a.wav").canonicalFilePath(), "mix.sesx");
