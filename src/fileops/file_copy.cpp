@@ -18,6 +18,10 @@ namespace {
 constexpr qint64 kCopyChunk = 8 * 1024 * 1024;
 constexpr qint64 kBufferSize = 1024 * 1024;
 
+bool sameTime(const struct timespec& a, const struct timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
 Error endedEarly() {
     return {EIO, QStringLiteral("The file ended before its copy was complete")};
 }
@@ -118,6 +122,10 @@ Result<void> copyData(int in, int out, qint64 size, const CopyProgress& progress
 
 }  // namespace
 
+Error changedWhileCopied() {
+    return {EAGAIN, QStringLiteral("The file changed while it was copied")};
+}
+
 // Writes the file `source` (described by `info`) under the new name `copy`.
 Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
                        const CopyProgress& progress) {
@@ -159,7 +167,12 @@ Result<void> writeCopy(const QByteArray& source, const struct stat& info, const 
     if (::fstat(in.fd, &after) != 0 || ::fstat(out.fd, &written) != 0) {
         return lastError();
     }
-    if (after.st_size != opened.st_size || written.st_size != opened.st_size) {
+    // A file written to while it was read gives a copy of no moment of it: torn.
+    if (after.st_size != opened.st_size || !sameTime(after.st_mtim, opened.st_mtim) ||
+        !sameTime(after.st_ctim, opened.st_ctim)) {
+        return changedWhileCopied();
+    }
+    if (written.st_size != opened.st_size) {
         return Error{EIO, QStringLiteral("The copy's size differs from the file's")};
     }
     return out.close() ? Result<void>() : lastError();

@@ -29,9 +29,13 @@ struct Descriptor {
     bool close() { return ::close(std::exchange(fd, -1)) == 0; }
 };
 
+/// The failure of a copy whose source changed (size or time of change) while it was read.
+Error changedWhileCopied();
+
 /// Writes the file `source` (described by `info`: a link's own stat, or its target's when it is
 /// to be followed) under the new name `copy`: a link as a link, a file's data (holes kept) with
-/// its permissions and times. The copy must come out at the source's size.
+/// its permissions and times. The copy must come out at the source's size, and the source must
+/// keep its size and time of change throughout (changedWhileCopied).
 Result<void> writeCopy(const QByteArray& source, const struct stat& info, const QByteArray& copy,
                        const CopyProgress& progress);
 

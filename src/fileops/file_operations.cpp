@@ -93,7 +93,14 @@ Result<TrashPlace> FileOperations::copyFile(const QString& source, const QString
 
     const QString temporary = temporaryNameBeside(destination);
     const QByteArray copy = encodeFileName(temporary);
-    if (const Result<void> written = writeCopy(from, info, copy, progress); !written) {
+    // A source written to during its copy is copied once more; changing again, it is left
+    // as it is, with no copy under the final name.
+    Result<void> written = writeCopy(from, info, copy, progress);
+    if (!written && written.error() == changedWhileCopied()) {
+        ::unlink(copy.constData());
+        written = writeCopy(from, info, copy, progress);
+    }
+    if (!written) {
         ::unlink(copy.constData());
         return written.error();
     }

@@ -41,7 +41,9 @@ public:
     /// only then does it take the final name, by a rename that never replaces a file: a name
     /// that another program took meanwhile makes the copy fail. A file already there is put into
     /// the trash first when `mode` says so (a folder there makes the copy fail). A failure at any
-    /// step leaves no temporary file, the old file in place and the source untouched.
+    /// step leaves no temporary file, the old file in place and the source untouched. A source
+    /// that changes (its size or time of change) while it is read is copied once more; changing
+    /// again, the copy fails with changedWhileCopied (file_copy.h) and nothing takes its name.
     /// Gives where the file it replaced went in the trash (empty when it replaced none).
     virtual Result<TrashPlace> copyFile(const QString& source, const QString& destination,
                                         CopyMode mode = {}, const Progress& progress = {});

@@ -75,9 +75,10 @@ private:
     // What the log says of item `index` after its name; nothing for "&Cancel".
     std::optional<QString> moveItem(qsizetype index, bool& yesToAll);
     void moveFile(qsizetype index, bool replace);
+    // A name is logged as `scan` prints it: a newline or an escape sequence in it can neither
+    // forge a line nor reach a terminal raw. An item is logged by the file it stands for.
     void logItem(qsizetype index, const QString& result) const {
-        log(QStringLiteral("Moving...") + withSeparator(request_.sessionFolder) +
-            request_.items[index].text + result + kLogLineEnd);
+        log(QStringLiteral("Moving...") + visibleText(plans_[index].source) + result + kLogLineEnd);
     }
     MovedFile file_;  // the file in hand
     void copyFailed(qsizetype index, const Error& error) {
@@ -88,13 +89,14 @@ private:
 };
 
 MoveOutcome MoveRun::run() {
-    log(QStringLiteral("Moving selected files to...") + moveDestination(request_) + kLogLineEnd);
+    log(QStringLiteral("Moving selected files to...") + visibleText(moveDestination(request_)) +
+        kLogLineEnd);
     log(QStringLiteral("Commenced ") + logTimestamp() + kLogLineEnd + kDashes + kLogLineEnd);
     if (!events_.notice.isEmpty()) {
         log(events_.notice + kLogLineEnd);
     }
     if (const Result<void> ready = moveCanStart(request_, disk_); !ready) {
-        log(ready.error().cause + kLogLineEnd);  // said once, not once for every file
+        log(visibleText(ready.error().cause) + kLogLineEnd);  // said once, not for every file
         outcome_.failed = true;
     } else {
         if (disk_.FolderExists(moveDestination(request_))) {
@@ -127,6 +129,7 @@ void MoveRun::moveEach() {
                  MovedFile::Outcome::Skipped,
                  {},
                  false,
+                 {},
                  {}};
         if (events_.stopRequested && events_.stopRequested()) {
             outcome_.cancelled = true;
@@ -162,7 +165,8 @@ std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
     if (taken) {
         if (const QString session = usedBy(request_.usedFiles, planned.destination);
             !session.isEmpty()) {
-            return QStringLiteral("...Skipped - the file in the target is used by ") + session;
+            return QStringLiteral("...Skipped - the file in the target is used by ") +
+                   visibleText(session);
         }
         if (!yesToAll) {
             const OverwriteAnswer answer = ask(planned.destination);
@@ -195,6 +199,8 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
             return;
         }
     }
+    file_.replacedStamp =
+        replace ? disk_.entryStamp(destination).value_or(FileStamp{}) : FileStamp{};
     const Result<TrashPlace> copied = disk_.copyFile(sourceFile, destination, {replace, false},
                                                      [this](qint64 bytes) { progress(bytes); });
     if (!copied) {

@@ -74,6 +74,7 @@ struct MovedFile {
     TrashPlace sourceTrash;      ///< where the trash put the source
     bool sourceDeleted = false;  ///< the trash refused the source, which was deleted
     TrashPlace replaced;         ///< where the file it replaced in the target went
+    FileStamp replacedStamp;     ///< that file's length and time of change, as it went
 };
 
 /// What a run reports while it goes on. Each may be left empty.

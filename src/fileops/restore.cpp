@@ -6,9 +6,13 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "fileops/record_claims.h"
+#include "fileops/trash.h"
 #include "text/number_text.h"
+#include "text/path_text.h"
 
 namespace tidewick {
 
@@ -87,16 +91,25 @@ public:
             if (!restorable(file)) {
                 continue;
             }
-            const QString result =
-                file.outcome == MovedFile::Outcome::Moved ? putBack(file) : takeCopyAway(file);
-            log(QStringLiteral("Restoring...") + file.source + result + kLogLineEnd);
+            if (events_.stopRequested && events_.stopRequested()) {
+                outcome_.cancelled = true;
+                log(QStringLiteral("Restoring...") + visibleText(file.source) +
+                    QStringLiteral("Operation cancelled.") + kLogLineEnd);
+                break;
+            }
+            const std::optional<QString> refused = refusal(file);
+            const QString result = refused ? refuse(file, *refused)
+                                   : file.outcome == MovedFile::Outcome::Moved ? putBack(file)
+                                                                               : takeCopyAway(file);
+            log(QStringLiteral("Restoring...") + visibleText(file.source) + result + kLogLineEnd);
             done_ += file.size;
             if (events_.progress) {
                 events_.progress(done_, total_);
             }
         }
         follower.reset();  // every copy in the trash before the totals
-        if (outcome_.restored == 0 && outcome_.left == 0) {
+        if (outcome_.restored == 0 && outcome_.left == 0 && outcome_.refused == 0 &&
+            !outcome_.cancelled) {
             log(kLogLineEnd +
                 QStringLiteral("Nothing to restore: the files of this move are where "
                                "they were.") +
@@ -112,6 +125,48 @@ private:
     static bool restorable(const MovedFile& file) {
         return file.outcome == MovedFile::Outcome::Moved ||
                file.outcome == MovedFile::Outcome::CopiedSourceKept;
+    }
+
+    // Why the line of `file` claims what its move could not have done: a source outside the
+    // folders it took files from, a copy outside its target, a trash entry that is none or
+    // that names another file.
+    std::optional<QString> refusal(const MovedFile& file) const {
+        const bool fromSession =
+            liesInside(file.source, record_.sessionFolder) ||
+            std::any_of(record_.addedFolders.cbegin(), record_.addedFolders.cend(),
+                        [&file](const QString& folder) { return liesInside(file.source, folder); });
+        if (!fromSession) {
+            return QStringLiteral(
+                "the record places it outside the folders its move took "
+                "files from");
+        }
+        if (!liesInside(file.destination, record_.target)) {
+            return QStringLiteral("the record places its copy at ") +
+                   visibleText(file.destination) + QStringLiteral(", outside the move's target");
+        }
+        const QString home = Trash().home();
+        // A restore puts the copy of a file it took back into the file's trash entry, whose
+        // record then names the copy.
+        for (const auto& [place, original, copy] :
+             {std::tuple(file.sourceTrash, file.source, file.destination),
+              std::tuple(file.replaced, file.destination, QString())}) {
+            if (place.file.isEmpty() && place.info.isEmpty()) {
+                continue;
+            }
+            if (const std::optional<QString> doubt = trashEntryDoubt(place, original, home, copy)) {
+                return QStringLiteral("the record claims a trash entry where ") +
+                       visibleText(*doubt);
+            }
+        }
+        return std::nullopt;
+    }
+
+    QString refuse(const MovedFile& file, const QString& why) {
+        ++outcome_.refused;
+        if (events_.left) {
+            events_.left(file.source + QStringLiteral(": refused: ") + why);
+        }
+        return QStringLiteral("...Refused - ") + why + QStringLiteral("; nothing of it touched");
     }
 
     // Whether `path` holds the file as the move found it: its size and time of change.
@@ -203,8 +258,13 @@ private:
     }
 
     // The file that the move's copy replaced in the target comes back from the trash.
+    // Only the file the record describes comes back: after the trash was emptied, a later
+    // file of that name in the trash is another file. A record without its stamp brings none.
     void replacedBack(const MovedFile& file) {
-        if (!file.replaced.file.isEmpty() && disk_.entryStamp(file.replaced.file) &&
+        const std::optional<FileStamp> stamp =
+            file.replaced.file.isEmpty() ? std::nullopt : disk_.entryStamp(file.replaced.file);
+        if (stamp && file.replacedStamp.modified != 0 && stamp->size == file.replacedStamp.size &&
+            std::abs(stamp->modified - file.replacedStamp.modified) <= kTimeSlack &&
             !disk_.entryStamp(file.destination) &&
             disk_.renameNoReplace(file.replaced.file, file.destination)) {
             QFile::remove(file.replaced.info);
@@ -230,9 +290,9 @@ private:
         const QString where = matches(file.sourceTrash.file, file) ? file.sourceTrash.file
                               : matches(file.destination, file)    ? file.destination
                                                                    : QString();
-        const QString text =
-            why +
-            (where.isEmpty() ? QString() : QStringLiteral("; the moved file stays at ") + where);
+        const QString text = why + (where.isEmpty() ? QString()
+                                                    : QStringLiteral("; the moved file stays at ") +
+                                                          visibleText(where));
         if (events_.left) {
             events_.left(file.source + QStringLiteral(": ") + text);
         }
@@ -257,8 +317,35 @@ private:
 
 }  // namespace
 
+std::optional<QString> recordDoubt(const MoveRecord& record) {
+    if (!record.checked) {
+        return QStringLiteral(
+            "it carries no checksums (an older Tidewick wrote it), so it "
+            "cannot be verified");
+    }
+    if (record.damagedLines.isEmpty()) {
+        return std::nullopt;
+    }
+    QStringList lines;
+    for (const qsizetype line : record.damagedLines) {
+        lines.append(QString::number(line));
+    }
+    return QStringLiteral("its line(s) ") + lines.join(QStringLiteral(", ")) +
+           QStringLiteral(" are damaged or fail their checksum");
+}
+
 RestoreOutcome restoreMove(const MoveRecord& record, FileOperations& disk, bool dryRun,
-                           const RestoreEvents& events) {
+                           const RestoreEvents& events, bool force) {
+    if (const std::optional<QString> doubt = recordDoubt(record); doubt && !force) {
+        if (events.log) {
+            events.log(QStringLiteral("The record ") + visibleText(record.path) +
+                       QStringLiteral(" is refused: ") + *doubt +
+                       QStringLiteral(". Nothing was restored.") + kLogLineEnd);
+        }
+        RestoreOutcome refused;
+        refused.refused = qMax<qint64>(record.files.size(), 1);
+        return refused;
+    }
     return Restore(record, disk, dryRun, events).run();
 }
 

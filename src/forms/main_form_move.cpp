@@ -103,10 +103,10 @@ void MainForm::mnuFileRestore_Click() {
     const MoveRecord record = *chooser.chosen();
     {
         const auto restore = [this, record](const MoveEvents& events) {
-            const RestoreOutcome restored =
-                restoreMove(record, FSO, false, {events.log, {}, events.progress});
+            const RestoreOutcome restored = restoreMove(
+                record, FSO, false, {events.log, {}, events.progress, events.stopRequested});
             MoveOutcome outcome;
-            outcome.failed = restored.left > 0;
+            outcome.failed = restored.left > 0 || restored.refused > 0;
             return outcome;
         };
         MoveForm form(ui_, restore, record.sessionFolder, resultsRunner());

@@ -37,7 +37,7 @@ export XDG_DATA_HOME="$W/vol/data"; mkdir -p vol/data/Trash/files vol/data/Trash
 head -c 10000000 /dev/zero > vol/filler 2>/dev/null || true
 move; listing Old)",
      {"take.wav...OK - 100,000 bytes moved (source deleted: the trash refused it).",
-      "Sources Deleted (the trash refused them): 1", "[exit 0]", "take.wav 100000"}},
+      "Sources Deleted (the trash refused them): 1", "[exit 4]", "take.wav 100000"}},
     {"AVolumeKeepsItsOwnTrash",
      true,
      R"(mkdir vol; mount -t tmpfs tmpfs vol; S=vol/S; session "$S"; printf abc > "$S/take.wav"
@@ -68,9 +68,9 @@ XDG_DATA_HOME=rel HOME="$W/home" move; cd ..; echo "cwd:[$(listing cwd)]"; listi
     {"ARelativeHomeHasNoTrash",
      false,
      R"(S=S; session S; printf abc > S/take.wav; mkdir cwd; cd cwd
-env -u XDG_DATA_HOME HOME=rel "$CLI" move "$W/S" --kind sesx --session mix.sesx --to "$W/Old"
+env -u XDG_DATA_HOME HOME=rel "$CLI" move "$W/S" --kind sesx --session mix.sesx --to "$W/Old" || echo "[exit $?]"
 cd ..; echo "cwd:[$(listing cwd)]")",
-     {"take.wav...OK - 3 bytes moved (source deleted: the trash refused it).", "cwd:[]"}},
+     {"take.wav...OK - 3 bytes moved (source deleted: the trash refused it).", "[exit 4]", "cwd:[]"}},
     {"AnImmutableTargetIsSaidOnce",
      false,
      R"(S=S; session S; printf abc > S/take.wav; mkdir Old

@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <QCryptographicHash>
 #include <QDirIterator>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QTextStream>
 #include <functional>
 
 #include "app/cli/cli.h"
-#include "fileops/move_record.h"
+#include "fileops/restore.h"
 #include "support/reader_fixture.h"
 
 // A move undone with `tidewick-cli restore`, on the real disk and the real trash: what the
@@ -96,6 +100,19 @@ const RestoreCase kCases[] = {
      {"a.wav...Already in place", "Nothing to restore"},
      "a.wav:aaaa|b.wav:bbbb",
      ""},
+    {"AnInterruptedRestoreIsFinishedByARerun",
+     "a.wav",
+     [](const QString&, const QString& record) {
+         FileOperations disk;
+         RestoreEvents events;
+         int asked = 0;
+         events.stopRequested = [&asked] { return ++asked > 1; };
+         EXPECT_TRUE(restoreMove(*readMoveRecord(record), disk, false, events).cancelled);
+     },
+     0,
+     {"a.wav...Already in place", "b.wav...OK", "Files Restored: 1"},
+     "a.wav:aaaa|b.wav:bbbb",
+     "a.wav:xxxxxxxxxx"},
     {"ADamagedRecordIsRefused",
      "",
      [](const QString&, const QString& record) { test::writeFile(record, "{\"moves\": 1}\n"); },
@@ -105,7 +122,7 @@ const RestoreCase kCases[] = {
      "a.wav:aaaa|b.wav:bbbb"},
 };
 
-class RestoreCases : public ::testing::TestWithParam<RestoreCase> {
+class Contents {
 protected:
     // "name:content" of each file under `folder`, hidden ones too.
     static QString contents(const QString& folder) {
@@ -119,6 +136,8 @@ protected:
         return found.join('|');
     }
 };
+
+class RestoreCases : public Contents, public ::testing::TestWithParam<RestoreCase> {};
 
 TEST_P(RestoreCases, PutsTheFoldersBackAsTheyWereAndLosesNothing) {
     const RestoreCase& c = GetParam();
@@ -197,6 +216,242 @@ TEST(Restore, ListsTheRecordsNewestFirst) {
     EXPECT_EQ(cli::run({"restore"}, stream, stream), 1);
     EXPECT_EQ(cli::run({"restore", "--last", moves}, stream, stream), 1);
 }
+
+// A record is a file anyone can write. A forged or changed line is refused and nothing of it is
+// touched: the private files beside the session stay as they are, whatever the line claims.
+using Lines = QList<QJsonObject>;  // the header, a.wav's line, b.wav's line, the end
+
+struct ForgedCase {
+    const char* name;
+    std::function<void(Lines& lines, const QString& root)> forge;
+    bool resign;  // the forger also writes the checksums anew
+    QStringList extra;
+    int code;
+    const char* shown;
+    const char* song;  // what Song holds afterwards
+};
+
+void PrintTo(const ForgedCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+QJsonObject& aLine(Lines& lines) {
+    return lines[1];
+}
+
+// Points a.wav's line at `path` as its source.
+std::function<void(Lines&, const QString&)> sourceAt(const QString& path) {
+    return [path](Lines& lines, const QString& root) { aLine(lines)["source"] = root + path; };
+}
+
+// Claims the private keep.wav as a.wav's copy in the target, its trash entry emptied.
+void privateCopy(Lines& lines, const QString& root) {
+    QJsonObject& line = aLine(lines);
+    const QFileInfo keep(root + "/Private/keep.wav");
+    line["destination"] = keep.filePath();
+    line["size"] = keep.size();
+    line["modified"] = QString::number(keep.lastModified().toMSecsSinceEpoch() * 1000000);
+    line["trash"] = QJsonObject{};
+}
+
+const ForgedCase kForged[] = {
+    {"ASourceOutsideTheSessionFolderIsRefused",
+     sourceAt("/Private/a.wav"),
+     true,
+     {},
+     4,
+     "...Refused - the record places it outside the folders",
+     "b.wav:bbbb"},
+    {"ASourceClimbingOutWithDotDotIsRefused",
+     sourceAt("/Song/../Private/a.wav"),
+     true,
+     {},
+     4,
+     "...Refused",
+     "b.wav:bbbb"},
+    {"ASourceThroughALinkedFolderIsRefused",
+     [](Lines& lines, const QString& root) {
+         QFile::link(root + "/Private", root + "/Song/inside");
+         sourceAt("/Song/inside/a.wav")(lines, root);
+     },
+     true,
+     {},
+     4,
+     "...Refused",
+     "b.wav:bbbb"},
+    {"ATrashEntryOutsideATrashIsRefused",
+     [](Lines& lines, const QString& root) {
+         aLine(lines)["trash"] = QJsonObject{{"file", root + "/Private/keep.wav"},
+                                             {"info", root + "/Private/keep.txt"}};
+     },
+     true,
+     {},
+     4,
+     "...Refused - the record claims a trash entry where",
+     "b.wav:bbbb"},
+    {"ATrashRecordNamingAnotherFileIsRefused",
+     [](Lines& lines, const QString&) { aLine(lines)["trash"] = lines[2]["trash"]; },
+     true,
+     {},
+     4,
+     "names another file",
+     "b.wav:bbbb"},
+    {"ACopyOutsideTheTargetIsRefused",
+     privateCopy,
+     true,
+     {},
+     4,
+     "outside the move's target",
+     "b.wav:bbbb"},
+    {"AReplacedEntryOutsideATrashIsRefused",
+     [](Lines& lines, const QString& root) {
+         aLine(lines)["replaced"] = QJsonObject{{"file", root + "/Private/keep.wav"},
+                                                {"info", root + "/Private/keep.txt"}};
+     },
+     true,
+     {},
+     4,
+     "...Refused",
+     "b.wav:bbbb"},
+    {"AChangedLineRefusesTheWholeRecord",
+     privateCopy,
+     false,
+     {},
+     2,
+     "line(s) 2 are damaged or fail their checksum; nothing restored",
+     ""},
+    {"WithForceTheSoundLinesComeBackAndTheChangedOneIsSkipped",
+     privateCopy,
+     false,
+     {"--force"},
+     0,
+     "--force: its sound lines are restored",
+     "b.wav:bbbb"},
+    {"ARecordWithoutChecksumsIsRestoredOnlyWithForce",
+     [](Lines& lines, const QString&) {
+         for (QJsonObject& line : lines) {
+             line.remove("check");
+         }
+     },
+     false,
+     {},
+     2,
+     "carries no checksums",
+     ""},
+};
+
+class ForgedRecords : public Contents, public ::testing::TestWithParam<ForgedCase> {};
+
+TEST_P(ForgedRecords, AreRefusedAndTouchNothingOutsideTheMove) {
+    const ForgedCase& c = GetParam();
+    QTemporaryDir root;
+    qputenv("XDG_DATA_HOME", root.filePath("data").toUtf8());
+    ASSERT_TRUE(test::writeFile(root.filePath("Song/a.wav"), "aaaa") &&
+                test::writeFile(root.filePath("Song/b.wav"), "bbbb") &&
+                test::writeFile(root.filePath("Private/keep.wav"), "secret") &&
+                test::writeFile(root.filePath("Private/keep.txt"), "note") &&
+                QDir().mkpath(root.filePath("Old")));
+    MoveRequest request;
+    request.sessionFolder = root.filePath("Song");
+    request.targetText = root.filePath("Old");
+    request.items = {{"a.wav", true}, {"b.wav", true}};
+    FileOperations disk;
+    const QString record = runRecordedMove(request, disk, {}, moveRecordsFolder()).record;
+    Lines lines;
+    for (const QByteArray& line : test::readFile(record).split('\n')) {
+        if (!line.isEmpty()) {
+            lines.append(QJsonDocument::fromJson(line).object());
+        }
+    }
+    ASSERT_EQ(lines.size(), 4);
+    c.forge(lines, root.path());
+    QByteArray forged;
+    for (QJsonObject line : lines) {
+        if (c.resign && line.contains("check")) {
+            line.remove("check");
+            line["check"] =
+                QString(QCryptographicHash::hash(QJsonDocument(line).toJson(QJsonDocument::Compact),
+                                                 QCryptographicHash::Sha256)
+                            .toHex());
+        }
+        forged += QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
+    }
+    ASSERT_TRUE(test::writeFile(record, forged));
+
+    QString out;
+    QTextStream stream(&out);
+    EXPECT_EQ(cli::run(QStringList{"restore", record} + c.extra, stream, stream), c.code);
+    stream.flush();
+    EXPECT_TRUE(out.contains(c.shown)) << out.toStdString();
+    EXPECT_EQ(contents(root.filePath("Private")), "keep.txt:note|keep.wav:secret");
+    EXPECT_EQ(contents(root.filePath("Song")), QString(c.song));
+}
+
+INSTANTIATE_TEST_SUITE_P(Restores, ForgedRecords, ::testing::ValuesIn(kForged),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// The record files themselves: only an ordinary file of a record's size is read, and --last
+// names a newest record it cannot use rather than taking an older one.
+struct RecordFileCase {
+    const char* name;
+    std::function<void(const QString& record)> spoil;
+    bool last;
+    const char* shown;
+};
+
+void PrintTo(const RecordFileCase& c, std::ostream* out) {
+    *out << c.name;
+}
+
+const RecordFileCase kRecordFiles[] = {
+    {"ADamagedNewestRecordIsNamedAndNoOlderOneTaken",
+     [](const QString& record) {
+         test::writeFile(QFileInfo(record).path() + "/9999-12-31T00-00-00.0-1-1.jsonl", "{");
+     },
+     true, "9999-12-31T00-00-00.0-1-1.jsonl cannot be read: it is no record"},
+    {"ARecordThatIsAPipeIsNeverOpened",
+     [](const QString& record) {
+         QFile::remove(record);
+         ASSERT_EQ(::mkfifo(QFile::encodeName(record).constData(), 0600), 0);
+     },
+     false, "cannot be read: it is no ordinary file"},
+    {"ARecordLargerThanARecordCanBeIsRefused",
+     [](const QString& record) { QFile(record).resize(kMoveRecordLimit + 1); }, false,
+     "cannot be read: it is larger than a record can be"},
+    {"ADamagedLineBeforeAnEmptyLineIsNamed",
+     [](const QString& record) {
+         QByteArray bytes = test::readFile(record);
+         bytes.insert(bytes.indexOf('\n') + 1, "{\"outcome\":\"mo\n\n");
+         test::writeFile(record, bytes);
+     },
+     false, "its line(s) 2 are damaged or fail their checksum; nothing restored"},
+};
+
+class RecordFiles : public Contents, public ::testing::TestWithParam<RecordFileCase> {};
+
+TEST_P(RecordFiles, AreReadOnlyWhenWholeAndRefusedOtherwise) {
+    const RecordFileCase& c = GetParam();
+    QTemporaryDir root;
+    qputenv("XDG_DATA_HOME", root.filePath("data").toUtf8());
+    ASSERT_TRUE(test::writeFile(root.filePath("Song/a.wav"), "aaaa") &&
+                QDir().mkpath(root.filePath("Old")));
+    MoveRequest request;
+    request.sessionFolder = root.filePath("Song");
+    request.targetText = root.filePath("Old");
+    request.items = {{"a.wav", true}};
+    FileOperations disk;
+    const QString record = runRecordedMove(request, disk, {}, moveRecordsFolder()).record;
+    c.spoil(record);
+    QString out;
+    QTextStream stream(&out);
+    EXPECT_EQ(cli::run({"restore", c.last ? "--last" : record}, stream, stream), 2);
+    stream.flush();
+    EXPECT_TRUE(out.contains(c.shown)) << out.toStdString();
+    EXPECT_EQ(contents(root.filePath("Song")), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Restores, RecordFiles, ::testing::ValuesIn(kRecordFiles),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace tidewick

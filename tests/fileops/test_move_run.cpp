@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <QDateTime>
@@ -147,6 +148,17 @@ constexpr auto kNo = OverwriteAnswer::No;
 constexpr auto kAll = OverwriteAnswer::YesToAll;
 constexpr auto kCancel = OverwriteAnswer::Cancel;
 
+// Gives `file` a new time of change while its copy goes on, on `times` copies one after another.
+void touchDuringCopy(FaultyDisk& disk, const QString& file, int times) {
+    disk.duringCopy = [&disk, file, times](const QString&) {
+        const struct timespec when[2] = {{0, UTIME_OMIT}, {times * 1000, 0}};
+        ::utimensat(AT_FDCWD, QFile::encodeName(file).constData(), when, 0);
+        if (times > 1) {
+            touchDuringCopy(disk, file, times - 1);
+        }
+    };
+}
+
 // The target folder of a case, from its session folder.
 QString targetOf(const QString& song) {
     return QDir::cleanPath(song + "/../Old");
@@ -230,6 +242,16 @@ const MoveCase kMoveCases[] = {
      },
      "@a.wav...Error 17 (A file of that name appeared in the target folder)",
      "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "a.wav:5", 0},
+    {"AFileWrittenToDuringItsCopyIsCopiedAgain", "a.wav", "a.wav", "", {},
+     [](MoveRequest&, FaultyDisk& disk, const QString& song) { touchDuringCopy(disk, song + "/a.wav", 1); },
+     "@a.wav...OK - 1,000 bytes moved.", "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "a.wav:1000", 1},
+    {"AFileThatKeepsChangingWhileCopiedStaysAndLeavesNoCopy", "a.wav", "a.wav", "", {},
+     [](MoveRequest&, FaultyDisk& disk, const QString& song) { touchDuringCopy(disk, song + "/a.wav", 2); },
+     "@a.wav...Error 11 (The file changed while it was copied)",
+     "Files Moved: 0 - Bytes Moved:  0 (0.00Mb)", "a.wav:1000", "", 0},
+    {"ANameWithANewlineCannotForgeALogLine", "x\nFiles Moved: 9.wav", "x\nFiles Moved: 9.wav", "", {}, kAsIs,
+     "@x\\nFiles Moved: 9.wav...OK - 1,000 bytes moved.",
+     "Files Moved: 1 - Bytes Moved:  1,000 (0.00Mb)", "", "x\nFiles Moved: 9.wav:1000", 1},
     {"AFileTheSessionsUseIsNeverReplaced", "a.wav|b.wav", "a.wav|b.wav", "a.wav", {kAll},
      [](MoveRequest& request, FaultyDisk&, const QString& song) {
          request.usedFiles.insert(QFileInfo(targetOf(song) + "/a.wav").canonicalFilePath(), "mix.sesx");

@@ -23,7 +23,7 @@ const char* const kUsage =
     "                         [--only PATTERN]... [--overwrite no|yes] [--dry-run]\n"
     "       tidewick-cli copy-used FOLDER --kind K (--session NAME | --all) --to TARGET\n"
     "                              [--trim]\n"
-    "       tidewick-cli restore (RECORD | --last) [--dry-run]\n"
+    "       tidewick-cli restore (RECORD | --last) [--dry-run] [--force]\n"
     "       tidewick-cli restore --list\n"
     "       tidewick-cli audit ROOT [--json | --csv] [--missing]\n"
     "  media   prints the media paths that a session file names, one a line\n"

@@ -42,8 +42,8 @@ int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// [--dry-run]`: moves the files to be moved, as the results window does, and prints its log.
 int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err);
 
-/// `restore (RECORD | --last) [--dry-run]`, `restore --list`: puts the files of a recorded move
-/// back, or lists the records.
+/// `restore (RECORD | --last) [--dry-run] [--force]`, `restore --list`: puts the files of a
+/// recorded move back, or lists the records.
 int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err);
 /// `audit ROOT [--json | --csv] [--missing]`: every session folder under ROOT, what a load of all
 /// its sessions would offer and what it is missing, with a totals line.

@@ -1,0 +1,181 @@
+#include "fileops/record_claims.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStorageInfo>
+
+#include "platform/file_system.h"
+#include "text/path_text.h"
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "fileops/file_copy.h"
+#endif
+
+namespace tidewick {
+
+namespace {
+
+constexpr qint64 kInfoLimit = 64 * 1024;  // a ".trashinfo" is a few lines
+
+bool isStep(const QString& name) {
+    return name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..");
+}
+
+// `path` resolved whole, its last name too (a folder given as a link is where it leads).
+std::optional<QString> resolvedFolder(const QString& path) {
+    const std::optional<QString> inner = resolvedEntry(path + QStringLiteral("/x"));
+    return inner ? std::optional<QString>(inner->chopped(2)) : std::nullopt;
+}
+
+// The bytes of the small ordinary file `path`; none for anything else (a pipe, a device, a
+// link, a file too large).
+std::optional<QByteArray> smallFileBytes(const QString& path) {
+#ifdef Q_OS_UNIX
+    const QByteArray name = encodeFileName(path);
+    struct stat entry {};
+    if (::lstat(name.constData(), &entry) != 0 || !S_ISREG(entry.st_mode)) {
+        return std::nullopt;
+    }
+    Descriptor file(::open(name.constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    struct stat opened {};
+    if (file.fd < 0 || ::fstat(file.fd, &opened) != 0 || !S_ISREG(opened.st_mode) ||
+        opened.st_size > kInfoLimit) {
+        return std::nullopt;
+    }
+    QByteArray bytes(qsizetype(opened.st_size), Qt::Uninitialized);
+    const ssize_t got = ::read(file.fd, bytes.data(), size_t(bytes.size()));
+    if (got != ssize_t(bytes.size())) {
+        return std::nullopt;
+    }
+    return bytes;
+#else
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || file.size() > kInfoLimit || !file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    return file.readAll();
+#endif
+}
+
+// The folder whose trash `trash` is: the user's own, or a volume's top directory.
+std::optional<QString> trashTop(const QString& trash, const QString& homeTrash) {
+    const std::optional<QString> home = resolvedFolder(homeTrash);
+    if (home && trash == *home) {
+        return QString();
+    }
+#ifdef Q_OS_UNIX
+    const QString uid = QString::number(::getuid());
+#else
+    const QString uid;
+#endif
+    const QFileInfo folder(trash);
+    QString top;
+    if (folder.fileName() == QLatin1String(".Trash-") + uid) {
+        top = folder.path();
+    } else if (folder.fileName() == uid &&
+               QFileInfo(folder.path()).fileName() == QLatin1String(".Trash")) {
+        top = QFileInfo(folder.path()).path();
+    } else {
+        return std::nullopt;
+    }
+    // Only the top directory of a volume keeps a trash of its own.
+    return QStorageInfo(top).rootPath() == top ? std::optional<QString>(top) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<QString> resolvedEntry(const QString& path) {
+    if (!QDir::isAbsolutePath(path)) {
+        return std::nullopt;
+    }
+    const QStringList names = QDir::fromNativeSeparators(path).split(u'/', Qt::SkipEmptyParts);
+    if (names.isEmpty() || isStep(names.last())) {
+        return std::nullopt;
+    }
+    // The nearest folder that exists, resolved as the kernel resolves it.
+    qsizetype known = names.size() - 1;
+    QString base;
+    for (; known >= 0; --known) {
+        base = QFileInfo(u'/' + names.mid(0, known).join(u'/')).canonicalFilePath();
+        if (!base.isEmpty()) {
+            break;
+        }
+    }
+    if (base.isEmpty()) {
+        return std::nullopt;
+    }
+    for (qsizetype at = known; at < names.size(); ++at) {
+        if (isStep(names[at])) {
+            return std::nullopt;
+        }
+        base = withSeparator(base) + names[at];
+    }
+    return base;
+}
+
+bool liesInside(const QString& path, const QString& folder) {
+    const std::optional<QString> entry = resolvedEntry(path);
+    const std::optional<QString> within = resolvedFolder(folder);
+    return entry && within && entry->startsWith(withSeparator(*within));
+}
+
+std::optional<QString> trashInfoPath(const QString& info) {
+    const std::optional<QByteArray> bytes = smallFileBytes(info);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    const QList<QByteArray> lines = bytes->split('\n');
+    if (lines.value(0).trimmed() != "[Trash Info]") {
+        return std::nullopt;
+    }
+    std::optional<QString> path;
+    bool dated = false;
+    for (const QByteArray& line : lines) {
+        if (line.startsWith("Path=") && !path) {
+            path = decodeFileName(QByteArray::fromPercentEncoding(line.mid(5).trimmed()));
+        }
+        dated = dated || line.startsWith("DeletionDate=");
+    }
+    return dated ? path : std::nullopt;
+}
+
+std::optional<QString> trashEntryDoubt(const TrashPlace& place, const QString& original,
+                                       const QString& homeTrash, const QString& alsoNamed) {
+    if (homeTrash.isEmpty()) {
+        return std::nullopt;  // the system's own trash, which keeps no records of this kind
+    }
+    const std::optional<QString> file = resolvedEntry(place.file);
+    const std::optional<QString> info = resolvedEntry(place.info);
+    const QFileInfo files(file.value_or(QString()));
+    const QString trash = QFileInfo(files.path()).path();
+    const std::optional<QString> top = trashTop(trash, homeTrash);
+    if (!file || !info || QFileInfo(files.path()).fileName() != QLatin1String("files") || !top ||
+        *info !=
+            trash + QStringLiteral("/info/") + files.fileName() + QStringLiteral(".trashinfo")) {
+        return place.file + QStringLiteral(" is no entry of a trash");
+    }
+    const bool present = QFileInfo(*file).exists() || QFileInfo(*file).isSymLink();
+    if (!present && !QFileInfo(*info).exists()) {
+        return std::nullopt;  // an emptied trash: nothing there to take
+    }
+    const std::optional<QString> was = trashInfoPath(*info);
+    if (!was) {
+        return place.info + QStringLiteral(" is no record of the trash");
+    }
+    const QString full =
+        QDir::isAbsolutePath(*was) || top->isEmpty() ? *was : withSeparator(*top) + *was;
+    for (const QString& named : {original, alsoNamed}) {
+        if (!named.isEmpty() && (QDir::cleanPath(full) == QDir::cleanPath(named) ||
+                                 resolvedEntry(full) == resolvedEntry(named))) {
+            return std::nullopt;
+        }
+    }
+    return place.info + QStringLiteral(" names another file");
+}
+
+}  // namespace tidewick
