@@ -1,11 +1,11 @@
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QIcon>
 #include <QLabel>
 #include <QMainWindow>
 #include <QTimer>
 #include <cstdio>
 
-#include "app/option_value.h"
 #include "forms/main_form.h"
 #include "platform/process_setup.h"
 #include "settings/settings_store.h"
@@ -13,7 +13,8 @@
 #include "ui/main_window.h"
 #include "ui/qt_interaction.h"
 
-// Tidewick's desktop program. Four options serve development and are not for users:
+// Tidewick's desktop program: `--help` and `--version` for users, and four options that serve
+// development and are hidden from the help:
 //   --quit-when-shown   ends the program as soon as its window has been shown (start-up timing)
 //   --label-window      shows a main window with one label instead (the start-up timing's
 //                       baseline: a window that draws text, and so loads the fonts too)
@@ -23,12 +24,35 @@
 int main(int argc, char* argv[]) {
     tidewick::prepareProcess();
     QApplication app(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    const bool quitWhenShown = arguments.contains(QStringLiteral("--quit-when-shown"));
-    const QString screenshot = tidewick::optionValue(arguments, QStringLiteral("--screenshot"));
-    const QString selected = tidewick::optionValue(arguments, QStringLiteral("--select"));
+    QApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
+                                            .arg(TIDEWICK_VERSION_MAJOR)
+                                            .arg(TIDEWICK_VERSION_MINOR)
+                                            .arg(TIDEWICK_VERSION_PATCH));
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Finds the media a session uses and moves the rest of its folder aside."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const auto hidden = [](const QString& name, const QString& value = {}) {
+        QCommandLineOption option(name, QString(), value);
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        return option;
+    };
+    parser.addOptions({hidden(QStringLiteral("quit-when-shown")),
+                       hidden(QStringLiteral("label-window")),
+                       hidden(QStringLiteral("screenshot"), QStringLiteral("FILE")),
+                       hidden(QStringLiteral("select"), QStringLiteral("NAME"))});
+    parser.process(app);  // --help, --version and unknown options end the program here
+    if (!parser.positionalArguments().isEmpty()) {
+        std::fprintf(stderr, "tidewick: unexpected argument '%s'\n",
+                     qPrintable(parser.positionalArguments().first()));
+        return 1;
+    }
+    const bool quitWhenShown = parser.isSet(QStringLiteral("quit-when-shown"));
+    const QString screenshot = parser.value(QStringLiteral("screenshot"));
+    const QString selected = parser.value(QStringLiteral("select"));
 
-    if (arguments.contains(QStringLiteral("--label-window"))) {
+    if (parser.isSet(QStringLiteral("label-window"))) {
         QMainWindow window;
         window.setWindowTitle(tidewick::programName());
         window.setCentralWidget(new QLabel(tidewick::programName()));

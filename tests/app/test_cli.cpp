@@ -69,8 +69,14 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         int code;
         QString out, err;
     } rows[] = {
-        {{}, 1, "", "usage: tidewick-cli media"},
-        {{"--help"}, 0, "usage: tidewick-cli media", ""},
+        {{}, 1, "", "  tidewick-cli media FILE"},
+        {{"--help"}, 0, "usage: tidewick-cli COMMAND", ""},
+        {{"--version"}, 0, "tidewick-cli 0.", ""},
+        {{"help", "move"}, 0, "usage: tidewick-cli move FOLDER", ""},
+        {{"help", "frob"}, 1, "", "unknown command 'frob'"},
+        {{"frob"}, 1, "", "Try 'tidewick-cli help'"},
+        {{"media", "--help"}, 0, "usage: tidewick-cli media FILE", ""},
+        {{"media"}, 1, "", "FILE is missing"},
         {{"media", song}, 0, media, ""},
         {{"media", odd}, 1, "", "cannot tell the kind"},
         {{"media", "--verbose", song}, 0, media, "version: Audition 3.0\n"},
@@ -84,7 +90,20 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          "used: mix.ses: 1 Media File(s) Used  (NB: Files with a check mark exist on Disk)\n[x] " +
              used + '\n',
          ""},
-        {{"scan", "--kind", "ses", "--all"}, 1, "", "usage: tidewick-cli scan"},
+        {{"scan", "--kind", "ses", "--all"}, 1, "", "FOLDER is missing"},
+        {{"scan", "-h"}, 0, "usage: tidewick-cli scan FOLDER", ""},
+        {{"scan", here, "--bogus"}, 1, "", "Unknown option 'bogus'"},
+        // --opt=value, the kind of the folder's sessions, a name in another letter case.
+        {{"scan", here, "--kind=ses", "--session=MIX.SES"}, 0, "used: mix.ses: 1 Media", ""},
+        {{"scan", here, "--session", "mix.ses"}, 0, "used: mix.ses: 1 Media", ""},
+        {{"scan", f.dir.path(), "--all"}, 1, "", "--kind is required: ses, sesx"},
+        {{"scan", here + "/mix.ses"}, 0, "used: mix.ses: 1 Media", ""},
+        {{"scan", here + "/a.wav", "--all"}, 1, "", "a.wav is a file, not a folder"},
+        {{"scan", here, "--session", "mix.ses", "--all"}, 1, "", "cannot be used together"},
+        {{"scan", here, "--kind", "rpp", "--all", "--add-folder", "--sub-folder", "A"},
+         1,
+         "",
+         "--add-folder and --sub-folder cannot be used together"},
         {{"scan", here, "--kind", "wav", "--all"}, 1, "", "unknown kind 'wav'"},
         {{"scan", here, "--kind", "ses", "--all", "--type", "24"}, 1, "", "from 0 to 23"},
         {{"scan", here, "--kind", "sesx", "--all", "--sub-folder", "A"}, 1, "", "need --kind rpp"},
@@ -97,7 +116,7 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          "used: ",
          "Reading stopped at \"wave.ses\""},
 
-        {move, 1, "", "usage: tidewick-cli move"},
+        {move, 1, "", "Missing value after '--to'"},
         {move + QStringList{old, "--overwrite", "maybe"}, 1, "", "--overwrite takes no or yes"},
         {QStringList(move).replaceInStrings("mix.ses", "wave.ses") << old, 2, "", "nothing moved"},
         {move + QStringList{old, "--only", "B.*", "--dry-run"}, 0,
@@ -107,14 +126,14 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {move + QStringList{"  " + old + "  ", "--only", "b.pk"}, 0,  // trimmed where it enters
          "Moving selected files to..." + old + "\nCommenced ", "the record of this move is"},
 
-        {copy, 1, "", "--to TARGET is missing"},
+        {copy, 1, "", "--to TARGET is required"},
         {copy + QStringList{"--to", gone}, 4, "",
          "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
         {copy + QStringList{"--to", collect}, 0,
          "1 File(s) successfully copied to " + collect + "/.\n", ""},
 
-        {{"audit"}, 1, "", "usage: tidewick-cli audit"},
-        {{"audit", library, "--json", "--csv"}, 1, "", "usage: tidewick-cli audit"},
+        {{"audit"}, 1, "", "ROOT is missing"},
+        {{"audit", library, "--json", "--csv"}, 1, "", "cannot be used together"},
         {{"audit", "/no/such/folder"}, 1, "", "no such folder: /no/"},
         {{"audit", band},
          0,

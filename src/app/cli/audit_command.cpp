@@ -2,6 +2,7 @@
 
 #include "app/cli/audit_output.h"
 #include "app/cli/cli.h"
+#include "app/cli/folder_load.h"
 #include "audit/audit_text.h"
 #include "audit/session_index.h"
 #include "forms/core_messages.h"
@@ -12,8 +13,6 @@
 namespace tidewick::cli {
 
 namespace {
-
-const char* const kAuditUsage = "usage: tidewick-cli audit ROOT [--json | --csv] [--missing]\n";
 
 // The audit's progress on a terminal, a few times a second, on one line that the next one
 // overwrites; nothing at all when stderr is a file or a pipe.
@@ -46,26 +45,20 @@ private:
 
 }  // namespace
 
-int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    QString root;
-    bool json = false, csv = false, missing = false;
-    for (const QString& argument : arguments) {
-        if (argument == QLatin1String("--json")) {
-            json = true;
-        } else if (argument == QLatin1String("--csv")) {
-            csv = true;
-        } else if (argument == QLatin1String("--missing")) {
-            missing = true;
-        } else if (argument.startsWith(QLatin1String("--")) || !root.isEmpty()) {
-            err << "tidewick-cli audit: unexpected argument '" << argument << "'\n" << kAuditUsage;
-            return UsageError;
-        } else {
-            root = argument;
-        }
+int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
+    const QStringList positional = line.positional();
+    const bool json = line.isSet(QStringLiteral("json"));
+    const bool csv = line.isSet(QStringLiteral("csv"));
+    const bool missing = line.isSet(QStringLiteral("missing"));
+    if (positional.size() != 1) {
+        return usageError(line, err,
+                          positional.isEmpty() ? QStringLiteral("ROOT is missing")
+                                               : QStringLiteral("unexpected argument '") +
+                                                     visibleText(positional[1]) + u'\'');
     }
-    if (root.isEmpty() || (json && csv)) {
-        err << kAuditUsage;
-        return UsageError;
+    const QString root = positional.first();
+    if (json && csv) {
+        return usageError(line, err, QStringLiteral("--json and --csv cannot be used together"));
     }
     const FileSystem disk;
     if (!disk.FolderExists(root)) {
@@ -77,13 +70,15 @@ int runAudit(const QStringList& arguments, QTextStream& out, QTextStream& err) {
         err << "tidewick-cli audit: the index could not be used and was set aside as "
             << visibleText(*aside) << "; a new one is made\n";
     }
-    ProgressLine line(err);
+    ProgressLine progressLine(err);
     AuditEvents events;
-    events.progress = [&line](const AuditProgress& progress) { line.show(progress); };
+    events.progress = [&progressLine](const AuditProgress& progress) {
+        progressLine.show(progress);
+    };
     events.stopRequested = interrupted;
     events.describe = readProblemText;
     const LibraryReport report = auditLibrary(root, disk, &index, events);
-    line.clear();
+    progressLine.clear();
     if (json) {
         out << QString::fromUtf8(auditJson(report));
     } else {

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "fileops/move_run.h"
+#include "text/path_text.h"
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -13,25 +14,6 @@
 namespace tidewick::cli {
 
 namespace {
-
-const char* const kUsage =
-    "usage: tidewick-cli media FILE [--kind ses|sesx|xml|rpp|veg] [--verbose]\n"
-    "       tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--sub-folder PATH] [--json]\n"
-    "       tidewick-cli move FOLDER --kind K (--session NAME | --all) --to TARGET\n"
-    "                         [scan options] [--store-in-sub-folder] [--exclude PATTERN]...\n"
-    "                         [--only PATTERN]... [--overwrite no|yes] [--dry-run]\n"
-    "       tidewick-cli copy-used FOLDER --kind K (--session NAME | --all) --to TARGET\n"
-    "                              [--trim]\n"
-    "       tidewick-cli restore (RECORD | --last) [--dry-run] [--force]\n"
-    "       tidewick-cli restore --list\n"
-    "       tidewick-cli audit ROOT [--json | --csv] [--missing]\n"
-    "  media   prints the media paths that a session file names, one a line\n"
-    "  scan    prints the used media and the files to be moved, as the window shows them\n"
-    "  move    moves the files to be moved to TARGET, their originals to the trash\n"
-    "  copy-used  copies the used files present on disk to TARGET\n"
-    "  restore    puts the files of a recorded move back where they were\n"
-    "  audit      every session folder under ROOT: what it could free, what it is missing\n";
 
 std::atomic<bool> gInterrupted{false};
 
@@ -70,34 +52,62 @@ std::function<void(QString text)> logPrinter(QTextStream& out) {
     };
 }
 
+namespace {
+
+// The help of `help COMMAND` (or of every command with no name), on `out`.
+int printHelp(const QStringList& names, QTextStream& out, QTextStream& err) {
+    if (names.isEmpty()) {
+        out << overviewHelp();
+        return Success;
+    }
+    const Command* command = findCommand(names.first());
+    if (command == nullptr) {
+        err << "tidewick-cli help: unknown command '" << visibleText(names.first())
+            << "'\nTry 'tidewick-cli help'.\n";
+        return UsageError;
+    }
+    out << commandHelp(*command);
+    return Success;
+}
+
+}  // namespace
+
 int run(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    if (arguments.isEmpty() || arguments.first() == QLatin1String("--help") ||
-        arguments.first() == QLatin1String("-h")) {
-        (arguments.isEmpty() ? err : out) << kUsage;
-        return arguments.isEmpty() ? UsageError : Success;
+    if (arguments.isEmpty()) {
+        err << overviewHelp();
+        return UsageError;
     }
-    const QString command = arguments.first();
-    const QStringList rest = arguments.mid(1);
-    if (command == QLatin1String("media")) {
-        return runMedia(rest, out, err);
+    const QString& first = arguments.first();
+    if (first == QLatin1String("help") || first == QLatin1String("--help") ||
+        first == QLatin1String("-h")) {
+        return printHelp(arguments.mid(1), out, err);
     }
-    if (command == QLatin1String("scan")) {
-        return runScan(rest, out, err);
+    if (first == QLatin1String("--version") || first == QLatin1String("-V")) {
+        out << versionText() << '\n';
+        return Success;
     }
-    if (command == QLatin1String("move")) {
-        return runMove(rest, out, err);
+    const Command* command = findCommand(first);
+    if (command == nullptr) {
+        err << "tidewick-cli: unknown command '" << visibleText(first)
+            << "'\nTry 'tidewick-cli help'.\n";
+        return UsageError;
     }
-    if (command == QLatin1String("copy-used")) {
-        return runCopyUsed(rest, out, err);
+    QCommandLineParser parser;
+    for (const OptionHelp& option : command->options) {
+        parser.addOption(QCommandLineOption(option.names, option.description, option.valueName));
     }
-    if (command == QLatin1String("restore")) {
-        return runRestore(rest, out, err);
+    parser.addOption(QCommandLineOption({QStringLiteral("h"), QStringLiteral("help")},
+                                        QStringLiteral("Print this help.")));
+    if (!parser.parse(QStringList{QStringLiteral("tidewick-cli")} + arguments.mid(1))) {
+        err << "tidewick-cli " << command->name << ": " << visibleText(parser.errorText())
+            << "\nTry 'tidewick-cli " << command->name << " --help'.\n";
+        return UsageError;
     }
-    if (command == QLatin1String("audit")) {
-        return runAudit(rest, out, err);
+    if (parser.isSet(QStringLiteral("help"))) {
+        out << commandHelp(*command);
+        return Success;
     }
-    err << "tidewick-cli: unknown command '" << command << "'\n" << kUsage;
-    return UsageError;
+    return command->run(CommandLine(parser, command->name), out, err);
 }
 
 }  // namespace tidewick::cli

@@ -8,17 +8,8 @@
 // the same scan as `scan`; a file that fails is reported and left out, as "Ignore" does.
 namespace tidewick::cli {
 
-namespace {
-
-const char* const kCopyUsedUsage =
-    "usage: tidewick-cli copy-used FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                              --to TARGET [--trim]\n";
-
-}  // namespace
-
-int runCopyUsed(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    const std::optional<FolderArguments> parsed =
-        parseFolderArguments(arguments, err, QStringLiteral("copy-used"), kCopyUsedUsage, true);
+int runCopyUsed(const CommandLine& line, QTextStream& out, QTextStream& err) {
+    const std::optional<FolderArguments> parsed = parseFolderArguments(line, err, true);
     if (!parsed) {
         return UsageError;
     }

@@ -32,99 +32,143 @@ public:
 
 namespace {
 
-// The arguments of the load itself; false when `argument` is none of them.
-bool takeLoadArgument(const QStringList& arguments, qsizetype& i, FolderArguments& parsed,
-                      QString& kindName, bool& sessionGiven, bool& badType) {
-    const QString& argument = arguments[i];
-    const bool hasValue = i + 1 < arguments.size();
-    SessionOptions& options = parsed.options;
-    if (argument == QLatin1String("--all")) {
-        parsed.all = true;
-    } else if (argument == QLatin1String("--trim")) {
-        options.trimFolders = true;
-    } else if (argument == QLatin1String("--keep-peaks")) {
-        options.keepPeaks = true;
-    } else if (argument == QLatin1String("--add-folder")) {
-        options.rowOn = true;
-    } else if (argument == QLatin1String("--kind") && hasValue) {
-        kindName = arguments[++i];
-    } else if (argument == QLatin1String("--session") && hasValue) {
-        parsed.session = arguments[++i];
-        sessionGiven = true;
-    } else if (argument == QLatin1String("--sub-folder") && hasValue) {
-        parsed.pickedRowFolder = arguments[++i];
-    } else if (argument == QLatin1String("--type") && hasValue) {
-        bool number = false;
-        options.mediaType = arguments[++i].toInt(&number);
-        badType = !number || options.mediaType < 0 || options.mediaType > 23;
-    } else {
-        return false;
+// The kind of the sessions in `folder` when they are all of one kind; nullptr when there are
+// none or several.
+const SessionKind* kindOfSessionsIn(const QString& folder) {
+    const FileSystem disk;
+    const SessionKind* found = nullptr;
+    for (const SessionKind& kind : sessionKinds()) {
+        if (!sessionFiles(disk, folder, kind.sessionPattern).isEmpty()) {
+            if (found != nullptr) {
+                return nullptr;
+            }
+            found = &kind;
+        }
     }
-    return true;
+    return found;
 }
 
-// Whether the arguments name a folder, a kind and one way to select sessions, the kind known and
-// its options fitting it; says what is wrong otherwise.
-bool checkLoadArguments(FolderArguments& parsed, const QString& kindName, bool sessionGiven,
-                        QTextStream& err, const QString& command, const char* usage) {
-    if (parsed.options.folder.isEmpty() || kindName.isEmpty() || sessionGiven == parsed.all) {
-        err << usage;
-        return false;
+// The folder, kind and session the arguments name: a session file given as FOLDER stands for its
+// folder and that session. Gives the problem's words when they name none.
+std::optional<QString> takeFolderAndKind(const CommandLine& line, FolderArguments& parsed) {
+    const QStringList positional = line.positional();
+    if (positional.isEmpty()) {
+        return QStringLiteral("FOLDER is missing");
     }
-    parsed.options.kind = sessionKindByIdText(kindName);
-    if (parsed.options.kind == nullptr) {
-        err << "tidewick-cli " << command << ": unknown kind '" << kindName
-            << "'; use ses, sesx, xml, rpp or veg\n";
-        return false;
+    if (positional.size() > 1) {
+        return QStringLiteral("unexpected argument '") + visibleText(positional[1]) + u'\'';
     }
-    if ((parsed.options.rowOn || parsed.pickedRowFolder) && !parsed.options.kind->subFolderRow) {
-        err << "tidewick-cli " << command
-            << ": --add-folder and --sub-folder need --kind rpp or veg, the kinds with a "
-               "sub-folder row\n";
-        return false;
+    parsed.options.folder = positional.first();
+    const QFileInfo given(parsed.options.folder);
+    if (given.isFile()) {
+        const SessionKind* kind = sessionKindForFile(given.fileName());
+        if (kind == nullptr || line.isSet(QStringLiteral("session")) ||
+            line.isSet(QStringLiteral("all"))) {
+            return visibleText(parsed.options.folder) + QStringLiteral(" is a file, not a folder");
+        }
+        parsed.options.folder = given.absolutePath();
+        parsed.session = given.fileName();
+        parsed.options.kind = kind;
     }
-    return true;
+    const QString kindName = line.value(QStringLiteral("kind"));
+    if (!kindName.isEmpty()) {
+        parsed.options.kind = sessionKindByIdText(kindName);
+        if (parsed.options.kind == nullptr) {
+            return QStringLiteral("unknown kind '") + visibleText(kindName) +
+                   QStringLiteral("'; use ses, sesx, xml, rpp or veg");
+        }
+    } else if (parsed.options.kind == nullptr) {
+        parsed.options.kind = kindOfSessionsIn(parsed.options.folder);
+        if (parsed.options.kind == nullptr) {
+            return QStringLiteral("--kind is required: ses, sesx, xml, rpp or veg");
+        }
+    }
+    return std::nullopt;
+}
+
+// The load's own options; gives the problem's words when they do not fit together.
+std::optional<QString> takeLoadOptions(const CommandLine& line, FolderArguments& parsed) {
+    SessionOptions& options = parsed.options;
+    if (parsed.session.isEmpty()) {
+        parsed.session = line.value(QStringLiteral("session"));
+    }
+    parsed.all = line.isSet(QStringLiteral("all"));
+    if (parsed.all && !parsed.session.isEmpty()) {
+        return QStringLiteral("--session and --all cannot be used together");
+    }
+    if (!parsed.all && parsed.session.isEmpty()) {
+        return QStringLiteral("--session NAME or --all is required");
+    }
+    options.trimFolders = line.isSet(QStringLiteral("trim"));
+    options.keepPeaks = line.isSet(QStringLiteral("keep-peaks"));
+    options.rowOn = line.isSet(QStringLiteral("add-folder"));
+    if (line.isSet(QStringLiteral("sub-folder"))) {
+        parsed.pickedRowFolder = line.value(QStringLiteral("sub-folder"));
+    }
+    if (options.rowOn && parsed.pickedRowFolder) {
+        return QStringLiteral("--add-folder and --sub-folder cannot be used together");
+    }
+    if ((options.rowOn || parsed.pickedRowFolder) && !options.kind->subFolderRow) {
+        return QStringLiteral(
+            "--add-folder and --sub-folder need --kind rpp or veg, the kinds "
+            "with a sub-folder row");
+    }
+    if (line.isSet(QStringLiteral("type"))) {
+        bool number = false;
+        options.mediaType = line.value(QStringLiteral("type")).toInt(&number);
+        if (!number || options.mediaType < 0 || options.mediaType > 23) {
+            return QStringLiteral("--type takes a media type from 0 to 23");
+        }
+    }
+    return std::nullopt;
+}
+
+// The position of the session `asked` (a name, or a path whose file name is taken) in
+// `sessions`: the name as it stands, else the one name that matches it ignoring letter case and
+// the Unicode form of accented letters, as the window compares names; −1 for none.
+int sessionIndex(const QStringList& sessions, const QString& asked) {
+    const QString name = hostFileName(asked);
+    if (const qsizetype exact = sessions.indexOf(name); exact >= 0) {
+        return int(exact);
+    }
+    int found = -1;
+    for (int index = 0; index < sessions.size(); ++index) {
+        if (usedKey(sessions[index]) == usedKey(name)) {
+            if (found >= 0) {
+                return -1;  // two sessions differ only so: neither is taken for the other
+            }
+            found = index;
+        }
+    }
+    return found;
 }
 
 }  // namespace
 
-std::optional<FolderArguments> parseFolderArguments(const QStringList& arguments, QTextStream& err,
-                                                    const QString& command, const char* usage,
-                                                    bool wantsTarget, const OwnOption& own) {
+int usageError(const CommandLine& line, QTextStream& err, const QString& problem) {
+    err << "tidewick-cli " << line.command() << ": " << problem << "\nTry 'tidewick-cli "
+        << line.command() << " --help'.\n";
+    return UsageError;
+}
+
+std::optional<FolderArguments> parseFolderArguments(const CommandLine& line, QTextStream& err,
+                                                    bool wantsTarget) {
     FolderArguments parsed;
-    QString kindName;
-    bool sessionGiven = false;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString& argument = arguments[i];
-        bool badType = false;
-        if (takeLoadArgument(arguments, i, parsed, kindName, sessionGiven, badType)) {
-            if (badType) {
-                err << "tidewick-cli " << command << ": --type takes a media type from 0 to 23\n";
-                return std::nullopt;
-            }
-        } else if (wantsTarget && argument == QLatin1String("--to") && i + 1 < arguments.size()) {
-            parsed.target = trimBlanks(arguments[++i]);
-        } else if (bool bad = false; own && own(arguments, i, bad)) {
-            if (bad) {
-                return std::nullopt;
-            }
-        } else if (argument.startsWith(QLatin1String("--")) || !parsed.options.folder.isEmpty()) {
-            err << "tidewick-cli " << command << ": unexpected argument '" << argument << "'\n"
-                << usage;
-            return std::nullopt;
+    std::optional<QString> problem = takeFolderAndKind(line, parsed);
+    if (!problem) {
+        problem = takeLoadOptions(line, parsed);
+    }
+    if (!problem && wantsTarget) {
+        parsed.target = trimBlanks(line.value(QStringLiteral("to")));
+        if (parsed.target.isEmpty()) {
+            problem = QStringLiteral("--to TARGET is required");
         } else {
-            parsed.options.folder = argument;
+            parsed.target = QDir::cleanPath(QFileInfo(parsed.target).absoluteFilePath());
         }
     }
-    if (!checkLoadArguments(parsed, kindName, sessionGiven, err, command, usage)) {
+    if (problem) {
+        usageError(line, err, *problem);
         return std::nullopt;
-    }
-    if (wantsTarget && parsed.target.isEmpty()) {
-        err << "tidewick-cli " << command << ": --to TARGET is missing\n" << usage;
-        return std::nullopt;
-    }
-    if (wantsTarget) {
-        parsed.target = QDir::cleanPath(QFileInfo(parsed.target).absoluteFilePath());
     }
     return parsed;
 }
@@ -144,7 +188,7 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
     if (arguments.all) {
         options = withWholeFolder(options);
     } else {
-        options.selected = int(options.sessions.indexOf(arguments.session));
+        options.selected = sessionIndex(options.sessions, arguments.session);
     }
     if (options.selected < 0) {
         if (arguments.all) {

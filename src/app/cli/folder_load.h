@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+#include "app/cli/command_line.h"
 #include "session/session_folder.h"
 
 // What the commands that start from one session folder (`scan`, `move`, `copy-used`) share: their
@@ -21,18 +22,15 @@ struct FolderArguments {
     QString target;
 };
 
-/// A command's own options: given the arguments and the position of one that the folder's
-/// options do not know, it takes it (and its value, moving the position on) and returns true,
-/// or returns false for an argument it does not know either. It sets `bad` after saying what is
-/// wrong.
-using OwnOption = std::function<bool(const QStringList& arguments, qsizetype& at, bool& bad)>;
+/// Reads the arguments of a folder command; with `wantsTarget`, `--to TARGET` too (trimmed of
+/// blanks where it enters, made a whole path). A session file given as FOLDER stands for its
+/// folder and `--session` it; without `--kind`, the kind of FOLDER's sessions when they are all
+/// of one kind. On a mistake says what is wrong and gives nothing.
+std::optional<FolderArguments> parseFolderArguments(const CommandLine& line, QTextStream& err,
+                                                    bool wantsTarget);
 
-/// Reads the arguments of `command`; with `wantsTarget`, `--to TARGET` too (trimmed of blanks
-/// where it enters, made a whole path). On a mistake says what is wrong, with `usage`, and gives
-/// nothing.
-std::optional<FolderArguments> parseFolderArguments(const QStringList& arguments, QTextStream& err,
-                                                    const QString& command, const char* usage,
-                                                    bool wantsTarget, const OwnOption& own = {});
+/// Says `problem` about the command of `line`, with where its help is; the usage error's code.
+int usageError(const CommandLine& line, QTextStream& err, const QString& problem);
 
 /// Loads the folder of `arguments` into `folder` as the window would, telling the readers'
 /// messages on `err`: Success, UsageError when the folder or the session is missing, ReaderError

@@ -2,6 +2,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "app/cli/folder_load.h"
 #include "forms/core_messages.h"
 #include "readers/import_rpp.h"
 #include "readers/session_kinds.h"
@@ -18,25 +19,18 @@ struct MediaOptions {
 };
 
 // Reads the arguments into `options`; on a mistake says what is wrong and returns false.
-bool parseMediaArguments(const QStringList& arguments, MediaOptions& options, QTextStream& err) {
-    QString kindName;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString& argument = arguments[i];
-        if (argument == QLatin1String("--verbose")) {
-            options.verbose = true;
-        } else if (argument == QLatin1String("--kind") && i + 1 < arguments.size()) {
-            kindName = arguments[++i];
-        } else if (argument.startsWith(QLatin1String("--")) || !options.fileName.isEmpty()) {
-            err << "tidewick-cli media: unexpected argument '" << argument << "'\n";
-            return false;
-        } else {
-            options.fileName = argument;
-        }
-    }
-    if (options.fileName.isEmpty()) {
-        err << "usage: tidewick-cli media FILE [--kind ses|sesx|xml|rpp|veg] [--verbose]\n";
+bool parseMediaArguments(const CommandLine& line, MediaOptions& options, QTextStream& err) {
+    const QStringList positional = line.positional();
+    if (positional.size() != 1) {
+        usageError(line, err,
+                   positional.isEmpty() ? QStringLiteral("FILE is missing")
+                                        : QStringLiteral("unexpected argument '") +
+                                              visibleText(positional[1]) + u'\'');
         return false;
     }
+    options.fileName = positional.first();
+    options.verbose = line.isSet(QStringLiteral("verbose"));
+    const QString kindName = line.value(QStringLiteral("kind"));
     options.kind =
         kindName.isEmpty() ? sessionKindForFile(options.fileName) : sessionKindByIdText(kindName);
     if (options.kind == nullptr) {
@@ -73,9 +67,9 @@ void printDetails(const SessionKind& kind, const SessionRead& read, const QFileI
 
 }  // namespace
 
-int runMedia(const QStringList& arguments, QTextStream& out, QTextStream& err) {
+int runMedia(const CommandLine& line, QTextStream& out, QTextStream& err) {
     MediaOptions options;
-    if (!parseMediaArguments(arguments, options, err)) {
+    if (!parseMediaArguments(line, options, err)) {
         return UsageError;
     }
     const QFileInfo info(options.fileName);

@@ -12,13 +12,6 @@ namespace tidewick::cli {
 
 namespace {
 
-const char* const kMoveUsage =
-    "usage: tidewick-cli move FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         --to TARGET [--trim] [--type N] [--keep-peaks]\n"
-    "                         [--add-folder | --sub-folder PATH] [--store-in-sub-folder]\n"
-    "                         [--exclude PATTERN]... [--only PATTERN]...\n"
-    "                         [--overwrite no|yes] [--dry-run]\n";
-
 struct MoveOptions {
     bool storeInSubFolder = false;
     QStringList excluded;
@@ -27,33 +20,24 @@ struct MoveOptions {
     bool dryRun = false;
 };
 
-// The options of `move` beyond those of the scan.
-OwnOption moveOptions(MoveOptions& options, QTextStream& err) {
-    return [&options, &err](const QStringList& arguments, qsizetype& at, bool& bad) {
-        const QString& argument = arguments[at];
-        if (argument == QLatin1String("--store-in-sub-folder")) {
-            options.storeInSubFolder = true;
-        } else if (argument == QLatin1String("--dry-run")) {
-            options.dryRun = true;
-        } else if (at + 1 >= arguments.size()) {
-            return false;
-        } else if (argument == QLatin1String("--exclude")) {
-            options.excluded.append(arguments[++at]);
-        } else if (argument == QLatin1String("--only")) {
-            options.only.append(arguments[++at]);
-        } else if (argument == QLatin1String("--overwrite")) {
-            const QString answer = arguments[++at];
-            bad = answer != QLatin1String("no") && answer != QLatin1String("yes");
-            if (bad) {
-                err << "tidewick-cli move: --overwrite takes no or yes\n";
-            }
-            options.overwrite =
-                answer == QLatin1String("yes") ? OverwriteAnswer::YesToAll : OverwriteAnswer::No;
-        } else {
-            return false;
+// The options of `move` beyond those of the scan; nothing, said, when --overwrite is neither no
+// nor yes.
+std::optional<MoveOptions> moveOptions(const CommandLine& line, QTextStream& err) {
+    MoveOptions options;
+    options.storeInSubFolder = line.isSet(QStringLiteral("store-in-sub-folder"));
+    options.dryRun = line.isSet(QStringLiteral("dry-run"));
+    options.excluded = line.values(QStringLiteral("exclude"));
+    options.only = line.values(QStringLiteral("only"));
+    if (line.isSet(QStringLiteral("overwrite"))) {
+        const QString answer = line.value(QStringLiteral("overwrite"));
+        if (answer != QLatin1String("no") && answer != QLatin1String("yes")) {
+            usageError(line, err, QStringLiteral("--overwrite takes no or yes"));
+            return std::nullopt;
         }
-        return true;
-    };
+        options.overwrite =
+            answer == QLatin1String("yes") ? OverwriteAnswer::YesToAll : OverwriteAnswer::No;
+    }
+    return options;
 }
 
 // The lines of "Files to be Moved", checked as the window's user would: all of them, or those
@@ -80,13 +64,16 @@ void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& ou
 
 }  // namespace
 
-int runMove(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    MoveOptions options;
-    std::optional<FolderArguments> parsed = parseFolderArguments(
-        arguments, err, QStringLiteral("move"), kMoveUsage, true, moveOptions(options, err));
+int runMove(const CommandLine& line, QTextStream& out, QTextStream& err) {
+    std::optional<FolderArguments> parsed = parseFolderArguments(line, err, true);
     if (!parsed) {
         return UsageError;
     }
+    const std::optional<MoveOptions> chosen = moveOptions(line, err);
+    if (!chosen) {
+        return UsageError;
+    }
+    const MoveOptions& options = *chosen;
     parsed->options.excludeOn = !options.excluded.isEmpty();
     parsed->options.excluded = options.excluded;
     FileOperations disk;

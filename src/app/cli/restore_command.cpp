@@ -1,6 +1,7 @@
 #include <QLocale>
 
 #include "app/cli/cli.h"
+#include "app/cli/folder_load.h"
 #include "fileops/restore.h"
 #include "text/number_text.h"
 #include "text/path_text.h"
@@ -9,10 +10,6 @@
 namespace tidewick::cli {
 
 namespace {
-
-const char* const kRestoreUsage =
-    "usage: tidewick-cli restore (RECORD | --last) [--dry-run] [--force]\n"
-    "       tidewick-cli restore --list\n";
 
 // One line a record, newest first: its path, date, session folder, files and bytes moved.
 int listRecords(QTextStream& out) {
@@ -47,32 +44,27 @@ Result<MoveRecord> chosenRecord(QString& path, bool last, QTextStream& err) {
 
 }  // namespace
 
-int runRestore(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    QString path;
-    bool last = false, dryRun = false, list = false, force = false;
-    for (const QString& argument : arguments) {
-        if (argument == QLatin1String("--last")) {
-            last = true;
-        } else if (argument == QLatin1String("--dry-run")) {
-            dryRun = true;
-        } else if (argument == QLatin1String("--list")) {
-            list = true;
-        } else if (argument == QLatin1String("--force")) {
-            force = true;
-        } else if (argument.startsWith(QLatin1String("--")) || !path.isEmpty()) {
-            err << "tidewick-cli restore: unexpected argument '" << visibleText(argument) << "'\n"
-                << kRestoreUsage;
-            return UsageError;
-        } else {
-            path = argument;
-        }
+int runRestore(const CommandLine& line, QTextStream& out, QTextStream& err) {
+    const QStringList positional = line.positional();
+    QString path = positional.value(0);
+    const bool last = line.isSet(QStringLiteral("last"));
+    const bool dryRun = line.isSet(QStringLiteral("dry-run"));
+    const bool force = line.isSet(QStringLiteral("force"));
+    if (positional.size() > 1) {
+        return usageError(
+            line, err,
+            QStringLiteral("unexpected argument '") + visibleText(positional[1]) + u'\'');
     }
-    if (list) {
-        return arguments.size() == 1 ? listRecords(out) : (err << kRestoreUsage, UsageError);
+    if (line.isSet(QStringLiteral("list"))) {
+        if (last || dryRun || force || !path.isEmpty()) {
+            return usageError(line, err, QStringLiteral("--list takes no other argument"));
+        }
+        return listRecords(out);
     }
     if (last == !path.isEmpty()) {
-        err << kRestoreUsage;
-        return UsageError;
+        return usageError(line, err,
+                          last ? QStringLiteral("RECORD and --last cannot be used together")
+                               : QStringLiteral("RECORD, --last or --list is required"));
     }
     const Result<MoveRecord> record = chosenRecord(path, last, err);
     if (!record) {

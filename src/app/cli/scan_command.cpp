@@ -17,12 +17,6 @@ namespace tidewick::cli {
 
 namespace {
 
-const char* const kScanUsage =
-    "usage: tidewick-cli scan FOLDER --kind ses|sesx|xml|rpp|veg (--session NAME | --all)\n"
-    "                         [--trim] [--type N] [--keep-peaks] [--add-folder | --sub-folder "
-    "PATH]\n"
-    "                         [--json]\n";
-
 // The captions of a scan as the window would show them, nothing checked.
 struct Captions {
     QString used, unused, sizes;
@@ -100,14 +94,9 @@ void printFolderJson(const SessionFolder& folder, QTextStream& out) {
 
 }  // namespace
 
-int runScan(const QStringList& arguments, QTextStream& out, QTextStream& err) {
-    bool json = false;
-    const auto jsonOption = [&json](const QStringList& all, qsizetype& at, bool&) {
-        json = all[at] == QLatin1String("--json");
-        return json;
-    };
-    const std::optional<FolderArguments> parsed =
-        parseFolderArguments(arguments, err, QStringLiteral("scan"), kScanUsage, false, jsonOption);
+int runScan(const CommandLine& line, QTextStream& out, QTextStream& err) {
+    const bool json = line.isSet(QStringLiteral("json"));
+    const std::optional<FolderArguments> parsed = parseFolderArguments(line, err, false);
     if (!parsed) {
         return UsageError;
     }
