@@ -18,12 +18,13 @@ namespace tidewick {
 namespace {
 
 // Written into every index, so that a file of another program, or of a later layout, is known.
-const QString kFormat = QStringLiteral("tidewick-index-1");
+const QString kFormat = QStringLiteral("tidewick-index-2");
 
 const char* const kSchema[] = {
     "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT)",
     "CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
-    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL)",
+    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL, "
+    "inode INTEGER NOT NULL DEFAULT 0)",
     "CREATE TABLE media (session TEXT NOT NULL, folder TEXT NOT NULL, file TEXT NOT NULL)",
     "CREATE INDEX media_folder ON media (folder)",
     "CREATE INDEX media_session ON media (session)",
@@ -138,8 +139,9 @@ Result<void> SessionIndex::write(const std::function<bool()>& work) {
 
 void SessionIndex::loadInto(const QString& root, SessionCache& cache, const FileSystem& disk) {
     QSqlQuery query = reading(connection_);
-    query.prepare(QStringLiteral(
-        "SELECT path, size, modified, kind, read FROM sessions WHERE path >= ? AND path < ?"));
+    query.prepare(
+        QStringLiteral("SELECT path, size, modified, kind, read, inode FROM sessions WHERE path >= "
+                       "? AND path < ?"));
     const auto [from, to] = under(root);
     query.addBindValue(from);
     query.addBindValue(to);
@@ -149,7 +151,8 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
     }
     while (query.next()) {
         const QString path = query.value(0).toString();
-        const FileStamp held{query.value(1).toLongLong(), query.value(2).toLongLong()};
+        const FileStamp held{query.value(1).toLongLong(), query.value(2).toLongLong(),
+                             query.value(5).toULongLong()};
         const int kind = query.value(3).toInt();
         if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
             continue;  // changed since: read again
@@ -163,7 +166,8 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
 QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
     QSqlQuery held = reading(connection_);
     held.prepare(
-        QStringLiteral("SELECT path, size, modified FROM sessions WHERE path >= ? AND path < ?"));
+        QStringLiteral("SELECT path, size, modified, inode FROM sessions WHERE path >= ? AND "
+                       "path < ?"));
     const auto [from, to] = under(root);
     held.addBindValue(from);
     held.addBindValue(to);
@@ -171,7 +175,8 @@ QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
     if (held.exec()) {
         while (held.next()) {
             stamps.insert(held.value(0).toString(),
-                          {held.value(1).toLongLong(), held.value(2).toLongLong()});
+                          {held.value(1).toLongLong(), held.value(2).toLongLong(),
+                           held.value(3).toULongLong()});
         }
     }
     return stamps;
@@ -298,12 +303,13 @@ bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCach
         return false;
     }
     QSqlQuery insert(db);
-    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?)"));
+    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
     insert.addBindValue(path);
     insert.addBindValue(entry.stamp.size);
     insert.addBindValue(entry.stamp.modified);
     insert.addBindValue(int(entry.kind));
     insert.addBindValue(packRead(entry.read));
+    insert.addBindValue(entry.stamp.inode);
     if (!insert.exec()) {
         return false;
     }
@@ -361,12 +367,14 @@ QHash<QString, QStringList> SessionIndex::usersOf(const QStringList& folders) co
 std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
                                                          const FileSystem& disk) const {
     QSqlQuery query = reading(connection_);
-    query.prepare(QStringLiteral("SELECT size, modified, kind, read FROM sessions WHERE path = ?"));
+    query.prepare(
+        QStringLiteral("SELECT size, modified, kind, read, inode FROM sessions WHERE path = ?"));
     query.addBindValue(path);
     if (!query.exec() || !query.next()) {
         return std::nullopt;
     }
-    const FileStamp held{query.value(0).toLongLong(), query.value(1).toLongLong()};
+    const FileStamp held{query.value(0).toLongLong(), query.value(1).toLongLong(),
+                         query.value(4).toULongLong()};
     const int kind = query.value(2).toInt();
     if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
         return std::nullopt;
