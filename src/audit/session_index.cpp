@@ -33,6 +33,22 @@ const char* const kSchema[] = {
     "signature BLOB NOT NULL, report BLOB NOT NULL)",
 };
 
+// How long a question waits for another program or audit that holds the index.
+const QString kBusyTimeout = QStringLiteral("QSQLITE_BUSY_TIMEOUT=15000");
+
+// The failure of `error`, its number SQLite's own (5 and 6: the file is held by another
+// connection), its cause never empty.
+Error failureOf(const QSqlError& error) {
+    const QString cause = error.text().trimmed();
+    return {error.nativeErrorCode().toInt(),
+            cause.isEmpty() ? QStringLiteral("the database gave no reason") : cause};
+}
+
+// Whether the file is only held by another program or audit, and not damaged.
+bool isHeld(const Error& error) {
+    return error.code == 5 || error.code == 6;
+}
+
 // A query that reads its rows once, in order: nothing is kept behind it.
 QSqlQuery reading(const QString& connection) {
     QSqlQuery query(QSqlDatabase::database(connection, false));
@@ -75,9 +91,9 @@ Result<void> SessionIndex::open(const QString& file) {
                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
     db.close();
     db.setDatabaseName(file);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
+    db.setConnectOptions(kBusyTimeout);
     if (!db.open()) {
-        return Error{0, db.lastError().text()};
+        return failureOf(db.lastError());
     }
     QSqlQuery query(db);
     if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
@@ -90,9 +106,9 @@ Result<void> SessionIndex::open(const QString& file) {
     // program's, and a file that is no database says so here.
     if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !query.next() ||
         query.value(0).toInt() != 0) {
-        return Error{0, query.lastError().isValid()
-                            ? query.lastError().text()
-                            : QStringLiteral("it is another program's database")};
+        return query.lastError().isValid()
+                   ? failureOf(query.lastError())
+                   : Error{0, QStringLiteral("it is another program's database")};
     }
     return write([&db] {
         QSqlQuery make(db);
@@ -109,6 +125,12 @@ Result<void> SessionIndex::open(const QString& file) {
 
 void SessionIndex::rebuild(const Error& why) {
     QSqlDatabase::database(connection_, false).close();
+    if (isHeld(why)) {
+        // Held by another program or audit, it is sound: it stays, and this run keeps what it
+        // reads to itself.
+        (void)open(QStringLiteral(":memory:"));
+        return;
+    }
     if (QFile::exists(file_)) {
         const QString stamp =
             file_ + QStringLiteral(".set-aside-") +
@@ -132,7 +154,7 @@ Result<void> SessionIndex::write(const std::function<bool()>& work) {
     if (db.transaction() && work() && db.commit()) {
         return {};
     }
-    const Error failed{0, db.lastError().text()};
+    const Error failed = failureOf(db.lastError());
     db.rollback();
     return failed;
 }
@@ -146,7 +168,7 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
     query.addBindValue(from);
     query.addBindValue(to);
     if (!query.exec()) {
-        rebuild(Error{0, query.lastError().text()});
+        rebuild(failureOf(query.lastError()));
         return;
     }
     while (query.next()) {
