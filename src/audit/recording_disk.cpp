@@ -19,6 +19,7 @@ enum Question : char {
     kFileStamp = 't',
     kFileIds = 'i',
     kCurrentDirectory = 'c',
+    kFolderReadable = 'r',
 };
 
 // The bytes of answers, as the hash takes them in: each value's own bytes, a text after its
@@ -62,7 +63,8 @@ void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHa
             answer << folder.name << folder.mayHaveSubFolders;
         }
     } else if constexpr (std::is_same_v<T, std::optional<FileStamp>>) {
-        answer << value.has_value() << (value ? value->size : 0) << (value ? value->modified : 0);
+        answer << value.has_value() << (value ? value->size : 0) << (value ? value->modified : 0)
+               << (value ? value->inode : 0);
     } else if constexpr (std::is_same_v<T, QList<FileId>>) {
         for (const FileId& id : value) {
             answer << id.device << id.inode;
@@ -98,6 +100,8 @@ void answerNow(char kind, const QString& path, const FileSystem& disk, QCryptogr
             return hashAnswer(kind, path, disk.fileStamp(path), hash);
         case kFileIds:
             return hashAnswer(kind, path, disk.fileIds(path), hash);
+        case kFolderReadable:
+            return hashAnswer(kind, path, disk.folderReadable(path), hash);
         default:
             return hashAnswer(kind, path, disk.currentDirectory(), hash);
     }
@@ -194,6 +198,10 @@ std::optional<FileStamp> RecordingDisk::fileStamp(const QString& path) const {
 
 QList<FileId> RecordingDisk::fileIds(const QString& path) const {
     return noted(kFileIds, path, disk_.fileIds(path));
+}
+
+bool RecordingDisk::folderReadable(const QString& folder) const {
+    return noted(kFolderReadable, folder, disk_.folderReadable(folder));
 }
 
 QString RecordingDisk::currentDirectory() const {

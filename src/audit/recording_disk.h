@@ -30,6 +30,7 @@ public:
     std::optional<FileStamp> fileStamp(const QString& path) const override;
     QList<FileId> fileIds(const QString& path) const override;
     QString currentDirectory() const override;
+    bool folderReadable(const QString& folder) const override;
 
     /// The questions asked, in order, each once.
     QByteArray questions() const;

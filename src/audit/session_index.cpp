@@ -18,12 +18,13 @@ namespace tidewick {
 namespace {
 
 // Written into every index, so that a file of another program, or of a later layout, is known.
-const QString kFormat = QStringLiteral("tidewick-index-1");
+const QString kFormat = QStringLiteral("tidewick-index-2");
 
 const char* const kSchema[] = {
     "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT)",
     "CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
-    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL)",
+    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL, "
+    "inode INTEGER NOT NULL DEFAULT 0)",
     "CREATE TABLE media (session TEXT NOT NULL, folder TEXT NOT NULL, file TEXT NOT NULL)",
     "CREATE INDEX media_folder ON media (folder)",
     "CREATE INDEX media_session ON media (session)",
@@ -31,6 +32,22 @@ const char* const kSchema[] = {
     "CREATE TABLE audits (folder TEXT PRIMARY KEY, questions BLOB NOT NULL, "
     "signature BLOB NOT NULL, report BLOB NOT NULL)",
 };
+
+// How long a question waits for another program or audit that holds the index.
+const QString kBusyTimeout = QStringLiteral("QSQLITE_BUSY_TIMEOUT=15000");
+
+// The failure of `error`, its number SQLite's own (5 and 6: the file is held by another
+// connection), its cause never empty.
+Error failureOf(const QSqlError& error) {
+    const QString cause = error.text().trimmed();
+    return {error.nativeErrorCode().toInt(),
+            cause.isEmpty() ? QStringLiteral("the database gave no reason") : cause};
+}
+
+// Whether the file is only held by another program or audit, and not damaged.
+bool isHeld(const Error& error) {
+    return error.code == 5 || error.code == 6;
+}
 
 // A query that reads its rows once, in order: nothing is kept behind it.
 QSqlQuery reading(const QString& connection) {
@@ -74,9 +91,9 @@ Result<void> SessionIndex::open(const QString& file) {
                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
     db.close();
     db.setDatabaseName(file);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
+    db.setConnectOptions(kBusyTimeout);
     if (!db.open()) {
-        return Error{0, db.lastError().text()};
+        return failureOf(db.lastError());
     }
     QSqlQuery query(db);
     if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
@@ -89,9 +106,9 @@ Result<void> SessionIndex::open(const QString& file) {
     // program's, and a file that is no database says so here.
     if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !query.next() ||
         query.value(0).toInt() != 0) {
-        return Error{0, query.lastError().isValid()
-                            ? query.lastError().text()
-                            : QStringLiteral("it is another program's database")};
+        return query.lastError().isValid()
+                   ? failureOf(query.lastError())
+                   : Error{0, QStringLiteral("it is another program's database")};
     }
     return write([&db] {
         QSqlQuery make(db);
@@ -108,6 +125,12 @@ Result<void> SessionIndex::open(const QString& file) {
 
 void SessionIndex::rebuild(const Error& why) {
     QSqlDatabase::database(connection_, false).close();
+    if (isHeld(why)) {
+        // Held by another program or audit, it is sound: it stays, and this run keeps what it
+        // reads to itself.
+        (void)open(QStringLiteral(":memory:"));
+        return;
+    }
     if (QFile::exists(file_)) {
         const QString stamp =
             file_ + QStringLiteral(".set-aside-") +
@@ -131,25 +154,27 @@ Result<void> SessionIndex::write(const std::function<bool()>& work) {
     if (db.transaction() && work() && db.commit()) {
         return {};
     }
-    const Error failed{0, db.lastError().text()};
+    const Error failed = failureOf(db.lastError());
     db.rollback();
     return failed;
 }
 
 void SessionIndex::loadInto(const QString& root, SessionCache& cache, const FileSystem& disk) {
     QSqlQuery query = reading(connection_);
-    query.prepare(QStringLiteral(
-        "SELECT path, size, modified, kind, read FROM sessions WHERE path >= ? AND path < ?"));
+    query.prepare(
+        QStringLiteral("SELECT path, size, modified, kind, read, inode FROM sessions WHERE path >= "
+                       "? AND path < ?"));
     const auto [from, to] = under(root);
     query.addBindValue(from);
     query.addBindValue(to);
     if (!query.exec()) {
-        rebuild(Error{0, query.lastError().text()});
+        rebuild(failureOf(query.lastError()));
         return;
     }
     while (query.next()) {
         const QString path = query.value(0).toString();
-        const FileStamp held{query.value(1).toLongLong(), query.value(2).toLongLong()};
+        const FileStamp held{query.value(1).toLongLong(), query.value(2).toLongLong(),
+                             query.value(5).toULongLong()};
         const int kind = query.value(3).toInt();
         if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
             continue;  // changed since: read again
@@ -163,7 +188,8 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
 QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
     QSqlQuery held = reading(connection_);
     held.prepare(
-        QStringLiteral("SELECT path, size, modified FROM sessions WHERE path >= ? AND path < ?"));
+        QStringLiteral("SELECT path, size, modified, inode FROM sessions WHERE path >= ? AND "
+                       "path < ?"));
     const auto [from, to] = under(root);
     held.addBindValue(from);
     held.addBindValue(to);
@@ -171,7 +197,8 @@ QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
     if (held.exec()) {
         while (held.next()) {
             stamps.insert(held.value(0).toString(),
-                          {held.value(1).toLongLong(), held.value(2).toLongLong()});
+                          {held.value(1).toLongLong(), held.value(2).toLongLong(),
+                           held.value(3).toULongLong()});
         }
     }
     return stamps;
@@ -298,12 +325,13 @@ bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCach
         return false;
     }
     QSqlQuery insert(db);
-    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?)"));
+    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
     insert.addBindValue(path);
     insert.addBindValue(entry.stamp.size);
     insert.addBindValue(entry.stamp.modified);
     insert.addBindValue(int(entry.kind));
     insert.addBindValue(packRead(entry.read));
+    insert.addBindValue(entry.stamp.inode);
     if (!insert.exec()) {
         return false;
     }
@@ -361,12 +389,14 @@ QHash<QString, QStringList> SessionIndex::usersOf(const QStringList& folders) co
 std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
                                                          const FileSystem& disk) const {
     QSqlQuery query = reading(connection_);
-    query.prepare(QStringLiteral("SELECT size, modified, kind, read FROM sessions WHERE path = ?"));
+    query.prepare(
+        QStringLiteral("SELECT size, modified, kind, read, inode FROM sessions WHERE path = ?"));
     query.addBindValue(path);
     if (!query.exec() || !query.next()) {
         return std::nullopt;
     }
-    const FileStamp held{query.value(0).toLongLong(), query.value(1).toLongLong()};
+    const FileStamp held{query.value(0).toLongLong(), query.value(1).toLongLong(),
+                         query.value(4).toULongLong()};
     const int kind = query.value(2).toInt();
     if (disk.fileStamp(path) != held || kind < 0 || kind >= sessionKinds().size()) {
         return std::nullopt;

@@ -11,10 +11,11 @@
 #include "sweep/sweep.h"
 
 // The sessions an audit read, kept between runs in an SQLite file, keyed by each file's path,
-// size and time of change, with the files each uses outside its own folder. A second audit
-// reads only the sessions that changed; a load in the window learns from it which sessions of
-// other folders use its files. It is a cache: a session is always checked against its file
-// before anything it holds is believed.
+// size, time of change and inode, with the files each uses outside its own folder. A second
+// audit reads only the sessions that changed; a load in the window learns from it which sessions
+// of other folders use its files. It is a cache: a session is always checked against its file
+// (its size, time of change and inode all as the row holds them) before anything it holds is
+// believed; a row that disagrees in any of them is read again.
 class QSqlDatabase;
 
 namespace tidewick {

@@ -304,7 +304,8 @@ std::optional<FileStamp> FileSystem::fileStamp(const QString& path) const {
         return std::nullopt;
     }
     return FileStamp{qint64(info.st_size),
-                     qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec};
+                     qint64(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec,
+                     quint64(info.st_ino)};
 #else
     const QFileInfo info(path);
     if (!info.isFile()) {
@@ -348,6 +349,20 @@ QList<FileId> FileSystem::fileIds(const QString& path) const {
 
 QString FileSystem::currentDirectory() const {
     return QDir::currentPath();
+}
+
+bool FileSystem::folderReadable(const QString& folder) const {
+#ifdef Q_OS_UNIX
+    DIR* dir = ::opendir(encodeFileName(folder).constData());
+    if (dir != nullptr) {
+        ::closedir(dir);
+        return true;
+    }
+    return errno == ENOENT || errno == ENOTDIR;
+#else
+    const QFileInfo info(folder);
+    return !info.isDir() || info.isReadable();
+#endif
 }
 
 }  // namespace tidewick

@@ -39,10 +39,12 @@ inline size_t qHash(const FileId& id, size_t seed = 0) {
     return qHashMulti(seed, id.device, id.inode);
 }
 
-/// A file's length and the time of its last change, which together tell whether it changed.
+/// A file's length, the time of its last change and its inode, which together tell whether it
+/// changed or was replaced by another file.
 struct FileStamp {
     qint64 size = 0;
     qint64 modified = 0;  ///< nanoseconds since 1970
+    quint64 inode = 0;    ///< zero where the disk does not tell
     bool operator==(const FileStamp&) const = default;
 };
 
@@ -113,6 +115,11 @@ public:
 
     /// The program's current directory.
     virtual QString currentDirectory() const;
+
+    /// False when `folder` is a folder whose files cannot be listed (no permission, a failing
+    /// disk): the listings above then read it as empty, which is no answer. True for a folder
+    /// that can be listed and for a path that is no folder.
+    virtual bool folderReadable(const QString& folder) const;
 };
 
 }  // namespace tidewick

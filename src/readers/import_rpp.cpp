@@ -52,6 +52,38 @@ QString textOf(QByteArrayView piece) {
     return decodeSessionText(bytes);
 }
 
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+// The value a file line gives after its keyword, in each form REAPER writes one: "a b.wav";
+// 'say "hi".wav' when the path holds a double quote; `it's "x".wav` when it holds both; or, with
+// `bareAllowed` (a FILE or BANKPROGRAMFILE line), a bare token without blanks or quotes
+// (FILE Media/take-01.wav). None when the line gives no whole value: a quote left open names no
+// file, as its end is unknown.
+std::optional<QByteArrayView> fileValue(QByteArrayView line, bool bareAllowed) {
+    qsizetype at = 0;
+    while (at < line.size() && !isBlank(line[at])) {
+        ++at;  // the keyword
+    }
+    while (at < line.size() && isBlank(line[at])) {
+        ++at;
+    }
+    if (at == line.size()) {
+        return std::nullopt;
+    }
+    const char open = line[at];
+    if (open == '"' || open == '\'' || open == '`') {
+        const qsizetype close = line.indexOf(open, at + 1);
+        return close < 0 ? std::nullopt : std::optional(line.sliced(at + 1, close - at - 1));
+    }
+    qsizetype end = at;
+    while (end < line.size() && !isBlank(line[end])) {
+        ++end;
+    }
+    return bareAllowed ? std::optional(line.sliced(at, end - at)) : std::nullopt;
+}
+
 // REAPER writes the separators of the system it runs on, so a project saved on Windows holds
 // "\" and one saved on macOS "/". Paths leave the reader in the host's form.
 // One character for another gives what replacing again and again from the start gives, in
@@ -188,11 +220,13 @@ private:
         }
     }
 
-    // Adds the path between the first two quotes of `fileLine`.
+    // Adds the path that `fileLine` gives after its keyword (fileValue).
     void addFile(QByteArrayView fileLine) {
-        const std::optional<QByteArrayView> quoted = textBetweenFirstQuotes(fileLine);
+        const bool bareAllowed =
+            beginsWith(fileLine, kFileKeyword) || beginsWith(fileLine, kBankProgramFile);
+        const std::optional<QByteArrayView> quoted = fileValue(fileLine, bareAllowed);
         if (!quoted || quoted->size() > kMaxPathBytes) {
-            return;  // fewer than two quotes: there is no path to cut out
+            return;  // no whole value: there is no path to cut out
         }
         const QByteArrayView inside = *quoted;
         // The same bytes always give the same path, so a file that many items share is

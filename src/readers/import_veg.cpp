@@ -172,16 +172,23 @@ private:
 // that counts its 24-byte header. A "riff" or "list" chunk holds a 16-byte form GUID and then
 // child chunks; a media-file chunk's data begins with the 64-bit offset, from the start of the
 // data, of the file's path in UTF-16LE, ended by a zero character. The walk keeps its own stack,
-// so no nesting of a hostile file can exhaust the program's, and a chunk whose size runs past
-// its parent ends that level.
+// so no nesting of a hostile file can exhaust the program's. A project checks out when its
+// chunks fill each parent exactly, down to the end of the file; one cut short or damaged has a
+// chunk that runs past its parent, or a root larger than the file.
 class VegChunkWalk {
 public:
+    enum class Tree { None, Broken, Whole };
+
     VegChunkWalk(QByteArrayView bytes, MediaPathList& paths) : bytes_(bytes), paths_(paths) {}
 
-    /// Reads every media-file chunk's path in file order; true when the file is a chunk tree.
-    bool run() {
-        if (!isContainer(0) || chunkSize(0) != quint64(bytes_.size())) {
-            return false;
+    /// Reads every media-file chunk's path in file order; None when the file does not begin as
+    /// a chunk tree, Broken when it begins as one that does not check out to its end.
+    Tree run() {
+        if (!isContainer(0)) {
+            return Tree::None;
+        }
+        if (chunkSize(0) != quint64(bytes_.size())) {
+            return Tree::Broken;
         }
         struct Level {
             qsizetype pos, end;
@@ -189,10 +196,13 @@ public:
         std::vector<Level> levels{{kHeader + kFormGuid, bytes_.size()}};
         while (!levels.empty()) {
             const Level level = levels.back();
-            const quint64 size = level.end - level.pos >= kHeader ? chunkSize(level.pos) : 0;
-            if (size < kHeader || size > quint64(level.end - level.pos)) {
+            if (level.pos == level.end) {
                 levels.pop_back();
                 continue;
+            }
+            const quint64 size = level.end - level.pos >= kHeader ? chunkSize(level.pos) : 0;
+            if (size < kHeader || size > quint64(level.end - level.pos)) {
+                return Tree::Broken;
             }
             const qsizetype chunk = level.pos;
             const qsizetype chunkEnd = chunk + qsizetype(size);
@@ -203,7 +213,7 @@ public:
                 readPath(chunk + kHeader, chunkEnd);
             }
         }
-        return true;
+        return Tree::Whole;
     }
 
 private:
@@ -294,12 +304,18 @@ QString vegPathText(QByteArrayView raw) {
 SessionRead readVegSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
     MediaPathList paths;
-    const bool chunkTree = VegChunkWalk(bytes, paths).run();
+    const VegChunkWalk::Tree tree = VegChunkWalk(bytes, paths).run();
+    SessionRead read;
+    if (tree == VegChunkWalk::Tree::Broken) {
+        // A project cut short or damaged: what its lost chunks used is unknown.
+        read.outcome = ReaderOutcome::Failed;
+        read.problem = cutShortProblem(SessionKindId::Veg, QStringLiteral("chunk"));
+        return read;
+    }
     // What the scan finds besides: nothing more for a well-formed project, everything for a
     // file that is no chunk tree.
     const bool scanFound = VegScan(bytes, paths).run();
-    SessionRead read;
-    if (!chunkTree && !scanFound) {
+    if (tree == VegChunkWalk::Tree::None && !scanFound) {
         // Neither a chunk tree nor the scan's marks: an empty, truncated or foreign file. Read
         // as a project without media, it would offer the whole folder for moving.
         read.outcome = ReaderOutcome::Rejected;

@@ -22,6 +22,9 @@ public:
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
     QString currentDirectory() const override { return disk_.currentDirectory(); }
+    bool folderReadable(const QString& folder) const override {
+        return disk_.folderReadable(folder);
+    }
     std::optional<FileStamp> fileStamp(const QString& path) const override {
         return disk_.fileStamp(path);
     }

@@ -24,9 +24,10 @@ struct Guard {
     const QStringList* lastKnown = nullptr;  // for a session of another folder: what it used
 };
 
-// The sessions of `folder` and of its backup folders, the load's own among them.
+// The sessions of `folder` and of its backup folders, the load's own among them. A folder that
+// is there but cannot be listed may hide sessions: the first such is named in `unreadable`.
 void findSessions(const QString& folder, const FileSystem& fs, QList<Guard>& found,
-                  QSet<QString>& seen) {
+                  QSet<QString>& seen, QString& unreadable) {
     QStringList places = {withSeparator(folder)};
     for (const QString& backups : backupFolders()) {
         places.append(withSeparator(withSeparator(folder) + backups));
@@ -37,6 +38,10 @@ void findSessions(const QString& folder, const FileSystem& fs, QList<Guard>& fou
             continue;
         }
         seen.insert(place);
+        if (!fs.folderReadable(place)) {
+            unreadable = unreadable.isEmpty() ? place : unreadable;
+            continue;
+        }
         const auto isSession = [](const QString& name) {
             return sessionKindForName(name) != nullptr;
         };
@@ -140,8 +145,14 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
                                               const QList<SessionElsewhere>& elsewhere) {
     QList<Guard> guards;
     QSet<QString> seen;
+    QString unreadable;
     for (const QString& folder : folders) {
-        findSessions(folder, fs, guards, seen);
+        findSessions(folder, fs, guards, seen, unreadable);
+    }
+    if (!unreadable.isEmpty()) {
+        // Read as empty, it would guard nothing; like a session that cannot be read, it stops.
+        *stoppedAt = namedFrom(withSeparator(sessionFolder), unreadable);
+        return nullptr;
     }
     for (const SessionElsewhere& session : elsewhere) {
         guards.append({session.path,

@@ -308,7 +308,9 @@ QStringList filesNamedBy(const QString& written, const QString& folder, const Se
 /// folder `sessionFolder` names it ("mix.sesx", "Backups/song.rpp"), and the session files
 /// themselves, hidden from the listings (but for backups, which stay listed). A file its
 /// reader finds foreign is no session and guards nothing. Nothing when a session could not be
-/// read: its name is in `stoppedAt` and its problem told, as its media are unknown. The
+/// read: its name is in `stoppedAt` and its problem told, as its media are unknown; so too when
+/// one of the folders or their backup folders is there but cannot be listed (named in
+/// `stoppedAt`), as the sessions it may hold are unknown. The
 /// sessions `elsewhere` guard too, named by their paths; one of them that cannot be read now
 /// keeps the files it used when it was read.
 std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,

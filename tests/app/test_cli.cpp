@@ -7,6 +7,7 @@
 #include <QTextStream>
 
 #include "app/cli/cli.h"
+#include "audit/session_index.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"
 #include "support/ses_writer.h"
@@ -305,6 +306,92 @@ TEST(Cli, CopyUsedCopiesTheFilesOfARealSessionThatAreOnDisk) {
     EXPECT_EQ(test::readFile(collect + "/Vox - 002-02.wav"), "RIFF vox");
     EXPECT_EQ(QDir(collect).entryList(QDir::Files), QStringList{"Vox - 002-02.wav"});
 }
+
+// After an audit, a session of folder A that uses B/shared.wav guards it in every front end, as
+// in the window; an index row made by hand (right size and time, no inode) is no read.
+struct AuditedGuardCase {
+    const char* name;
+    const char* handMadeRowFor;  // a session whose row is replaced by one naming no media
+    QStringList arguments;       // after the command's folder, "B" or the library
+    int code;
+    const char* shows;
+    const char* neverShows;
+};
+
+void PrintTo(const AuditedGuardCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class AuditedGuard : public ::testing::TestWithParam<AuditedGuardCase> {};
+
+TEST_P(AuditedGuard, AFileThatASessionOfTheLibraryUsesIsNeverOffered) {
+    const AuditedGuardCase& c = GetParam();
+    test::ReaderFixture f;
+    qputenv("XDG_CACHE_HOME", f.dir.filePath("cache").toUtf8());
+    qputenv("XDG_DATA_HOME", f.dir.filePath("data").toUtf8());
+    const QString library = f.dir.filePath("L"), b = library + "/B";
+    for (const char* file : {"B/b.wav", "B/shared.wav", "B/spare.wav"}) {
+        ASSERT_TRUE(test::writeFile(library + '/' + file, "RIFF"));
+    }
+    ASSERT_TRUE(test::writeFile(library + "/A/s.sesx",
+                                test::sessionBytes(SessionKindId::Sesx, {b + "/shared.wav"})));
+    ASSERT_TRUE(
+        test::writeFile(b + "/own.sesx", test::sessionBytes(SessionKindId::Sesx, {"b.wav"})));
+    QString out, err;
+    QTextStream outStream(&out), errStream(&err);
+    ASSERT_EQ(cli::run({"audit", library}, outStream, errStream), 0) << err.toStdString();
+    if (*c.handMadeRowFor != 0) {
+        const QString session = library + '/' + c.handMadeRowFor;
+        FileStamp stamp = *FileSystem().fileStamp(session);
+        stamp.inode = 0;
+        SessionIndex(SessionIndex::defaultFile())
+            .update(session, {stamp, SessionKindId::Sesx, {ReaderOutcome::Read, {}, {}, {}, {}}},
+                    {b + "/shared.wav"});
+        ASSERT_TRUE(test::writeFile(b + "/new.wav", "RIFF"));  // B is audited again
+    }
+    QStringList arguments = c.arguments;
+    arguments.replaceInStrings("@", f.dir.path() + '/');
+    out.clear();
+    EXPECT_EQ(cli::run(arguments, outStream, errStream), c.code) << err.toStdString();
+    outStream.flush();
+    EXPECT_TRUE(out.contains(c.shows)) << out.toStdString();
+    EXPECT_FALSE(out.contains(c.neverShows)) << out.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cli, AuditedGuard,
+    ::testing::Values(
+        AuditedGuardCase{"ScanKeepsIt",
+                         "",
+                         {"scan", "@L/B", "--kind", "sesx", "--all"},
+                         0,
+                         "/L/A/s.sesx\n",
+                         "[ ] shared.wav"},
+        AuditedGuardCase{"MoveKeepsIt",
+                         "",
+                         {"move", "@L/B", "--kind", "sesx", "--all", "--to", "@T", "--dry-run"},
+                         0,
+                         "spare.wav",
+                         "shared.wav"},
+        AuditedGuardCase{"CopyUsedCopiesOnlyWhatBsSessionsUse",
+                         "",
+                         {"copy-used", "@L/B", "--kind", "sesx", "--all", "--to", "@C"},
+                         0,
+                         "1 File(s) successfully copied",
+                         "shared"},
+        AuditedGuardCase{"AHandMadeRowOfAnotherFoldersSessionIsReadAgain",
+                         "A/s.sesx",
+                         {"scan", "@L/B", "--kind", "sesx", "--all"},
+                         0,
+                         "/L/A/s.sesx\n",
+                         "[ ] shared.wav"},
+        AuditedGuardCase{"AHandMadeRowOfTheFoldersOwnSessionIsReadAgainByTheAudit",
+                         "B/own.sesx",
+                         {"audit", "@L"},
+                         0,
+                         "/L/B  reclaimable 2 file(s)",
+                         "/L/B  reclaimable 3"}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 // A file name may hold any byte but "/": printed raw, a line feed would split a line and an
 // escape sequence would drive the terminal. The JSON form leads back to each file.

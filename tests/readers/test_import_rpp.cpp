@@ -41,6 +41,39 @@ TEST(RppReader, RejectsAFileWhoseFirstNonBlankLineIsNoHeader) {
     }
 }
 
+// Each quoting form REAPER writes a path in: double quotes, single quotes when the path holds a
+// double quote, backticks when it holds both, and a bare token when it holds no blank.
+struct QuotingCase {
+    const char* name;
+    QByteArray line;  // after a media source
+    const char* path;
+};
+
+void PrintTo(const QuotingCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class Quoting : public ::testing::TestWithParam<QuotingCase> {};
+
+TEST_P(Quoting, AFileLineGivesItsPathInEveryForm) {
+    const QByteArray bytes = rpp("<SOURCE WAVE|" + GetParam().line + "|>|>");
+    EXPECT_EQ(test::pathsRead(SessionKindId::Rpp, bytes), host(GetParam().path));
+    EXPECT_EQ(readRppSession(bytes, {}).outcome, ReaderOutcome::Read);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    RppReader, Quoting,
+    ::testing::Values(
+        QuotingCase{"DoubleQuoted", "FILE \"Media/a b.wav\" 1", "Media/a b.wav"},
+        QuotingCase{"SingleQuotedHoldingADoubleQuote", "FILE 'say \"hi\".wav'", "say \"hi\".wav"},
+        QuotingCase{"BacktickedHoldingBoth", "FILE `it's \"x\".wav` 1", "it's \"x\".wav"},
+        QuotingCase{"Bare", "FILE Media/take-01.wav", "Media/take-01.wav"},
+        QuotingCase{"BareWithATrailingValue", "FILE\ttake.wav 1", "take.wav"},
+        QuotingCase{"BareBankProgramFile", "BANKPROGRAMFILE C:\\gm.txt", "C:/gm.txt"},
+        QuotingCase{"AQuoteLeftOpenNamesNothing", "FILE 'cut.wav", ""},
+        QuotingCase{"ABareTokenOnALineOfAnotherKeywordNamesNothing", "LENGTH 3", ""}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 TEST(RppReader, SourcesYieldTheQuotedFile) {
     const std::tuple<const char*, QByteArray, const char*> cases[] = {
         {"header after blank lines, the line after it read too",

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
+#include <QtEndian>
 #include <tuple>
 
 #include "readers/import_veg.h"
@@ -49,6 +51,59 @@ TEST(VegReader, ScanFindsTheRecordedPaths) {
         EXPECT_EQ(test::pathsRead(SessionKindId::Veg, bytes), paths) << name;
     }
 }
+
+// A real project is read only when its chunk tree checks out to the end of the file: one cut
+// short or with a chunk that runs past its parent is refused as incomplete, never read as a
+// project without media. Each row changes the first of the corpus projects.
+struct ChunkTreeCase {
+    const char* name;
+    QByteArray (*change)(QByteArray);
+    ReaderOutcome outcome;
+};
+
+void PrintTo(const ChunkTreeCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class ChunkTree : public ::testing::TestWithParam<ChunkTreeCase> {};
+
+TEST_P(ChunkTree, AProjectIsReadOnlyWhenItsTreeChecksOutToTheEnd) {
+    if (!test::haveCorpus()) {
+        GTEST_SKIP() << "no session corpus";
+    }
+    QFile file(test::corpusPath("veg/mb2014_Untitled.veg"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = GetParam().change(file.readAll());
+    const SessionRead read = sessionKind(SessionKindId::Veg).reader(bytes, {});
+    EXPECT_EQ(read.outcome, GetParam().outcome);
+    if (read.outcome == ReaderOutcome::Failed) {
+        ASSERT_TRUE(read.problem);
+        EXPECT_EQ(read.problem->failure, ReadFailure::CutShort);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    VegReader, ChunkTree,
+    ::testing::Values(ChunkTreeCase{"AsSaved", [](QByteArray b) { return b; }, ReaderOutcome::Read},
+                      ChunkTreeCase{"CutInHalf", [](QByteArray b) { return b.left(b.size() / 2); },
+                                    ReaderOutcome::Failed},
+                      ChunkTreeCase{"CutByOneByte", [](QByteArray b) { return b.chopped(1); },
+                                    ReaderOutcome::Failed},
+                      ChunkTreeCase{"CutWithTheRootsSizeMended",
+                                    [](QByteArray b) {
+                                        b.chop(b.size() / 3);
+                                        qToLittleEndian<quint64>(quint64(b.size()), b.data() + 16);
+                                        return b;
+                                    },
+                                    ReaderOutcome::Failed},
+                      ChunkTreeCase{"AChildRunningPastItsParent",
+                                    [](QByteArray b) {
+                                        qToLittleEndian<quint64>(quint64(b.size()),
+                                                                 b.data() + 40 + 16);
+                                        return b;
+                                    },
+                                    ReaderOutcome::Failed}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 // UTF-16LE bytes read as UTF-16 text; any other bytes lose their zeros and read as session text.
 TEST(VegReader, PathTextIsUtf16WhenItReadsAsSuch) {

@@ -118,6 +118,79 @@ INSTANTIATE_TEST_SUITE_P(
                   {"s.wav <- b.rpp,c.xml"}}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// The real disk, but for folders it cannot list (named by their last part), as a folder
+// without permission or on a failing disk is: listed as empty, and said so when asked.
+class UnlistableDisk : public FileSystem {
+public:
+    explicit UnlistableDisk(QString name) : name_(u'/' + std::move(name) + u'/') {}
+    bool folderReadable(const QString& folder) const override { return !refused(folder); }
+    QList<FolderEntry> listFiles(const QString& folder, bool withHidden,
+                                 const NameTest& wanted) const override {
+        return refused(folder) ? QList<FolderEntry>()
+                               : FileSystem::listFiles(folder, withHidden, wanted);
+    }
+
+private:
+    bool refused(const QString& folder) const { return withSeparator(folder).endsWith(name_); }
+    QString name_;
+};
+
+// A folder that may hold sessions but cannot be listed stops the load, named: read as empty, the
+// only session using a take would guard nothing.
+struct UnlistableCase {
+    const char* name;
+    QStringList folder;
+    SessionKindId kind;
+    const char* unlistable;
+    const char* rowFolder;  // the sub-folder row, switched on; none when empty
+};
+
+void PrintTo(const UnlistableCase& c, std::ostream* os) {
+    *os << c.name;
+}
+
+class Unlistable : public SessionFolderTest,
+                   public ::testing::WithParamInterface<UnlistableCase> {};
+
+TEST_P(Unlistable, AFolderThatMayHoldSessionsStopsTheLoadNamingIt) {
+    const UnlistableCase& c = GetParam();
+    make(c.folder);
+    const UnlistableDisk refusing(c.unlistable);
+    SessionFolder folder(refusing);
+    SessionOptions o = options(c.kind, c.folder[0].section(u':', 0, 0));
+    o.rowOn = *c.rowFolder != 0;
+    o.rowFolder = c.rowFolder;
+    folder.load(o);
+    EXPECT_TRUE(folder.stopped());
+    EXPECT_EQ(folder.used().stoppedAt, QString(c.unlistable) + u'/');
+    EXPECT_TRUE(folder.otherFiles().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    SessionFolder, Unlistable,
+    ::testing::Values(
+        UnlistableCase{"ABackupsFolder",
+                       {"s.rpp:rpp:a.wav", "Backups/s-1.rpp:rpp:c.wav", "a.wav", "c.wav"},
+                       Rpp,
+                       "Backups",
+                       ""},
+        UnlistableCase{"ABackupFolder",
+                       {"m.sesx:sesx:a.wav", "Backup/m.sesx:sesx:c.wav", "a.wav", "c.wav"},
+                       Sesx,
+                       "Backup",
+                       ""},
+        UnlistableCase{"TheRecordFolder",
+                       {"mix.ses:ses:a.wav", "mix_Recorded/old.ses:ses:c.wav", "a.wav", "c.wav"},
+                       Ses,
+                       "mix_Recorded",
+                       ""},
+        UnlistableCase{"TheRowsFolder",
+                       {"song.veg:veg:a.wav", "Takes/t.veg:veg:c.wav", "a.wav", "c.wav"},
+                       Veg,
+                       "Takes",
+                       "Takes"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 TEST_F(SessionFolderTest, AnUnreadableSessionInSightStopsTheLoadAndOffersNothing) {
     make({"mix.sesx:sesx:a.wav", "a.wav", "b.wav"});
     ASSERT_TRUE(test::writeFile(dir.filePath("broken.rpp"), kCutProject));

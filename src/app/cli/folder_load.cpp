@@ -5,6 +5,7 @@
 
 #include "app/cli/cli.h"
 #include "app/cli/console_interaction.h"
+#include "audit/audited_library.h"
 #include "forms/captions.h"
 #include "forms/core_messages.h"
 #include "text/path_text.h"
@@ -205,6 +206,12 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
     events.tell = [&ui](const ReadProblem& problem) {
         ui.showMessage(readProblemMessage(problem));
     };
+    // The sessions of other folders that the last audit found using files here guard them, as
+    // they do in the window.
+    auto library = std::make_shared<std::pair<AuditedLibrary, FileSystem>>();
+    folder.setSessionsElsewhere([library, &folder](const QStringList& folders) {
+        return library->first.sessionsUsing(folders, library->second, folder.cache());
+    });
     folder.load(options, events);
     if (arguments.pickedRowFolder && !folder.stopped()) {
         // Picked with the row's folder button after the load, the row switched on.
