@@ -103,6 +103,7 @@ public:
             keepWhatOthersUse(folder, keepers);
         }
         findCandidates(report_.folders, walk_.walked, listed_);
+        reportUnread();
         addTotals(report_);
         return report_;
     }
@@ -113,6 +114,18 @@ private:
     void readSessions(bool auditingAgain);
     QHash<QString, QStringList> usesElsewhere();
     void auditAgain(const QList<const WalkedFolder*>& again);
+    /// The folders the walk could not read, each reported as stopped: what they hold is unknown.
+    void reportUnread() {
+        for (const QString& folder : walk_.unread) {
+            FolderReport unread;
+            unread.folder = cleanHostPath(folder);
+            unread.stopped = true;
+            unread.reason = QStringLiteral(
+                "This folder could not be read (no permission, or its path is too long): what it "
+                "holds is unknown");
+            report_.folders.append(unread);
+        }
+    }
 
     const FileSystem& disk_;
     ListedDisk listed_;  // the one listing of the library, which every step asks

@@ -30,7 +30,8 @@ void addSession(FolderSessions& sessions, const SessionKind* kind, const QString
 // thread alone, which also tells the progress.
 QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, const FileSystem& disk,
                                                        const AuditEvents& events,
-                                                       AuditProgress& progress) {
+                                                       AuditProgress& progress,
+                                                       QStringList& unread) {
     std::mutex mutex;
     std::condition_variable wake;
     QStringList pending = {withSeparator(root)};
@@ -48,6 +49,9 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
             ++busy;
             lock.unlock();
             FileSystem::Contents contents = disk.listContents(folder);
+            // An empty listing may be a folder that could not be read at all.
+            const bool readable = !contents.files.isEmpty() || !contents.folders.isEmpty() ||
+                                  disk.folderReadable(folder);
             qint64 bytes = 0;
             for (const FolderEntry& entry : contents.files) {
                 bytes += entry.size;
@@ -57,6 +61,9 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
                 if (walkedFolder(folder, *name)) {
                     pending.append(folder + *name + u'/');
                 }
+            }
+            if (!readable) {
+                unread.append(folder);
             }
             progress.files += contents.files.size();
             progress.bytes += bytes;
@@ -91,7 +98,7 @@ Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed
                  const AuditEvents& events, AuditProgress& progress) {
     Walk walk;
     QSet<QString> sessionFolders;
-    for (auto& [folder, entries] : readTree(root, disk, events, progress)) {
+    for (auto& [folder, entries] : readTree(root, disk, events, progress, walk.unread)) {
         FolderSessions sessions;
         for (const FolderEntry& entry : entries) {
             bool backup = false;
@@ -109,6 +116,7 @@ Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed
         }
         listed.keep(folder, std::move(entries));
     }
+    std::sort(walk.unread.begin(), walk.unread.end());
     // A folder of backups belongs to the session folder above it, whose loads it guards.
     walk.folders.removeIf([&sessionFolders](const WalkedFolder& folder) {
         const QString path = folder.path.chopped(1);

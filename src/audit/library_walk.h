@@ -36,6 +36,9 @@ struct Walk {
     QList<std::pair<const SessionKind*, QString>> sessionFiles;
     /// Every folder walked, with its separator: where a missing file may be.
     QStringList walked;
+    /// The folders that could not be read (no permission, a path past the system's limit), with
+    /// their separators: what they hold is unknown.
+    QStringList unread;
 };
 
 /// The folders under `root` that the audit looks into: no link to a folder, no hidden folder (a

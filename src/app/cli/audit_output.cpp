@@ -12,13 +12,14 @@ namespace tidewick::cli {
 
 namespace {
 
-// A field of a CSV row: quoted when it holds a comma, a quote or a line end.
+// A field of a CSV row, its name's stray bytes and control characters escaped as the text
+// output shows them (two names never share a cell): quoted when it holds a comma or a quote.
 QString csvField(const QString& text) {
-    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') &&
-        !text.contains(u'\r')) {
-        return text;
+    const QString shown = visibleText(text);
+    if (!shown.contains(u',') && !shown.contains(u'"')) {
+        return shown;
     }
-    return u'"' + QString(text).replace(u'"', QStringLiteral("\"\"")) + u'"';
+    return u'"' + QString(shown).replace(u'"', QStringLiteral("\"\"")) + u'"';
 }
 
 int sessionsOfKind(const FolderReport& folder, const SessionKind& kind) {
