@@ -13,17 +13,30 @@ AuditedLibrary::AuditedLibrary(QString indexFile) : indexFile_(std::move(indexFi
 
 AuditedLibrary::~AuditedLibrary() = default;
 
-QList<SessionElsewhere> AuditedLibrary::sessionsUsing(const QStringList& folders,
-                                                      const FileSystem& disk, SessionCache& cache) {
+Result<QList<SessionElsewhere>> AuditedLibrary::sessionsUsing(const QStringList& folders,
+                                                              const FileSystem& disk,
+                                                              SessionCache& cache) {
+    const QString file = indexFile_.isEmpty() ? SessionIndex::defaultFile() : indexFile_;
     if (!index_) {
-        const QString file = indexFile_.isEmpty() ? SessionIndex::defaultFile() : indexFile_;
         if (file.isEmpty() || !QFileInfo::exists(file)) {
-            return {};  // no library has been audited
+            return QList<SessionElsewhere>();  // no library has been audited
         }
         index_ = std::make_shared<SessionIndex>(file);
+        if (const std::optional<QString>& aside = index_->setAside()) {
+            // What it knew of the library is gone: the sessions of other folders that it said
+            // use these files are unknown until the library is audited again.
+            return Error{0, file +
+                                QStringLiteral(" (the index of audited libraries could not be "
+                                               "used and was set aside as ") +
+                                *aside + QStringLiteral("; audit the library again)")};
+        }
+    }
+    const Result<QStringList> indexed = index_->roots();
+    if (!indexed) {
+        return Error{0, file + QStringLiteral(" (") + indexed.error().cause + u')'};
     }
     QStringList audited;
-    const QStringList roots = index_->roots();
+    const QStringList& roots = *indexed;
     for (const QString& folder : folders) {
         const QString each = withSeparator(folder);
         if (std::any_of(roots.cbegin(), roots.cend(), [&each](const QString& root) {
@@ -33,8 +46,12 @@ QList<SessionElsewhere> AuditedLibrary::sessionsUsing(const QStringList& folders
         }
     }
     QList<SessionElsewhere> sessions;
-    const QHash<QString, QStringList> users =
+    const Result<QHash<QString, QStringList>> found =
         audited.isEmpty() ? QHash<QString, QStringList>() : index_->usersOf(audited);
+    if (!found) {
+        return Error{0, file + QStringLiteral(" (") + found.error().cause + u')'};
+    }
+    const QHash<QString, QStringList>& users = *found;
     for (auto it = users.cbegin(); it != users.cend(); ++it) {
         const SessionKind* kind = sessionKindForName(GetFileName(it.key()));
         if (kind == nullptr || !disk.FileExists(it.key())) {

@@ -22,8 +22,10 @@ public:
     /// The sessions of other folders that the index says use files of `folders` (those under an
     /// audited root), each still there; those whose files are as the index holds them are taken
     /// into `cache` from it, the others are read again (and the index learns them).
-    QList<SessionElsewhere> sessionsUsing(const QStringList& folders, const FileSystem& disk,
-                                          SessionCache& cache);
+    /// An index that exists but cannot say (damaged and set aside, held by another program past
+    /// its wait) is an error: its sessions cannot guard the load, which must stop.
+    Result<QList<SessionElsewhere>> sessionsUsing(const QStringList& folders,
+                                                  const FileSystem& disk, SessionCache& cache);
     /// The index has news (an audit ran): it is opened afresh at the next question.
     void reopen() { index_.reset(); }
 

@@ -360,27 +360,29 @@ bool SessionIndex::forget(QSqlDatabase& db, const QString& path) {
     return true;
 }
 
-QStringList SessionIndex::roots() const {
+Result<QStringList> SessionIndex::roots() const {
     QSqlQuery query = reading(connection_);
     QStringList roots;
-    if (query.exec(QStringLiteral("SELECT path FROM roots ORDER BY path"))) {
-        while (query.next()) {
-            roots.append(query.value(0).toString());
-        }
+    if (!query.exec(QStringLiteral("SELECT path FROM roots ORDER BY path"))) {
+        return failureOf(query.lastError());
+    }
+    while (query.next()) {
+        roots.append(query.value(0).toString());
     }
     return roots;
 }
 
-QHash<QString, QStringList> SessionIndex::usersOf(const QStringList& folders) const {
+Result<QHash<QString, QStringList>> SessionIndex::usersOf(const QStringList& folders) const {
     QSqlQuery query = reading(connection_);
     query.prepare(QStringLiteral("SELECT session, file FROM media WHERE folder = ?"));
     QHash<QString, QStringList> users;
     for (const QString& folder : folders) {
         query.addBindValue(withSeparator(cleanHostPath(folder)));
-        if (query.exec()) {
-            while (query.next()) {
-                users[query.value(0).toString()].append(query.value(1).toString());
-            }
+        if (!query.exec()) {
+            return failureOf(query.lastError());
+        }
+        while (query.next()) {
+            users[query.value(0).toString()].append(query.value(1).toString());
         }
     }
     return users;

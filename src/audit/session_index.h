@@ -64,12 +64,12 @@ public:
     void storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
                      const QSet<QString>& present);
 
-    /// The roots audited so far.
-    QStringList roots() const;
+    /// The roots audited so far, or why the index could not say (held by another program).
+    Result<QStringList> roots() const;
 
     /// The sessions of other folders that use files of `folders` (each with its separator), each
-    /// with those files, as the index holds them.
-    QHash<QString, QStringList> usersOf(const QStringList& folders) const;
+    /// with those files, as the index holds them; or why the index could not say.
+    Result<QHash<QString, QStringList>> usersOf(const QStringList& folders) const;
 
     /// The session `path` as the index holds it, if its file is still as it was.
     std::optional<SessionCache::Entry> session(const QString& path, const FileSystem& disk) const;

@@ -141,10 +141,14 @@ UsedIndex& SessionFolder::index() {
 
 bool SessionFolder::guardFolder(const QString& folder, const SweepEvents& events) {
     QString stoppedAt;
-    const QList<SessionElsewhere> elsewhere =
+    const Result<QList<SessionElsewhere>> elsewhere =
         elsewhere_ ? elsewhere_({folder}) : QList<SessionElsewhere>();
-    auto guard =
-        sessionGuard({folder}, options_.folder, disk_, cache_, events, &stoppedAt, elsewhere);
+    auto guard = elsewhere ? sessionGuard({folder}, options_.folder, disk_, cache_, events,
+                                          &stoppedAt, *elsewhere)
+                           : nullptr;
+    if (!elsewhere) {
+        stoppedAt = elsewhere.error().cause;
+    }
     if (guard) {
         index().addGuard(std::move(guard));
         return true;

@@ -81,7 +81,8 @@ struct CopyRequest {
 
 /// The sessions of other folders that use files of `folders` (each with its separator), as an
 /// audited library's index knows them; they guard a load like its own sessions.
-using SessionsElsewhere = std::function<QList<SessionElsewhere>(const QStringList& folders)>;
+using SessionsElsewhere =
+    std::function<Result<QList<SessionElsewhere>>(const QStringList& folders)>;
 
 class SessionFolder {
 public:

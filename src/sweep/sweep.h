@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "platform/file_system.h"
+#include "platform/result.h"
 #include "readers/session_kinds.h"
 
 // The sweep of one session folder as plain values: which media its sessions use, and which
@@ -61,7 +62,9 @@ struct SweepRequest {
     bool reuseReads = false;
     /// The sessions of other folders that use files of the load's folders (each with its
     /// separator); they guard the load like its own, named by their paths.
-    std::function<QList<SessionElsewhere>(const QStringList& folders)> sessionsElsewhere;
+    /// When they cannot be known (the library's index cannot say), the load stops at what the
+    /// error names.
+    std::function<Result<QList<SessionElsewhere>>(const QStringList& folders)> sessionsElsewhere;
 };
 
 /// One line of the used-media list.

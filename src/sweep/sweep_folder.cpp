@@ -72,11 +72,15 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
             disk.listFiles(each);  // listed now, the guard's questions are answered from memory
         }
         QString stoppedAt;
-        const QList<SessionElsewhere> elsewhere = request.sessionsElsewhere
-                                                      ? request.sessionsElsewhere(folders)
-                                                      : QList<SessionElsewhere>();
-        auto guard =
-            sessionGuard(folders, request.folder, disk, cache, events, &stoppedAt, elsewhere);
+        const Result<QList<SessionElsewhere>> elsewhere = request.sessionsElsewhere
+                                                              ? request.sessionsElsewhere(folders)
+                                                              : QList<SessionElsewhere>();
+        auto guard = elsewhere ? sessionGuard(folders, request.folder, disk, cache, events,
+                                              &stoppedAt, *elsewhere)
+                               : nullptr;
+        if (!elsewhere) {
+            stoppedAt = elsewhere.error().cause;
+        }
         if (!guard) {
             sweep.used.stopped = true;
             sweep.used.stoppedAt = stoppedAt;

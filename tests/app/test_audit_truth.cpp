@@ -4,7 +4,9 @@
 #include <QTemporaryDir>
 
 #include "app/cli/audit_output.h"
+#include "audit/audited_library.h"
 #include "audit/library_audit.h"
+#include "session/session_folder.h"
 #include "support/session_files.h"
 #include "text/path_text.h"
 
@@ -81,6 +83,27 @@ TEST_F(AuditTruth, CsvKeepsABytesOfANameEscapedAsTheTextDoes) {
     EXPECT_TRUE(csv.contains("/music/Song\\xFF,")) << csv.toStdString();
     EXPECT_TRUE(csv.contains("/music/Song\\xFE,")) << csv.toStdString();
     EXPECT_FALSE(csv.contains(QChar::ReplacementCharacter));
+}
+
+TEST_F(AuditTruth, AnIndexThatCannotSayStopsTheLoadRatherThanDropItsGuard) {
+    session("Song/mix.sesx", {"a.wav"});
+    file("Song/b.wav");
+    const QString index = dir.filePath("cache/index.sqlite");
+    ASSERT_TRUE(test::writeFile(index, "this is no database"));
+    const FileSystem disk;
+    SessionFolder folder(disk);
+    AuditedLibrary library(index);
+    folder.setSessionsElsewhere([&](const QStringList& folders) {
+        return library.sessionsUsing(folders, disk, folder.cache());
+    });
+    SessionOptions options =
+        startingOptions(sessionKind(SessionKindId::Sesx), dir.filePath("Song"), disk);
+    options.selected = 0;
+    folder.load(options);
+    EXPECT_TRUE(folder.stopped());
+    EXPECT_TRUE(folder.used().stoppedAt.contains("set aside"))
+        << folder.used().stoppedAt.toStdString();
+    EXPECT_TRUE(folder.otherFiles().isEmpty());
 }
 
 }  // namespace

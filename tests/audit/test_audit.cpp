@@ -155,7 +155,7 @@ TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
     writeLibrary(root.path(), "B/own.rpp = rpp: b.wav, spare.wav\nA/new.wav = x");
     {
         SessionIndex index(file);
-        EXPECT_EQ(index.roots(), QStringList{QDir(root.path()).absolutePath()});
+        EXPECT_EQ(index.roots().valueOr({}), QStringList{QDir(root.path()).absolutePath()});
         const LibraryReport report = auditLibrary(root.path(), disk, &index);
         EXPECT_EQ(report.sessionsRead, 1);
         EXPECT_EQ(report.foldersAudited, 2);
