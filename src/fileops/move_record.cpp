@@ -357,8 +357,9 @@ RecordedMove runRecordedMove(const MoveRequest& request, FileOperations& disk, M
     std::optional<Error> failure;
     if (const Result<void> opened = writer.open(folder, request, addedFoldersOf(request, disk))) {
         record = writer.path();
-        const auto done = events.fileDone;
-        events.fileDone = [&](const MovedFile& file) {
+        // The run calls these after this block: what they keep of it is copied in.
+        events.fileDone = [&writer, &failure, &undoable,
+                           done = events.fileDone](const MovedFile& file) {
             if (const Result<void> added = writer.add(file); !added && !failure) {
                 failure = added.error();
             }
