@@ -21,14 +21,11 @@
 //   --screenshot FILE   saves a picture of the window to FILE, then closes it
 //   --select NAME       selects the session file NAME of the folder shown at start, which
 //                       loads it (for the pictures)
-int main(int argc, char* argv[]) {
-    tidewick::prepareProcess();
-    QApplication app(argc, argv);
-    QApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
-                                            .arg(TIDEWICK_VERSION_MAJOR)
-                                            .arg(TIDEWICK_VERSION_MINOR)
-                                            .arg(TIDEWICK_VERSION_PATCH));
-    QCommandLineParser parser;
+namespace {
+
+// Reads the program's options: --help and --version (which end the program here), and the four
+// hidden ones of development; anything else is refused. 0, or the exit status of a refusal.
+int parseArguments(QCommandLineParser& parser, QApplication& app) {
     parser.setApplicationDescription(
         QStringLiteral("Finds the media a session uses and moves the rest of its folder aside."));
     parser.addHelpOption();
@@ -47,6 +44,22 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "tidewick: unexpected argument '%s'\n",
                      qPrintable(parser.positionalArguments().first()));
         return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    tidewick::prepareProcess();
+    QApplication app(argc, argv);
+    QApplication::setApplicationVersion(QStringLiteral("%1.%2.%3")
+                                            .arg(TIDEWICK_VERSION_MAJOR)
+                                            .arg(TIDEWICK_VERSION_MINOR)
+                                            .arg(TIDEWICK_VERSION_PATCH));
+    QCommandLineParser parser;
+    if (const int refused = parseArguments(parser, app); refused != 0) {
+        return refused;
     }
     const bool quitWhenShown = parser.isSet(QStringLiteral("quit-when-shown"));
     const QString screenshot = parser.value(QStringLiteral("screenshot"));

@@ -138,6 +138,50 @@ void SessionCache::setGuard(const QString& folders,
     guards_.insert(folders, {stamps, std::move(table)});
 }
 
+namespace {
+
+// What the sessions `guards`, read as `read`, keep, named as the session folder names them; nothing
+// when one of them could not be read (its name in `stoppedAt`, its problem told).
+std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<SessionRead>& read,
+                                  const QString& sessionFolder, const FileSystem& fs,
+                                  const SweepEvents& events, QString* stoppedAt) {
+    auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
+    const QString folder = withSeparator(sessionFolder);
+    for (qsizetype i = 0; i < guards.size(); ++i) {
+        const Guard& guard = guards[i];
+        if (isForeignFile(read[i])) {
+            continue;  // no session: a file like any other
+        }
+        const QString name = namedFrom(folder, guard.path);
+        if (read[i].outcome != ReaderOutcome::Read && guard.lastKnown != nullptr) {
+            for (const QString& file : *guard.lastKnown) {
+                table->keep(file, name, fs);
+            }
+            continue;
+        }
+        if (read[i].outcome != ReaderOutcome::Read) {
+            if (read[i].problem && events.tell) {
+                events.tell(*read[i].problem);
+            }
+            *stoppedAt = name;
+            return nullptr;
+        }
+        for (const QString& path : read[i].paths) {
+            for (const QString& from : guard.folders) {
+                for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
+                    table->keep(file, name, fs);
+                }
+            }
+        }
+        if (!guard.backup) {
+            table->hide(guard.path, fs);
+        }
+    }
+    return table;
+}
+
+}  // namespace
+
 std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
                                               const QString& sessionFolder, const FileSystem& fs,
                                               SessionCache* cache, const SweepEvents& events,
@@ -178,37 +222,9 @@ std::shared_ptr<const UsedIndex> sessionGuard(const QStringList& folders,
         files.append({guard.kind, guard.path});
     }
     const QList<SessionRead> read = reads.readAll(files, fs);
-    auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
-    const QString folder = withSeparator(sessionFolder);
-    for (qsizetype i = 0; i < guards.size(); ++i) {
-        const Guard& guard = guards[i];
-        if (isForeignFile(read[i])) {
-            continue;  // no session: a file like any other
-        }
-        const QString name = namedFrom(folder, guard.path);
-        if (read[i].outcome != ReaderOutcome::Read && guard.lastKnown != nullptr) {
-            for (const QString& file : *guard.lastKnown) {
-                table->keep(file, name, fs);
-            }
-            continue;
-        }
-        if (read[i].outcome != ReaderOutcome::Read) {
-            if (read[i].problem && events.tell) {
-                events.tell(*read[i].problem);
-            }
-            *stoppedAt = name;
-            return nullptr;
-        }
-        for (const QString& path : read[i].paths) {
-            for (const QString& from : guard.folders) {
-                for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
-                    table->keep(file, name, fs);
-                }
-            }
-        }
-        if (!guard.backup) {
-            table->hide(guard.path, fs);
-        }
+    auto table = keptBy(guards, read, sessionFolder, fs, events, stoppedAt);
+    if (!table) {
+        return nullptr;
     }
     reads.setGuard(key, stamps, table);
     return table;

@@ -2,6 +2,7 @@
 
 #include "app/cli/audit_output.h"
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "audit/audit_text.h"
 #include "audit/session_index.h"

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <csignal>
 
+#include "app/cli/command_table.h"
 #include "fileops/move_run.h"
 #include "text/path_text.h"
 

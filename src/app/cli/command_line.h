@@ -51,13 +51,9 @@ struct Command {
     int (*run)(const CommandLine& line, QTextStream& out, QTextStream& err);
 };
 
-/// Every command, in the order the help lists them.
-const QList<Command>& commands();
-/// The command called `name`; nullptr for none.
-const Command* findCommand(const QString& name);
-
-/// The text of `tidewick-cli help`: the synopsis of each command and what it does.
-QString overviewHelp();
+/// `text` folded into lines of at most `width` characters, each after `indent` blanks; a line
+/// end in `text` starts a new line.
+QString folded(const QString& text, int indent, int width = 79);
 /// The text of `tidewick-cli COMMAND --help`.
 QString commandHelp(const Command& command);
 /// "tidewick-cli 0.1.0".

@@ -1,4 +1,5 @@
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/copy_used.h"
 #include "fileops/move_run.h"

@@ -1,6 +1,7 @@
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/console_interaction.h"
 #include "app/cli/folder_load.h"
 #include "forms/core_messages.h"

@@ -1,4 +1,5 @@
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/move_record.h"
 #include "session/session_folder.h"

@@ -1,6 +1,7 @@
 #include <QLocale>
 
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/restore.h"
 #include "text/number_text.h"

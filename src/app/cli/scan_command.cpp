@@ -4,6 +4,7 @@
 #include <QJsonObject>
 
 #include "app/cli/cli.h"
+#include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "forms/captions.h"
 #include "readers/session_kinds.h"
