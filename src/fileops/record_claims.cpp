@@ -1,9 +1,13 @@
 #include "fileops/record_claims.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QStorageInfo>
+#include <functional>
+#include <mutex>
 
 #include "platform/file_system.h"
 #include "text/path_text.h"
@@ -62,6 +66,45 @@ std::optional<QByteArray> smallFileBytes(const QString& path) {
 #endif
 }
 
+// A few seconds' memory of answers about folders: a restore asks about the same few folders for
+// every line of its record.
+template <typename Answer>
+Answer remembered(QHash<QString, Answer>& known, QElapsedTimer& age, std::mutex& mutex,
+                  const QString& folder, const std::function<Answer()>& ask) {
+    const std::lock_guard lock(mutex);
+    if (!age.isValid() || age.hasExpired(5000)) {
+        known.clear();
+        age.start();
+    }
+    const auto it = known.constFind(folder);
+    if (it != known.constEnd()) {
+        return *it;
+    }
+    const Answer answer = ask();
+    known.insert(folder, answer);
+    return answer;
+}
+
+// The folder `folder` as the kernel resolves it (links and "..", as QFileInfo::canonicalFilePath
+// gives it), or empty text when it does not exist.
+QString canonicalFolder(const QString& folder) {
+    static std::mutex mutex;
+    static QHash<QString, QString> known;
+    static QElapsedTimer age;
+    return remembered<QString>(known, age, mutex, folder,
+                               [&folder] { return QFileInfo(folder).canonicalFilePath(); });
+}
+
+// Whether `folder` is the top directory of a volume. The mount table is read once for a run of
+// questions (a restore asks for every line): an answer is kept for a few seconds.
+bool isVolumeRoot(const QString& folder) {
+    static std::mutex mutex;
+    static QHash<QString, bool> known;
+    static QElapsedTimer age;
+    return remembered<bool>(known, age, mutex, folder,
+                            [&folder] { return QStorageInfo(folder).rootPath() == folder; });
+}
+
 // The folder whose trash `trash` is: the user's own, or a volume's top directory.
 std::optional<QString> trashTop(const QString& trash, const QString& homeTrash) {
     const std::optional<QString> home = resolvedFolder(homeTrash);
@@ -84,7 +127,7 @@ std::optional<QString> trashTop(const QString& trash, const QString& homeTrash) 
         return std::nullopt;
     }
     // Only the top directory of a volume keeps a trash of its own.
-    return QStorageInfo(top).rootPath() == top ? std::optional<QString>(top) : std::nullopt;
+    return isVolumeRoot(top) ? std::optional<QString>(top) : std::nullopt;
 }
 
 }  // namespace
@@ -101,7 +144,7 @@ std::optional<QString> resolvedEntry(const QString& path) {
     qsizetype known = names.size() - 1;
     QString base;
     for (; known >= 0; --known) {
-        base = QFileInfo(u'/' + names.mid(0, known).join(u'/')).canonicalFilePath();
+        base = canonicalFolder(u'/' + names.mid(0, known).join(u'/'));
         if (!base.isEmpty()) {
             break;
         }
