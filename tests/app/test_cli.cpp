@@ -7,6 +7,8 @@
 #include <QTextStream>
 
 #include "app/cli/cli.h"
+#include "app/cli/command_docs.h"
+#include "app/cli/command_table.h"
 #include "audit/session_index.h"
 #include "readers/session_kinds.h"
 #include "support/reader_fixture.h"
@@ -417,6 +419,29 @@ TEST(Cli, NamesLeadBackToTheirFiles) {
     ASSERT_EQ(files.size(), 1);
     EXPECT_EQ(files[0]["text"].toString(), name);
     EXPECT_TRUE(QFileInfo(files[0]["path"].toString()).isFile());
+}
+
+}  // namespace
+}  // namespace tidewick
+
+namespace tidewick {
+namespace {
+
+// The manual page and the completion are made from the table: each names every command and
+// every option the help names.
+TEST(CliDocs, TheManualAndTheCompletionNameEveryOptionOfTheTable) {
+    const QString man = cli::manPage(), completion = cli::bashCompletion();
+    for (const cli::Command& command : cli::commands()) {
+        EXPECT_TRUE(man.contains(".SS " + QString(command.name).replace('-', "\\-")))
+            << command.name.toStdString();
+        EXPECT_TRUE(completion.contains(command.name + ") options=")) << command.name.toStdString();
+        for (const cli::OptionHelp& option : command.options) {
+            const QString name = "--" + option.names.last();
+            EXPECT_TRUE(man.contains(QString(name).replace('-', "\\-"))) << name.toStdString();
+            EXPECT_TRUE(completion.contains(name)) << name.toStdString();
+            EXPECT_TRUE(cli::commandHelp(command).contains(name)) << name.toStdString();
+        }
+    }
 }
 
 }  // namespace

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+// The manual page and the shell completion of tidewick-cli, made from its table of commands, so
+// that what the help says is said once.
+namespace tidewick::cli {
+
+/// tidewick-cli(1) in roff (man page) form.
+QString manPage();
+/// A bash completion script: the commands, and each command's options.
+QString bashCompletion();
+
+}  // namespace tidewick::cli
