@@ -22,15 +22,15 @@ const QString kFormat = QStringLiteral("tidewick-index-2");
 
 const char* const kSchema[] = {
     "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT)",
-    "CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
-    "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL, "
-    "inode INTEGER NOT NULL DEFAULT 0)",
+    ("CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
+     "modified INTEGER NOT NULL, kind INTEGER NOT NULL, read BLOB NOT NULL, "
+     "inode INTEGER NOT NULL DEFAULT 0)"),
     "CREATE TABLE media (session TEXT NOT NULL, folder TEXT NOT NULL, file TEXT NOT NULL)",
     "CREATE INDEX media_folder ON media (folder)",
     "CREATE INDEX media_session ON media (session)",
     "CREATE TABLE roots (path TEXT PRIMARY KEY, audited INTEGER NOT NULL)",
-    "CREATE TABLE audits (folder TEXT PRIMARY KEY, questions BLOB NOT NULL, "
-    "signature BLOB NOT NULL, report BLOB NOT NULL)",
+    ("CREATE TABLE audits (folder TEXT PRIMARY KEY, questions BLOB NOT NULL, "
+     "signature BLOB NOT NULL, report BLOB NOT NULL)"),
 };
 
 // How long a question waits for another program or audit that holds the index.
