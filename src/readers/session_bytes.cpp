@@ -131,18 +131,6 @@ QString quotedLine(QByteArrayView line) {
     return decodeSessionText(cleanedLine(line.first(end))).left(kMaxCharacters);
 }
 
-std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line) {
-    const qsizetype first = line.indexOf('"');
-    if (first < 0) {
-        return std::nullopt;
-    }
-    const qsizetype second = line.indexOf('"', first + 1);
-    if (second < 0) {
-        return std::nullopt;
-    }
-    return line.sliced(first + 1, second - first - 1);
-}
-
 }  // namespace tidewick
 
 namespace tidewick {

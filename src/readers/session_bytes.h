@@ -92,7 +92,4 @@ QByteArray decodeXmlEscapes(QByteArrayView text);
 /// 1,024 characters, which is all a report of it can show; the rest is never copied.
 QString quotedLine(QByteArrayView line);
 
-/// The text between the first and the second double quote; none when there are fewer than two.
-std::optional<QByteArrayView> textBetweenFirstQuotes(QByteArrayView line);
-
 }  // namespace tidewick

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <QDataStream>
 #include <QDir>
 #include <QFile>
 
-#include "audit/index_packing.h"
 #include "audit/library_audit.h"
 #include "audit/session_index.h"
 #include "support/reader_fixture.h"
@@ -169,40 +167,6 @@ TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
         EXPECT_TRUE(audit(2).startsWith(file + ".set-aside-"));
         EXPECT_EQ(audit(0), "");
     }
-}
-
-// The index gives back what a read found, its problem and its kind's part included; a read kept
-// with a message by an earlier index is no read (it is made again).
-TEST(AuditIndex, KeepsWhatAReadFoundAndNotAnEarlierMessage) {
-    SessionRead ses{ReaderOutcome::Rejected,
-                    {},
-                    SesFacts{{}, "Cool Edit Pro 2.0", true},
-                    {},
-                    ReadProblem{ReadFailure::UnsupportedVersion, SessionKindId::Ses,
-                                ReadSeverity::Notice, "Cool Edit Pro 2.0", "/s/a.ses"}};
-    SessionRead rpp{ReaderOutcome::Read,
-                    {"a.wav", "b.wav"},
-                    {},
-                    ReaperFacts{{{true, "Media"}, {false, ""}, {true, "/rec"}}},
-                    {}};
-    SessionRead cut{ReaderOutcome::Failed,
-                    {"a.wav"},
-                    {},
-                    {},
-                    ReadProblem{ReadFailure::CutShort, SessionKindId::Xml, ReadSeverity::Error,
-                                "</AuditionSession>", "/s/b.xml"}};
-    for (const SessionRead& read : {ses, rpp, cut}) {
-        const Result<SessionRead> back = unpackRead(packRead(read));
-        ASSERT_TRUE(back.ok()) << read.paths.join(u',').toStdString();
-        EXPECT_EQ(*back, read) << read.paths.join(u',').toStdString();
-    }
-    QByteArray earlier;
-    QDataStream out(&earlier, QIODevice::WriteOnly);
-    out.setVersion(QDataStream::Qt_6_4);
-    out << qint32(ReaderOutcome::Rejected) << QStringList() << QString() << false << qint32(0)
-        << true << QString("This is not a Vegas project file.") << QString("Processing VEG File")
-        << qint32(4);
-    EXPECT_FALSE(unpackRead(earlier).ok()) << "an earlier index's message is read again";
 }
 
 }  // namespace

@@ -74,6 +74,9 @@ const SessionRead kReads[] = {
            ReadProblem{ReadFailure::NotThisKind, SessionKindId::Veg, ReadSeverity::Error,
                        "first line", "/s/a.veg"}),
     readOf(ReaderOutcome::Failed, {"a.wav"}, {}, {}, ReadProblem{}),
+    readOf(ReaderOutcome::Rejected, {}, "Cool Edit Pro 2.0", {},
+           ReadProblem{ReadFailure::UnsupportedVersion, SessionKindId::Ses, ReadSeverity::Notice,
+                       "Cool Edit Pro 2.0", "/s/a.ses"}),
 };
 
 FolderReport report(const QString& folder) {
@@ -141,6 +144,12 @@ const Hostile kHostile[] = {
     {"AnIconOutOfRange", false, bytesOf([](QDataStream& out) {
          out << qint32(0) << QStringList() << QString() << false << qint32(0) << true << QString()
              << QString() << qint32(99);
+     })},
+    // A read an earlier index kept with a message: it is made again.
+    {"AnEarlierIndexsMessage", false, bytesOf([](QDataStream& out) {
+         out << qint32(ReaderOutcome::Rejected) << QStringList() << QString() << false << qint32(0)
+             << true << QString("This is not a Vegas project file.")
+             << QString("Processing VEG File") << qint32(4);
      })},
     {"AHugeCountOfLines", false, bytesOf([](QDataStream& out) {
          out << qint32(0) << QStringList() << QString() << false << qint32(kHuge);

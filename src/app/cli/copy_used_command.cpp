@@ -16,11 +16,9 @@ int runCopyUsed(const CommandLine& line, QTextStream& out, QTextStream& err) {
     }
     FileOperations disk;
     SessionFolder session(disk);
-    if (const int exitCode = loadFolder(*parsed, session, err, QStringLiteral("copy-used"));
+    if (const int exitCode =
+            loadFolderToChange(*parsed, session, err, QStringLiteral("copy-used"), "copied");
         exitCode != Success) {
-        if (exitCode != UsageError) {
-            err << "tidewick-cli copy-used: nothing copied\n";
-        }
         return exitCode;
     }
     QString folder = parsed->target;

@@ -36,15 +36,13 @@ namespace {
 // The kind of the sessions in `folder` when they are all of one kind; nullptr when there are
 // none or several.
 const SessionKind* kindOfSessionsIn(const QString& folder) {
-    const FileSystem disk;
     const SessionKind* found = nullptr;
-    for (const SessionKind& kind : sessionKinds()) {
-        if (!sessionFiles(disk, folder, kind.sessionPattern).isEmpty()) {
-            if (found != nullptr) {
-                return nullptr;
-            }
-            found = &kind;
+    for (const FolderEntry& entry : FileSystem().listFiles(folder, true)) {
+        const SessionKind* kind = sessionKindForFile(entry.name);
+        if (kind != nullptr && found != nullptr && kind != found) {
+            return nullptr;
         }
+        found = kind != nullptr ? kind : found;
     }
     return found;
 }
@@ -224,6 +222,15 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
             << stoppedText(folder.used(), folder.scannedCount()) << '\n';
     }
     return ui.failures > 0 || folder.stopped() ? ReaderError : Success;
+}
+
+int loadFolderToChange(const FolderArguments& arguments, SessionFolder& folder, QTextStream& err,
+                       const QString& command, const char* done) {
+    const int exitCode = loadFolder(arguments, folder, err, command);
+    if (exitCode != Success && exitCode != UsageError) {
+        err << "tidewick-cli " << command << ": nothing " << done << '\n';
+    }
+    return exitCode;
 }
 
 }  // namespace tidewick::cli

@@ -38,4 +38,9 @@ int usageError(const CommandLine& line, QTextStream& err, const QString& problem
 int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStream& err,
                const QString& command);
 
+/// loadFolder for a command that changes the disk (`move`, `copy-used`): after a load that
+/// stopped it also says that nothing was `done` ("moved").
+int loadFolderToChange(const FolderArguments& arguments, SessionFolder& folder, QTextStream& err,
+                       const QString& command, const char* done);
+
 }  // namespace tidewick::cli

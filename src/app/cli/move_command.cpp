@@ -79,11 +79,9 @@ int runMove(const CommandLine& line, QTextStream& out, QTextStream& err) {
     parsed->options.excluded = options.excluded;
     FileOperations disk;
     SessionFolder folder(disk);
-    if (const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("move"));
+    if (const int exitCode =
+            loadFolderToChange(*parsed, folder, err, QStringLiteral("move"), "moved");
         exitCode != Success) {
-        if (exitCode != UsageError) {
-            err << "tidewick-cli move: nothing moved\n";
-        }
         return exitCode;
     }
     const MoveRequest request =
