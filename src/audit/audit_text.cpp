@@ -7,7 +7,7 @@
 namespace tidewick {
 
 QString bytesText(qint64 bytes) {
-    return groupedNumber(bytes) + QStringLiteral(" bytes (") + megabyteText(bytes) +
+    return countText(bytes, "byte") + QStringLiteral(" (") + megabyteText(bytes) +
            QStringLiteral("Mb)");
 }
 
@@ -20,21 +20,19 @@ QString sessionsText(const FolderReport& folder) {
 }
 
 QString reclaimableText(const FolderReport& folder) {
-    return groupedNumber(folder.reclaimable.size()) + QStringLiteral(" file(s) ") +
-           bytesText(folder.reclaimableBytes);
+    return countText(folder.reclaimable.size(), "file") + u' ' + bytesText(folder.reclaimableBytes);
 }
 
 QString totalsLine(const LibraryReport& report) {
-    QString line = QStringLiteral("Totals: ") + groupedNumber(report.folders.size()) +
-                   QStringLiteral(" folder(s), ") + groupedNumber(report.sessions) +
-                   QStringLiteral(" session(s), ") + groupedNumber(report.used) +
-                   QStringLiteral(" used, ") + groupedNumber(report.missing) +
-                   QStringLiteral(" missing, reclaimable ") +
-                   groupedNumber(report.reclaimableFiles) + QStringLiteral(" file(s) ") +
+    QString line = QStringLiteral("Totals: ") + countText(report.folders.size(), "folder") +
+                   QStringLiteral(", ") + countText(report.sessions, "session") +
+                   QStringLiteral(", ") + groupedNumber(report.used) + QStringLiteral(" used, ") +
+                   groupedNumber(report.missing) + QStringLiteral(" missing, reclaimable ") +
+                   countText(report.reclaimableFiles, "file") + u' ' +
                    bytesText(report.reclaimableBytes);
     if (report.stopped > 0) {
-        line += QStringLiteral("; ") + groupedNumber(report.stopped) +
-                QStringLiteral(" folder(s) stopped");
+        line +=
+            QStringLiteral("; ") + countText(report.stopped, "folder") + QStringLiteral(" stopped");
     }
     if (report.cancelled) {
         line += QStringLiteral("; cancelled before the last folders");
@@ -43,12 +41,11 @@ QString totalsLine(const LibraryReport& report) {
 }
 
 QString progressText(const AuditProgress& progress, qint64 elapsedMs) {
-    return (progress.walking ? QStringLiteral("walking ") : QStringLiteral("auditing ")) +
-           groupedNumber(progress.folders) + u' ' +
-           (progress.walking ? QStringLiteral("folder(s), ")
-                             : QStringLiteral("of ") + groupedNumber(progress.sessionFolders) +
-                                   QStringLiteral(" session folder(s), ")) +
-           groupedNumber(progress.files) + QStringLiteral(" file(s), ") +
+    return (progress.walking ? QStringLiteral("walking ") + countText(progress.folders, "folder")
+                             : QStringLiteral("auditing ") + groupedNumber(progress.folders) +
+                                   QStringLiteral(" of ") +
+                                   countText(progress.sessionFolders, "session folder")) +
+           QStringLiteral(", ") + countText(progress.files, "file") + QStringLiteral(", ") +
            megabyteText(progress.bytes) + QStringLiteral("Mb, ") +
            QString::number(elapsedMs / 1000) + QStringLiteral(" s");
 }

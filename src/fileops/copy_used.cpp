@@ -51,6 +51,15 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
         }
         const qint64 before = done;
         const QString destination = folder + hostFileName(item.source);
+        if (events.keepExisting && disk.entrySize(destination).ok() &&
+            events.keepExisting(item, destination)) {
+            ++outcome.skipped;
+            progress(disk.entrySize(item.source).valueOr(0));
+            if (events.skipped) {
+                events.skipped(item, destination);
+            }
+            continue;
+        }
         for (;;) {
             if (events.starting) {
                 events.starting(outcome.copied + 1, int(items.size()), item);
@@ -58,6 +67,11 @@ CopyOutcome copyUsedFiles(const QList<CopyItem>& items, const QString& folder, F
             const Result<void> copied = copyOne(item, destination, disk, progress, used);
             if (copied) {
                 ++outcome.copied;
+                const qint64 size = disk.entrySize(destination).valueOr(done - before);
+                outcome.bytes += size;
+                if (events.copied) {
+                    events.copied(item, destination, size);
+                }
                 break;
             }
             done = before;  // a copy tried again counts its bytes again

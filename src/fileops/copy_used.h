@@ -30,11 +30,20 @@ struct CopyEvents {
     std::function<CopyFailureAnswer(const CopyItem& item, const Error& error)> failed;
     /// Asked before each file: true stops the run there, as "Abort" does (an interrupt).
     std::function<bool()> stopRequested;
+    /// A file of the item's name is in the folder: true leaves that one and skips the item (the
+    /// command line's "--overwrite no"); without an answer the copy replaces it, the old one to
+    /// the trash.
+    std::function<bool(const CopyItem& item, const QString& destination)> keepExisting;
+    /// The item is done with: copied to `destination` (`size` bytes), or skipped.
+    std::function<void(const CopyItem& item, const QString& destination, qint64 size)> copied;
+    std::function<void(const CopyItem& item, const QString& destination)> skipped;
 };
 
 struct CopyOutcome {
     int copied = 0;
     int failed = 0;        ///< files left out after a failure
+    int skipped = 0;       ///< files left out because one of their name was kept in the folder
+    qint64 bytes = 0;      ///< the bytes of the files copied
     bool aborted = false;  ///< the user stopped the run at a failure
 };
 

@@ -104,7 +104,10 @@ MoveOutcome MoveRun::run() {
         }
         moveEach();
     }
-    log(kLogLineEnd + moveTotalsLine(outcome_.filesMoved, outcome_.bytesMoved) + kLogLineEnd);
+    log(kLogLineEnd +
+        moveTotalsLine(outcome_.filesMoved, outcome_.bytesMoved,
+                       events_.explained ? std::optional(outcome_.filesSkipped) : std::nullopt) +
+        kLogLineEnd);
     if (outcome_.sourcesDeleted > 0) {
         log(deletedSourcesLine(outcome_.sourcesDeleted) + kLogLineEnd);
     }
@@ -138,6 +141,7 @@ void MoveRun::moveEach() {
             if (!result) {
                 outcome_.cancelled = true;  // "&Cancel" at the overwrite question
             } else {
+                outcome_.results[index] = *result;
                 logItem(index, *result);
                 if (events_.fileDone) {
                     events_.fileDone(file_);
@@ -145,10 +149,13 @@ void MoveRun::moveEach() {
             }
         }
         if (outcome_.cancelled) {
-            logItem(index, QStringLiteral("Operation cancelled."));
+            logItem(index, events_.explained ? QStringLiteral("...Cancelled")
+                                             : QStringLiteral("Operation cancelled."));
             return;
         }
         outcome_.filesMoved += outcome_.moved[index] ? 1 : 0;
+        outcome_.filesSkipped += file_.outcome == MovedFile::Outcome::Skipped ||
+                                 file_.outcome == MovedFile::Outcome::Excluded;
         // Whatever became of the file, its bytes are behind the run now.
         progress(std::max<qint64>(doneBefore + sizes_[index] - done_, 0));
     }
@@ -159,7 +166,8 @@ std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
     // An excluded file stays whatever the target holds: there is nothing to ask about it.
     if (planned.excluded) {
         file_.outcome = MovedFile::Outcome::Excluded;
-        return QStringLiteral("...File Excluded");
+        return events_.explained ? QStringLiteral("...Skipped - the exclusion list keeps it")
+                                 : QStringLiteral("...File Excluded");
     }
     const bool taken = disk_.entrySize(planned.destination).ok();
     if (taken) {
@@ -174,7 +182,9 @@ std::optional<QString> MoveRun::moveItem(qsizetype index, bool& yesToAll) {
                 return std::nullopt;
             }
             if (answer == OverwriteAnswer::No) {
-                return QStringLiteral("Skipped");
+                return events_.explained
+                           ? QStringLiteral("...Skipped - a file of that name is in the target")
+                           : QStringLiteral("Skipped");
             }
             yesToAll = answer == OverwriteAnswer::YesToAll;
         }
@@ -209,8 +219,10 @@ void MoveRun::moveFile(qsizetype index, bool replace) {
     }
     file_.replaced = *copied;
     outcome_.bytesMoved += *size;
-    const QString moved =
-        QStringLiteral("...OK - ") + groupedNumber(*size) + QStringLiteral(" bytes moved");
+    const QString moved = QStringLiteral("...OK - ") +
+                          (events_.explained ? countText(*size, "byte")
+                                             : groupedNumber(*size) + QStringLiteral(" bytes")) +
+                          QStringLiteral(" moved");
     // The copy is whole under its final name. When the trash will not take the source, the copy
     // is written through to the disk before the source is deleted for good, and the log says so.
     file_.outcome = MovedFile::Outcome::CopiedSourceKept;
@@ -300,8 +312,10 @@ Result<void> moveCanStart(const MoveRequest& request, const FileOperations& disk
     return targetFolderTakesFiles(moveDestination(request), disk);
 }
 
-QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved) {
+QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved, std::optional<qint64> filesSkipped) {
     return QStringLiteral("Files Moved: ") + groupedNumber(filesMoved) +
+           (filesSkipped ? QStringLiteral(" - Files Skipped: ") + groupedNumber(*filesSkipped)
+                         : QString()) +
            QStringLiteral(" - Bytes Moved:  ") + groupedNumber(bytesMoved) + QStringLiteral(" (") +
            megabyteText(bytesMoved) + QStringLiteral("Mb)");
 }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 #include "fileops/file_operations.h"
 #include "fileops/overwrite_answer.h"
@@ -91,6 +92,11 @@ struct MoveEvents {
     std::function<void(const MovedFile& file)> fileDone;
     /// A line the log shows after its heading, before the files (a warning).
     QString notice;
+    /// The log explains itself to a reader who did not watch the run (the command line): a
+    /// skipped file says why ("...Skipped - a file of that name is in the target"), the file at
+    /// which the run stopped says "...Cancelled", a count of one is singular ("1 byte moved."),
+    /// and the totals count the skipped files. The results window keeps its terse words.
+    bool explained = false;
 };
 
 /// How a run ended.
@@ -100,6 +106,9 @@ struct MoveOutcome {
     /// Per item: what the log says of it after its name; empty for an item not checked.
     QStringList results;
     qint64 filesMoved = 0;
+    /// Checked files left where they were without a failure: excluded, or skipped at the
+    /// overwrite question or because a session uses the file of their name in the target.
+    qint64 filesSkipped = 0;
     /// The sizes of the files copied, also of those whose source could not be removed.
     qint64 bytesMoved = 0;
     bool cancelled = false;
@@ -119,8 +128,10 @@ inline const QString kLogLineEnd = QStringLiteral("\r\n");
 /// The overwrite question for `destination`.
 QString overwriteQuestion(const QString& destination);
 
-/// The totals line: "Files Moved: 3 - Bytes Moved:  3,000 (0.00Mb)".
-QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved);
+/// The totals line: "Files Moved: 3 - Bytes Moved:  3,000 (0.00Mb)"; with the skipped files
+/// counted where the log is explained: "Files Moved: 3 - Files Skipped: 1 - Bytes Moved: ...".
+QString moveTotalsLine(qint64 filesMoved, qint64 bytesMoved,
+                       std::optional<qint64> filesSkipped = std::nullopt);
 
 /// The line after the totals when the trash refused sources, which were deleted after their
 /// copies: "Sources Deleted (the trash refused them): 2".

@@ -21,6 +21,13 @@ namespace {
 // A change time may come back a little coarser from a file system that keeps whole seconds.
 constexpr qint64 kTimeSlack = 2'000'000'000;
 
+// Whether `path` holds the file of `file` as the move found it: its size and time of change.
+bool holdsMovedFile(const FileOperations& disk, const QString& path, const MovedFile& file) {
+    const std::optional<FileStamp> stamp = path.isEmpty() ? std::nullopt : disk.entryStamp(path);
+    return stamp && stamp->size == file.size &&
+           std::abs(stamp->modified - file.modified) <= kTimeSlack;
+}
+
 // Runs the steps handed to it on a thread of its own, in the order given, until it is
 // destroyed: the copies of restored files go to the trash there while the next files come
 // back, the two renames of a file being in different folders.
@@ -171,10 +178,7 @@ private:
 
     // Whether `path` holds the file as the move found it: its size and time of change.
     bool matches(const QString& path, const MovedFile& file) const {
-        const std::optional<FileStamp> stamp =
-            path.isEmpty() ? std::nullopt : disk_.entryStamp(path);
-        return stamp && stamp->size == file.size &&
-               std::abs(stamp->modified - file.modified) <= kTimeSlack;
+        return holdsMovedFile(disk_, path, file);
     }
 
     // What a file at the source path of `file` means, as the log says it: the file back
@@ -274,8 +278,8 @@ private:
     QString restored(const MovedFile& file) {
         ++outcome_.restored;
         outcome_.bytes += file.size;
-        return QStringLiteral("...OK - ") + groupedNumber(file.size) +
-               QStringLiteral(" bytes restored.");
+        return QStringLiteral("...OK - ") + countText(file.size, "byte") +
+               QStringLiteral(" restored.");
     }
 
     // A dry run counts what it would restore as the run would.
@@ -347,6 +351,15 @@ RestoreOutcome restoreMove(const MoveRecord& record, FileOperations& disk, bool 
         return refused;
     }
     return Restore(record, disk, dryRun, events).run();
+}
+
+qint64 filesBack(const MoveRecord& record, const FileOperations& disk) {
+    qint64 back = 0;
+    for (const MovedFile& file : record.files) {
+        back +=
+            file.outcome == MovedFile::Outcome::Moved && holdsMovedFile(disk, file.source, file);
+    }
+    return back;
 }
 
 QString restoreTotalsLine(qint64 files, qint64 bytes, bool dryRun) {

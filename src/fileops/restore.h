@@ -47,6 +47,10 @@ std::optional<QString> recordDoubt(const MoveRecord& record);
 RestoreOutcome restoreMove(const MoveRecord& record, FileOperations& disk, bool dryRun,
                            const RestoreEvents& events, bool force = false);
 
+/// How many of the files the move of `record` took away are back at their sources as the move
+/// found them (restored, by a restore or by hand).
+qint64 filesBack(const MoveRecord& record, const FileOperations& disk);
+
 /// The totals line: "Files Restored: 3 - Bytes Restored:  3,000 (0.00Mb)", or of a dry run
 /// "Files to Restore: 3 - Bytes to Restore:  3,000 (0.00Mb)".
 QString restoreTotalsLine(qint64 files, qint64 bytes, bool dryRun = false);

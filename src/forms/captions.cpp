@@ -61,8 +61,8 @@ QString keptText(const QList<KeptFile>& kept, qsizetype lines) {
     if (kept.isEmpty()) {
         return {};
     }
-    QString text = QStringLiteral("kept: ") + QString::number(kept.size()) +
-                   QStringLiteral(" file(s) used by other sessions\n");
+    QString text = QStringLiteral("kept: ") + countText(kept.size(), "file") +
+                   QStringLiteral(" used by other sessions\n");
     const qsizetype shown = lines < 0 ? kept.size() : std::min(lines, kept.size());
     for (qsizetype i = 0; i < shown; ++i) {
         text += visibleText(kept[i].text) + QStringLiteral("  <- ") +

@@ -29,7 +29,7 @@ QString usedFrameText(qsizetype lineCount, bool noMedia, bool wholeFolder,
 /// found by its name, where: "Not found as written; kept: take1.wav in the session folder has
 /// its name". With `sessions`, the sessions that use it follow ("Used by a.ses, b.ses").
 QString usedLineTooltip(const UsedLine& line, bool sessions = false);
-/// What is kept and why, a line each: "kept: 3 file(s) used by other sessions", then
+/// What is kept and why, a line each: "kept: 3 files used by other sessions", then
 /// "vox.wav  <- mix.sesx"; at most `lines` files, then how many more. Empty when none is kept.
 QString keptText(const QList<KeptFile>& kept, qsizetype lines = -1);
 /// The other-files frame's caption: "Files to be Moved - [2/5]".

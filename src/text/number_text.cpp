@@ -21,6 +21,11 @@ QString groupedNumber(qint64 number) {
     return numberLocale().toString(number);
 }
 
+QString countText(qint64 count, const char* noun) {
+    return groupedNumber(count) + u' ' + QLatin1String(noun) +
+           (count == 1 ? QString() : QStringLiteral("s"));
+}
+
 QString megabyteText(qint64 bytes) {
     return numberLocale().toString(double(bytes) / kBytesPerMegabyte, 'f', 2);
 }

@@ -10,6 +10,10 @@ namespace tidewick {
 /// the separator out by default.
 QString groupedNumber(qint64 number);
 
+/// 1 and "file" → "1 file"; 2000 and "byte" → "2,000 bytes": a count with its noun, singular
+/// only for one.
+QString countText(qint64 count, const char* noun);
+
 /// 1234567 bytes → "1.18".
 QString megabyteText(qint64 bytes);
 

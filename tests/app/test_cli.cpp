@@ -132,25 +132,25 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
         {copy, 1, "", "--to TARGET is required"},
         {copy + QStringList{"--to", gone}, 4, "",
          "The target folder's parent " + f.dir.filePath("no") + " does not exist."},
-        {copy + QStringList{"--to", collect}, 0,
-         "1 File(s) successfully copied to " + collect + "/.\n", ""},
+        {copy + QStringList{"--to", collect}, 0, "Copying...", ""},
 
         {{"audit"}, 1, "", "ROOT is missing"},
         {{"audit", library, "--json", "--csv"}, 1, "", "cannot be used together"},
         {{"audit", "/no/such/folder"}, 1, "", "no such folder: /no/"},
         {{"audit", band},
          0,
-         band + "  reclaimable 1 file(s) 4 bytes (0.00Mb)  sessions SESX 1  used 1  missing 0\n"
-                "Totals: 1 folder(s), 1 session(s), 1 used, 0 missing, reclaimable 1 file(s) 4 "
-                "bytes (0.00Mb)\n",
+         band + "  reclaimable 1 file 4 bytes (0.00Mb)  sessions SESX 1  used 1  missing 0\n"
+                "Totals: 1 folder, 1 session, 1 used, 0 missing, reclaimable 1 file 4 bytes "
+                "(0.00Mb)\n",
          ""},
         {{"audit", library, "--csv"},
          2,
-         "folder,sessions,SES,SESX,XML,RPP,VEG,used,missing,reclaimable_files,reclaimable_bytes,"
+         "folder,sessions,ses,sesx,xml,rpp,veg,used,missing,reclaimableFiles,reclaimableBytes,"
          "stopped,reason\n" +
              band + ",1,0,1,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
          library + "/Cut: Reading stopped at \"mix.sesx\""},
         {{"audit", band, "--json"}, 0, "{\n    \"folders\": [\n", ""},
+        {{"scan", band, "--all", "--json"}, 0, "{\n    \"folder\": ", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.arguments.join(' ').toStdString());
@@ -187,10 +187,10 @@ TEST(Cli, ScanKnowsAUsedFileHoweverItIsReached) {
     } rows[] = {
         {"a.sesx", 0,
          "[x] " + real + "/used.wav\nunused: Files to be Moved - [0/1]\n[ ] other.wav\n" +
-             "kept: 1 file(s) used by other sessions\ntake1.wav  <- b.sesx\n",
+             "kept: 1 file used by other sessions\ntake1.wav  <- b.sesx\n",
          "", "[ ] used.wav"},
         {"b.sesx", 0,
-         "kept: 2 file(s) used by other sessions\ntake1.wav  <- b.sesx\nused.wav  <- a.sesx\n", "",
+         "kept: 2 files used by other sessions\ntake1.wav  <- b.sesx\nused.wav  <- a.sesx\n", "",
          "[ ] take1.wav"},
         {"cut.sesx", 2, "unused: Files to be Moved\n", "is incomplete", "[ ] "},
     };
@@ -304,7 +304,10 @@ TEST(Cli, CopyUsedCopiesTheFilesOfARealSessionThatAreOnDisk) {
                        errStream),
               0);
     outStream.flush();
-    EXPECT_EQ(out, "1 File(s) successfully copied to " + collect + "/.\n");
+    EXPECT_EQ(out, "Copying..." + studio +
+                       "/Audio Files/Vox - 002-02.wav...OK - 8 bytes copied.\n\n"
+                       "Files Copied: 1 - Files Skipped: 0 - Files Missing: 1 - Bytes Copied:  8 "
+                       "(0.00Mb)\n");
     EXPECT_EQ(test::readFile(collect + "/Vox - 002-02.wav"), "RIFF vox");
     EXPECT_EQ(QDir(collect).entryList(QDir::Files), QStringList{"Vox - 002-02.wav"});
 }
@@ -379,7 +382,7 @@ INSTANTIATE_TEST_SUITE_P(
                          "",
                          {"copy-used", "@L/B", "--kind", "sesx", "--all", "--to", "@C"},
                          0,
-                         "1 File(s) successfully copied",
+                         "Files Copied: 1 ",
                          "shared"},
         AuditedGuardCase{"AHandMadeRowOfAnotherFoldersSessionIsReadAgain",
                          "A/s.sesx",
@@ -391,7 +394,7 @@ INSTANTIATE_TEST_SUITE_P(
                          "B/own.sesx",
                          {"audit", "@L"},
                          0,
-                         "/L/B  reclaimable 2 file(s)",
+                         "/L/B  reclaimable 2 files",
                          "/L/B  reclaimable 3"}),
     [](const auto& info) { return std::string(info.param.name); });
 

@@ -70,7 +70,8 @@ XDG_DATA_HOME=rel HOME="$W/home" move; cd ..; echo "cwd:[$(listing cwd)]"; listi
      R"(S=S; session S; printf abc > S/take.wav; mkdir cwd; cd cwd
 env -u XDG_DATA_HOME HOME=rel "$CLI" move "$W/S" --kind sesx --session mix.sesx --to "$W/Old" || echo "[exit $?]"
 cd ..; echo "cwd:[$(listing cwd)]")",
-     {"take.wav...OK - 3 bytes moved (source deleted: the trash refused it).", "[exit 4]", "cwd:[]"}},
+     {"take.wav...OK - 3 bytes moved (source deleted: the trash refused it).", "[exit 4]",
+      "cwd:[]"}},
     {"AnImmutableTargetIsSaidOnce",
      false,
      R"(S=S; session S; printf abc > S/take.wav; mkdir Old
@@ -82,18 +83,36 @@ set +e; move; chattr -i Old)",
      R"(mkdir -p S lib; printf drums > lib/drum.wav; ln -s ../lib/drum.wav S/drum.wav
 printf '<sesx>\n<files>\n<file absolutePath="%s/S/drum.wav"/>\n</files>\n</sesx>\n' "$W" > S/mix.sesx
 "$CLI" copy-used S --kind sesx --session mix.sesx --to Collect; find Collect -type f -printf '%P %s\n')",
-     {"1 File(s) successfully copied", "drum.wav 5"}},
+     {"Files Copied: 1 ", "drum.wav 5"}},
     {"NeitherAMoveNorACopyReplacesAUsedFile",
      false,
      R"(set +e; mkdir -p S/Imp S/Imported S/mix_Recorded; printf used > S/take.wav
 printf other > S/Imp/take.wav; printf new > S/mix_Recorded/a.wav; printf kept > S/Imported/a.wav
 printf '<sesx>\n<files>\n<file absolutePath="%s/S/%s"/>\n<file absolutePath="%s/S/%s"/>\n<file absolutePath="%s/S/%s"/>\n</files>\n</sesx>\n' \
   "$W" take.wav "$W" Imp/take.wav "$W" Imported/a.wav > S/mix.sesx
-"$CLI" copy-used S --kind sesx --session mix.sesx --to S 2>&1
+"$CLI" copy-used S --kind sesx --session mix.sesx --to S --overwrite yes 2>&1
 "$CLI" move S --kind sesx --session mix.sesx --to S/Imported --overwrite yes --only 'mix_*' 
 cat S/take.wav S/Imported/a.wav)",
-     {"1 File(s) successfully copied", "the file in the target is used by mix.sesx",
+     {"Files Copied: 1 ", "the file in the target is used by mix.sesx",
       "a.wav...Skipped - the file in the target is used by mix.sesx", "usedkept"}},
+    {"AnOutputThatCannotBeWrittenIsAnError",
+     false,
+     R"(set +e; "$CLI" --version > /dev/full; echo "[exit $?]"
+S=S; session S; "$CLI" scan S --all --json > /dev/full; echo "[exit $?]")",
+     {"could not be written: No space left on device", "[exit 1]", "could not be written",
+      "[exit 1]"}},
+    {"CopyUsedSkipsWhatTheTargetHoldsUnlessToldAndADryRunChangesNothing",
+     false,
+     R"(mkdir -p S C; printf take > S/take.wav; printf old > C/take.wav
+printf '<sesx>\n<files>\n<file absolutePath="%s/S/%s"/>\n<file absolutePath="%s/S/%s"/>\n</files>\n</sesx>\n' \
+  "$W" take.wav "$W" gone.wav > S/mix.sesx
+copy() { "$CLI" copy-used S --kind sesx --session mix.sesx --to C "$@" 2>&1; echo "[exit $?]"; }
+copy --dry-run; copy; cat C/take.wav; echo; copy --overwrite yes --json; cat C/take.wav)",
+     {"S/take.wav -> ", "(skipped: a file of that name is in the target)",
+      "not on disk, not copied: ", "gone.wav", "[exit 0]",
+      "take.wav...Skipped - a file of that name is in the target",
+      "Files Copied: 0 - Files Skipped: 1 - Files Missing: 1", "[exit 0]\nold\n",
+      "\"format\": \"tidewick-copy-used-1\"", "\"filesCopied\": 1", "[exit 0]\ntake"}},
 };
 
 void PrintTo(const VolumeCase& c, std::ostream* out) {

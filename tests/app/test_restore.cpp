@@ -178,6 +178,22 @@ TEST_P(RestoreCases, PutsTheFoldersBackAsTheyWereAndLosesNothing) {
     }
     EXPECT_EQ(contents(root.filePath("Song")), QString(c.song));
     EXPECT_EQ(contents(root.filePath("Old")), QString(c.old));
+    // The list tells what came back as the disk shows it.
+    out.clear();
+    cli::run({"restore", "--list", "--json"}, stream, stream);
+    stream.flush();
+    const int back =
+        int(QString(c.song).contains("a.wav:aaaa")) + int(QString(c.song).contains("b.wav:bbbb"));
+    const QJsonObject listed = QJsonDocument::fromJson(out.toUtf8())["records"][0].toObject();
+    const int moved = listed["filesMoved"].toInt(), listedBack = listed["filesBack"].toInt();
+    if (moved == 2) {
+        EXPECT_EQ(listedBack, back) << out.toStdString();
+    }
+    if (!listed.isEmpty()) {
+        EXPECT_EQ(listed["state"], listedBack == 0      ? "moved"
+                                   : listedBack < moved ? "partly restored"
+                                                        : "restored");
+    }
     // Every byte moved is somewhere: back in Song, in Old, or in the trash, whose every record
     // has its file and names the folder it came from.
     const QString all = contents(root.path());
@@ -211,8 +227,8 @@ TEST(Restore, ListsTheRecordsNewestFirst) {
     QTextStream stream(&out);
     EXPECT_EQ(cli::run({"restore", "--list"}, stream, stream), 0);
     stream.flush();
-    EXPECT_LT(out.indexOf("/new  0 file(s)  0 bytes\n"),
-              out.indexOf("/old  0 file(s)  0 bytes  (cut short)"));
+    EXPECT_LT(out.indexOf("/new  0 files  0 bytes\n"),
+              out.indexOf("/old  0 files  0 bytes  (cut short)"));
     EXPECT_EQ(cli::run({"restore"}, stream, stream), 1);
     EXPECT_EQ(cli::run({"restore", "--last", moves}, stream, stream), 1);
 }

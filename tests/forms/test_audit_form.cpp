@@ -56,7 +56,7 @@ TEST(AuditFromTheWindow, GoesToAFolderWhoseLoadThenKeepsWhatAnotherFolderUses) {
     ASSERT_EQ(audit.rows().size(), 2);
     EXPECT_EQ(audit.rows()[0].folder, root + "/Podcast");  // 2 takes before 1 old file
     EXPECT_EQ(audit.rows()[1].sessions, "RPP 1");
-    EXPECT_EQ(audit.rows()[1].reclaimable, "1 file(s) 100 bytes (0.00Mb)");
+    EXPECT_EQ(audit.rows()[1].reclaimable, "1 file 100 bytes (0.00Mb)");
     audit.CurrentRow = 1;
     audit.OpenButton_Click();
     ASSERT_TRUE(audit.chosen());

@@ -2,6 +2,7 @@
 
 #include "app/cli/audit_output.h"
 #include "app/cli/cli.h"
+#include "app/cli/cli_output.h"
 #include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "audit/audit_text.h"
@@ -12,39 +13,6 @@
 
 // `audit`: every session folder under a root, what each could free and what each is missing.
 namespace tidewick::cli {
-
-namespace {
-
-// The audit's progress on a terminal, a few times a second, on one line that the next one
-// overwrites; nothing at all when stderr is a file or a pipe.
-class ProgressLine {
-public:
-    explicit ProgressLine(QTextStream& err) : err_(err), live_(isTerminal(err)) { clock_.start(); }
-
-    void show(const AuditProgress& progress) {
-        if (!live_ || (clock_.elapsed() - shown_ < 100 && shown_ > 0)) {
-            return;
-        }
-        shown_ = clock_.elapsed();
-        err_ << "\r\x1b[Ktidewick-cli audit: " << progressText(progress, clock_.elapsed());
-        err_.flush();
-    }
-
-    void clear() {
-        if (live_ && shown_ > 0) {
-            err_ << "\r\x1b[K";
-            err_.flush();
-        }
-    }
-
-private:
-    QTextStream& err_;
-    bool live_ = false;
-    QElapsedTimer clock_;
-    qint64 shown_ = 0;
-};
-
-}  // namespace
 
 int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
     const QStringList positional = line.positional();
@@ -71,17 +39,19 @@ int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
         err << "tidewick-cli audit: the index could not be used and was set aside as "
             << visibleText(*aside) << "; a new one is made\n";
     }
-    ProgressLine progressLine(err);
+    ProgressLine progressLine(err, QStringLiteral("audit"));
+    QElapsedTimer clock;
+    clock.start();
     AuditEvents events;
-    events.progress = [&progressLine](const AuditProgress& progress) {
-        progressLine.show(progress);
+    events.progress = [&progressLine, &clock](const AuditProgress& progress) {
+        progressLine.show(progressText(progress, clock.elapsed()));
     };
     events.stopRequested = interrupted;
     events.describe = readProblemText;
     const LibraryReport report = auditLibrary(root, disk, &index, events);
     progressLine.clear();
     if (json) {
-        out << QString::fromUtf8(auditJson(report));
+        out << auditJson(report);
     } else {
         out << (csv ? auditCsv(report) : auditText(report, missing));
     }

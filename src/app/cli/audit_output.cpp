@@ -1,9 +1,9 @@
 #include "app/cli/audit_output.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
+#include "app/cli/cli_output.h"
 #include "audit/audit_text.h"
 #include "text/number_text.h"
 #include "text/path_text.h"
@@ -34,7 +34,7 @@ int sessionsOfKind(const FolderReport& folder, const SessionKind& kind) {
 QJsonObject folderJson(const FolderReport& folder) {
     QJsonObject sessions;
     for (const auto& [id, names] : folder.sessions) {
-        sessions.insert(sessionKind(id).idText.toUpper(), QJsonArray::fromStringList(names));
+        sessions.insert(sessionKind(id).idText, QJsonArray::fromStringList(names));
     }
     QJsonArray missing;
     for (const MissingMedia& media : folder.missing) {
@@ -59,9 +59,8 @@ QJsonObject folderJson(const FolderReport& folder) {
             {QStringLiteral("sessions"), sessions},
             {QStringLiteral("used"), folder.used},
             {QStringLiteral("missing"), folder.missing.size()},
-            {QStringLiteral("reclaimable"),
-             QJsonObject{{QStringLiteral("files"), folder.reclaimable.size()},
-                         {QStringLiteral("bytes"), folder.reclaimableBytes}}},
+            {QStringLiteral("reclaimableFiles"), folder.reclaimable.size()},
+            {QStringLiteral("reclaimableBytes"), folder.reclaimableBytes},
             {QStringLiteral("keptElsewhere"), kept},
             {QStringLiteral("stopped"), folder.stopped},
             {QStringLiteral("reason"), folder.reason},
@@ -99,9 +98,9 @@ QString auditText(const LibraryReport& report, bool missing) {
 QString auditCsv(const LibraryReport& report) {
     QString text = QStringLiteral("folder,sessions");
     for (const SessionKind& kind : sessionKinds()) {
-        text += u',' + kind.idText.toUpper();
+        text += u',' + kind.idText;
     }
-    text += QStringLiteral(",used,missing,reclaimable_files,reclaimable_bytes,stopped,reason\n");
+    text += QStringLiteral(",used,missing,reclaimableFiles,reclaimableBytes,stopped,reason\n");
     for (const FolderReport& folder : report.folders) {
         text += csvField(folder.folder) + u',' + QString::number(folder.sessionCount());
         for (const SessionKind& kind : sessionKinds()) {
@@ -117,7 +116,7 @@ QString auditCsv(const LibraryReport& report) {
     return text;
 }
 
-QByteArray auditJson(const LibraryReport& report) {
+QString auditJson(const LibraryReport& report) {
     QJsonArray folders;
     for (const FolderReport& folder : report.folders) {
         folders.append(folderJson(folder));
@@ -130,10 +129,9 @@ QByteArray auditJson(const LibraryReport& report) {
                              {QStringLiteral("reclaimableBytes"), report.reclaimableBytes},
                              {QStringLiteral("stopped"), report.stopped},
                              {QStringLiteral("cancelled"), report.cancelled}};
-    return QJsonDocument(QJsonObject{{QStringLiteral("root"), report.root},
-                                     {QStringLiteral("folders"), folders},
-                                     {QStringLiteral("totals"), totals}})
-        .toJson(QJsonDocument::Indented);
+    return jsonDocument(QStringLiteral("audit"), {{QStringLiteral("root"), report.root},
+                                                  {QStringLiteral("folders"), folders},
+                                                  {QStringLiteral("totals"), totals}});
 }
 
 }  // namespace tidewick::cli

@@ -18,6 +18,6 @@ QString auditCsv(const LibraryReport& report);
 /// One document: the root, each folder (its sessions by kind, used and missing counts, the
 /// reclaimable files and bytes, the files kept for sessions of other folders and who keeps them,
 /// whether it stopped and why, each missing file with its candidates), and the totals.
-QByteArray auditJson(const LibraryReport& report);
+QString auditJson(const LibraryReport& report);
 
 }  // namespace tidewick::cli

@@ -1,13 +1,12 @@
 #include "app/cli/command_table.h"
 
 #include "app/cli/commands.h"
+#include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 
 namespace tidewick::cli {
 
 namespace {
-
-const QString kKinds = QStringLiteral("ses, sesx, xml, rpp or veg");
 
 // The media types, a line each, for the help of --type.
 QString mediaTypeList() {
@@ -24,7 +23,7 @@ QList<OptionHelp> folderOptions() {
     return {
         {{QStringLiteral("kind")},
          QStringLiteral("K"),
-         QStringLiteral("The kind of session: ") + kKinds +
+         QStringLiteral("The kind of session: ") + kindNames() +
              QStringLiteral(". Without it, the kind of FOLDER's sessions when they are all of one "
                             "kind.")},
         {{QStringLiteral("session")},
@@ -65,6 +64,21 @@ const OptionHelp kTo{{QStringLiteral("to")},
                      QStringLiteral("TARGET"),
                      QStringLiteral("The folder the files go to (trimmed of blanks).")};
 
+const OptionHelp kOverwrite{{QStringLiteral("overwrite")},
+                            QStringLiteral("no|yes"),
+                            QStringLiteral("A file of the same name in the target: skip it (no, "
+                                           "the default) or replace it, the old one to the trash "
+                                           "(yes).")};
+
+const OptionHelp kDryRun{{QStringLiteral("dry-run")},
+                         {},
+                         QStringLiteral("Print each source and its destination; change nothing.")};
+
+const OptionHelp kJsonSummary{{QStringLiteral("json")},
+                              {},
+                              QStringLiteral("Print one JSON document of what became of each "
+                                             "file instead of the log.")};
+
 // The exit status of the commands that load a folder.
 QString exitStatus() {
     return QStringLiteral(
@@ -80,7 +94,9 @@ Command mediaCommand() {
         QStringLiteral("Print the media paths that a session file names, one a line."),
         QStringLiteral("FILE is a session file; its kind comes from its extension unless --kind "
                        "names it."),
-        {{{QStringLiteral("kind")}, QStringLiteral("K"), QStringLiteral("The kind: ") + kKinds},
+        {{{QStringLiteral("kind")},
+          QStringLiteral("K"),
+          QStringLiteral("The kind: ") + kindNames()},
          {{QStringLiteral("verbose")},
           {},
           QStringLiteral("Also print the binary session's version or REAPER's record folder.")}},
@@ -126,13 +142,9 @@ Command moveCommand() {
               QStringLiteral("PATTERN"),
               QStringLiteral("Move only the files matching PATTERN (*, ?, #, [A-Z]; letter case "
                              "ignored); may be repeated.")},
-             {{QStringLiteral("overwrite")},
-              QStringLiteral("no|yes"),
-              QStringLiteral("A file of the same name in the target: skip it (no, the default) "
-                             "or replace it, the old one to the trash (yes).")},
-             {{QStringLiteral("dry-run")},
-              {},
-              QStringLiteral("Print each source and its destination; change nothing.")}}),
+             kOverwrite,
+             kDryRun,
+             kJsonSummary}),
         &runMove};
 }
 
@@ -141,30 +153,36 @@ Command copyUsedCommand() {
     return {QStringLiteral("copy-used"),
             QStringLiteral("FOLDER [--kind K] (--session NAME | --all) --to TARGET [options]"),
             QStringLiteral("Copy the used files present on disk to TARGET."),
-            QStringLiteral("TARGET is made when missing, one level deep.\n\n") + exits,
-            withOptions(folderOptions(), {kTo}),
+            QStringLiteral("TARGET is made when missing, one level deep. A used file that is not "
+                           "on disk is named on stderr.\n\n") +
+                exits,
+            withOptions(folderOptions(), {kTo, kOverwrite, kDryRun, kJsonSummary}),
             &runCopyUsed};
 }
 
 Command restoreCommand() {
-    return {QStringLiteral("restore"),
-            QStringLiteral("(RECORD | --last | --list) [--dry-run] [--force]"),
-            QStringLiteral("Put the files of a recorded move back where they were."),
-            QStringLiteral("RECORD is the record a move named. Exit status: 0 when every file came "
-                           "back, 1 for a usage error, 2 when the record cannot be read or is "
-                           "refused, 4 when a file did not come back, 130 after Ctrl-C."),
-            {{{QStringLiteral("last")}, {}, QStringLiteral("Restore the newest recorded move.")},
-             {{QStringLiteral("list")},
-              {},
-              QStringLiteral("List the records: path, date, session folder, files and bytes.")},
-             {{QStringLiteral("dry-run")},
-              {},
-              QStringLiteral("Print what would come back from where; change nothing.")},
-             {{QStringLiteral("force")},
-              {},
-              QStringLiteral("Restore the sound lines of a record whose other lines do not check "
-                             "out, naming those.")}},
-            &runRestore};
+    return {
+        QStringLiteral("restore"),
+        QStringLiteral("(RECORD | --last | --list [--json]) [--dry-run] [--force]"),
+        QStringLiteral("Put the files of a recorded move back where they were."),
+        QStringLiteral("RECORD is the record a move named. Exit status: 0 when every file came "
+                       "back, 1 for a usage error, 2 when the record cannot be read or is "
+                       "refused, 4 when a file did not come back, 130 after Ctrl-C."),
+        {{{QStringLiteral("last")}, {}, QStringLiteral("Restore the newest recorded move.")},
+         {{QStringLiteral("list")},
+          {},
+          QStringLiteral("List the records, newest first: path, date, session folder, files "
+                         "and bytes, and whether the run was cut short or its files are "
+                         "back (restored, partly restored).")},
+         {{QStringLiteral("json")}, {}, QStringLiteral("With --list, print one JSON document.")},
+         {{QStringLiteral("dry-run")},
+          {},
+          QStringLiteral("Print what would come back from where; change nothing.")},
+         {{QStringLiteral("force")},
+          {},
+          QStringLiteral("Restore the sound lines of a record whose other lines do not check "
+                         "out, naming those.")}},
+        &runRestore};
 }
 
 Command auditCommand() {
@@ -198,6 +216,15 @@ const Command* findCommand(const QString& name) {
         }
     }
     return nullptr;
+}
+
+QString kindNames() {
+    QStringList names;
+    for (const SessionKind& kind : sessionKinds()) {
+        names.append(kind.idText);
+    }
+    const QString last = names.takeLast();
+    return names.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
 }
 
 QString overviewHelp() {

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
+#include "app/cli/command_table.h"
 #include "app/cli/console_interaction.h"
 #include "audit/audited_library.h"
 #include "forms/captions.h"
@@ -74,12 +75,16 @@ std::optional<QString> takeFolderAndKind(const CommandLine& line, FolderArgument
         parsed.options.kind = sessionKindByIdText(kindName);
         if (parsed.options.kind == nullptr) {
             return QStringLiteral("unknown kind '") + visibleText(kindName) +
-                   QStringLiteral("'; use ses, sesx, xml, rpp or veg");
+                   QStringLiteral("'; use ") + kindNames();
         }
     } else if (parsed.options.kind == nullptr) {
-        parsed.options.kind = kindOfSessionsIn(parsed.options.folder);
+        // The session's name tells the kind, or else the folder's sessions, all of one kind.
+        parsed.options.kind = sessionKindForFile(line.value(QStringLiteral("session")));
         if (parsed.options.kind == nullptr) {
-            return QStringLiteral("--kind is required: ses, sesx, xml, rpp or veg");
+            parsed.options.kind = kindOfSessionsIn(parsed.options.folder);
+        }
+        if (parsed.options.kind == nullptr) {
+            return QStringLiteral("--kind is required: ") + kindNames();
         }
     }
     return std::nullopt;
@@ -144,6 +149,18 @@ int sessionIndex(const QStringList& sessions, const QString& asked) {
 
 }  // namespace
 
+std::optional<OverwriteAnswer> overwriteOption(const CommandLine& line, QTextStream& err) {
+    const QString answer = line.value(QStringLiteral("overwrite"));
+    if (!line.isSet(QStringLiteral("overwrite")) || answer == QLatin1String("no")) {
+        return OverwriteAnswer::No;
+    }
+    if (answer == QLatin1String("yes")) {
+        return OverwriteAnswer::YesToAll;
+    }
+    usageError(line, err, QStringLiteral("--overwrite takes no or yes"));
+    return std::nullopt;
+}
+
 int usageError(const CommandLine& line, QTextStream& err, const QString& problem) {
     err << "tidewick-cli " << line.command() << ": " << problem << "\nTry 'tidewick-cli "
         << line.command() << " --help'.\n";
@@ -173,7 +190,7 @@ std::optional<FolderArguments> parseFolderArguments(const CommandLine& line, QTe
 }
 
 int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStream& err,
-               const QString& command) {
+               const QString& command, QStringList* told) {
     const QFileInfo folderInfo(arguments.options.folder);
     if (!folderInfo.isDir()) {
         err << "tidewick-cli " << command << ": no such folder: " << arguments.options.folder
@@ -201,8 +218,11 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
     }
     ScanInteraction ui(err);
     SweepEvents events;
-    events.tell = [&ui](const ReadProblem& problem) {
+    events.tell = [&ui, told](const ReadProblem& problem) {
         ui.showMessage(readProblemMessage(problem));
+        if (told != nullptr) {
+            told->append(readProblemText(problem));
+        }
     };
     // The sessions of other folders that the last audit found using files here guard them, as
     // they do in the window.

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "app/cli/command_line.h"
+#include "fileops/overwrite_answer.h"
 #include "session/session_folder.h"
 
 // What the commands that start from one session folder (`scan`, `move`, `copy-used`) share: their
@@ -29,14 +30,19 @@ struct FolderArguments {
 std::optional<FolderArguments> parseFolderArguments(const CommandLine& line, QTextStream& err,
                                                     bool wantsTarget);
 
+/// The answer of `--overwrite no|yes` to "a file of that name is in the target": No (the
+/// default) or YesToAll; nothing, said, for any other value.
+std::optional<OverwriteAnswer> overwriteOption(const CommandLine& line, QTextStream& err);
+
 /// Says `problem` about the command of `line`, with where its help is; the usage error's code.
 int usageError(const CommandLine& line, QTextStream& err, const QString& problem);
 
 /// Loads the folder of `arguments` into `folder` as the window would, telling the readers'
 /// messages on `err`: Success, UsageError when the folder or the session is missing, ReaderError
-/// when a session could not be read (said on `err`, the load then stopped).
+/// when a session could not be read (said on `err`, the load then stopped). The problems told
+/// are also added to `told` where given, in plain words.
 int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStream& err,
-               const QString& command);
+               const QString& command, QStringList* told = nullptr);
 
 /// loadFolder for a command that changes the disk (`move`, `copy-used`): after a load that
 /// stopped it also says that nothing was `done` ("moved").

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "app/cli/cli.h"
+#include "app/cli/cli_output.h"
 #include "platform/process_setup.h"
 
 int main(int argc, char* argv[]) {
@@ -15,7 +16,7 @@ int main(int argc, char* argv[]) {
     out.setEncoding(QStringConverter::Utf8);
     err.setEncoding(QStringConverter::Utf8);
     const int code = tidewick::cli::run(app.arguments().mid(1), out, err);
-    out.flush();
+    const bool written = tidewick::cli::outputWritten(out, err);
     err.flush();
-    return code;
+    return written ? code : tidewick::cli::UsageError;
 }

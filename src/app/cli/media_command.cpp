@@ -1,6 +1,7 @@
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
+#include "app/cli/command_table.h"
 #include "app/cli/commands.h"
 #include "app/cli/console_interaction.h"
 #include "app/cli/folder_load.h"
@@ -37,10 +38,10 @@ bool parseMediaArguments(const CommandLine& line, MediaOptions& options, QTextSt
     if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
-                << "' from its extension; give --kind ses|sesx|xml|rpp|veg\n";
+                << "' from its extension; give --kind: " << kindNames() << '\n';
         } else {
-            err << "tidewick-cli media: unknown kind '" << kindName
-                << "'; use ses, sesx, xml, rpp or veg\n";
+            err << "tidewick-cli media: unknown kind '" << kindName << "'; use " << kindNames()
+                << '\n';
         }
         return false;
     }

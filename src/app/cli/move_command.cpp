@@ -1,4 +1,7 @@
+#include <QJsonArray>
+
 #include "app/cli/cli.h"
+#include "app/cli/cli_output.h"
 #include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/move_record.h"
@@ -29,15 +32,11 @@ std::optional<MoveOptions> moveOptions(const CommandLine& line, QTextStream& err
     options.dryRun = line.isSet(QStringLiteral("dry-run"));
     options.excluded = line.values(QStringLiteral("exclude"));
     options.only = line.values(QStringLiteral("only"));
-    if (line.isSet(QStringLiteral("overwrite"))) {
-        const QString answer = line.value(QStringLiteral("overwrite"));
-        if (answer != QLatin1String("no") && answer != QLatin1String("yes")) {
-            usageError(line, err, QStringLiteral("--overwrite takes no or yes"));
-            return std::nullopt;
-        }
-        options.overwrite =
-            answer == QLatin1String("yes") ? OverwriteAnswer::YesToAll : OverwriteAnswer::No;
+    const std::optional<OverwriteAnswer> overwrite = overwriteOption(line, err);
+    if (!overwrite) {
+        return std::nullopt;
     }
+    options.overwrite = *overwrite;
     return options;
 }
 
@@ -49,6 +48,63 @@ QList<MoveItem> checkedItems(const SessionFolder& folder, const QStringList& onl
         items.append({file.text, only.isEmpty() || wildcardMatchesAny(file.text, only)});
     }
     return items;
+}
+
+QString outcomeName(MovedFile::Outcome outcome) {
+    switch (outcome) {
+        case MovedFile::Outcome::Moved:
+            return QStringLiteral("moved");
+        case MovedFile::Outcome::Skipped:
+            return QStringLiteral("skipped");
+        case MovedFile::Outcome::Excluded:
+            return QStringLiteral("excluded");
+        case MovedFile::Outcome::Failed:
+            return QStringLiteral("failed");
+        case MovedFile::Outcome::CopiedSourceKept:
+            return QStringLiteral("copiedSourceKept");
+    }
+    return {};
+}
+
+// A log line's words about a file, without the dots that join them to its name.
+QString resultWords(const QString& result) {
+    qsizetype dots = 0;
+    while (dots < result.size() && result[dots] == u'.') {
+        ++dots;
+    }
+    return result.mid(dots);
+}
+
+// The summary of a move for a script: each file done with, what became of it and the log's
+// words for it, then the totals.
+QString moveJson(const MoveRequest& request, const QList<MovedFile>& files,
+                 const RecordedMove& move) {
+    QJsonArray list;
+    qsizetype item = 0;
+    for (const MovedFile& file : files) {
+        while (item < request.items.size() && request.items[item].text != file.text) {
+            ++item;
+        }
+        list.append(
+            QJsonObject{{QStringLiteral("text"), file.text},
+                        {QStringLiteral("source"), file.source},
+                        {QStringLiteral("destination"), file.destination},
+                        {QStringLiteral("size"), file.size},
+                        {QStringLiteral("outcome"), outcomeName(file.outcome)},
+                        {QStringLiteral("result"), resultWords(move.outcome.results.value(item))}});
+    }
+    const MoveOutcome& outcome = move.outcome;
+    return jsonDocument(QStringLiteral("move"),
+                        {{QStringLiteral("destination"), moveDestination(request)},
+                         {QStringLiteral("record"), move.record},
+                         {QStringLiteral("files"), list},
+                         {QStringLiteral("cancelled"), outcome.cancelled},
+                         {QStringLiteral("totals"),
+                          QJsonObject{{QStringLiteral("filesMoved"), outcome.filesMoved},
+                                      {QStringLiteral("filesSkipped"), outcome.filesSkipped},
+                                      {QStringLiteral("bytesMoved"), outcome.bytesMoved},
+                                      {QStringLiteral("sourcesDeleted"), outcome.sourcesDeleted},
+                                      {QStringLiteral("failed"), outcome.failed}}}});
 }
 
 void printPlan(const MoveRequest& request, const FileSystem& fs, QTextStream& out) {
@@ -96,19 +152,34 @@ int runMove(const CommandLine& line, QTextStream& out, QTextStream& err) {
         printPlan(request, disk, out);
         return Success;
     }
+    const bool json = line.isSet(QStringLiteral("json"));
+    QList<MovedFile> files;
+    ProgressLine progress(err, QStringLiteral("move"));
     MoveEvents events;
-    events.log = logPrinter(out);
+    events.explained = true;
+    if (json) {
+        events.fileDone = [&files](const MovedFile& file) { files.append(file); };
+    } else {
+        events.log = [&progress, print = logPrinter(out)](const QString& text) {
+            progress.clear();
+            print(text);
+        };
+    }
+    events.progress = [&progress](qint64 done, qint64 total) {
+        progress.show(progressBytesText(done, total));
+    };
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
     events.stopRequested = interrupted;
-    const auto [outcome, record] = runRecordedMove(request, disk, events, moveRecordsFolder());
-    if (!record.isEmpty()) {
-        err << "tidewick-cli move: the record of this move is " << visibleText(record) << '\n';
+    const RecordedMove move = runRecordedMove(request, disk, events, moveRecordsFolder());
+    progress.clear();
+    if (!move.record.isEmpty()) {
+        err << "tidewick-cli move: the record of this move is " << visibleText(move.record) << '\n';
     }
-    out << '\n';
+    out << (json ? moveJson(request, files, move) : QStringLiteral("\n"));
     if (interrupted()) {
         return kInterrupted;
     }
-    return outcome.failed ? MoveFailed : Success;
+    return move.outcome.failed ? MoveFailed : Success;
 }
 
 }  // namespace tidewick::cli

@@ -1,6 +1,8 @@
+#include <QJsonArray>
 #include <QLocale>
 
 #include "app/cli/cli.h"
+#include "app/cli/cli_output.h"
 #include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/restore.h"
@@ -12,14 +14,47 @@ namespace tidewick::cli {
 
 namespace {
 
-// One line a record, newest first: its path, date, session folder, files and bytes moved.
-int listRecords(QTextStream& out) {
+// What has become of a recorded move: "moved" while none of its files is back, "restored" once
+// all of them are, "partly restored" between.
+QString moveState(qint64 moved, qint64 back) {
+    if (back == 0) {
+        return QStringLiteral("moved");
+    }
+    return back < moved ? QStringLiteral("partly restored") : QStringLiteral("restored");
+}
+
+// One line a record, newest first: its path, date, session folder, files and bytes moved, and
+// whether the run was cut short or its files are back; or one JSON document of the same.
+int listRecords(bool json, QTextStream& out) {
+    const FileOperations disk;
+    QJsonArray records;
     for (const MoveRecord& record : moveRecords(moveRecordsFolder())) {
+        const qint64 back = filesBack(record, disk);
+        const QString state = moveState(record.filesMoved(), back);
+        if (json) {
+            records.append(
+                QJsonObject{{QStringLiteral("path"), record.path},
+                            {QStringLiteral("started"), record.started.toString(Qt::ISODateWithMs)},
+                            {QStringLiteral("finished"), record.finished},
+                            {QStringLiteral("sessionFolder"), record.sessionFolder},
+                            {QStringLiteral("session"), record.session},
+                            {QStringLiteral("target"), record.target},
+                            {QStringLiteral("filesMoved"), record.filesMoved()},
+                            {QStringLiteral("bytesMoved"), record.bytesMoved()},
+                            {QStringLiteral("filesBack"), back},
+                            {QStringLiteral("state"), state}});
+            continue;
+        }
         out << visibleText(record.path) << "  "
             << QLocale().toString(record.started, QLocale::ShortFormat) << "  "
-            << visibleText(record.sessionFolder) << "  " << groupedNumber(record.filesMoved())
-            << " file(s)  " << groupedNumber(record.bytesMoved()) << " bytes"
-            << (record.finished ? "" : "  (cut short)") << '\n';
+            << visibleText(record.sessionFolder) << "  " << countText(record.filesMoved(), "file")
+            << "  " << countText(record.bytesMoved(), "byte")
+            << (record.finished ? "" : "  (cut short)")
+            << (state == QLatin1String("moved") ? QString() : QStringLiteral("  (") + state + u')')
+            << '\n';
+    }
+    if (json) {
+        out << jsonDocument(QStringLiteral("restore"), {{QStringLiteral("records"), records}});
     }
     return Success;
 }
@@ -56,11 +91,14 @@ int runRestore(const CommandLine& line, QTextStream& out, QTextStream& err) {
             line, err,
             QStringLiteral("unexpected argument '") + visibleText(positional[1]) + u'\'');
     }
+    if (line.isSet(QStringLiteral("json")) && !line.isSet(QStringLiteral("list"))) {
+        return usageError(line, err, QStringLiteral("--json goes with --list"));
+    }
     if (line.isSet(QStringLiteral("list"))) {
         if (last || dryRun || force || !path.isEmpty()) {
             return usageError(line, err, QStringLiteral("--list takes no other argument"));
         }
-        return listRecords(out);
+        return listRecords(line.isSet(QStringLiteral("json")), out);
     }
     if (last == !path.isEmpty()) {
         return usageError(line, err,

@@ -1,9 +1,9 @@
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 #include "app/cli/cli.h"
+#include "app/cli/cli_output.h"
 #include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "forms/captions.h"
@@ -46,18 +46,43 @@ void printFolder(const SessionFolder& folder, QTextStream& out) {
     for (const OtherFile& file : folder.otherFiles()) {
         out << "[ ] " << visibleText(file.text) << '\n';
     }
-    if (!folder.keptFiles().isEmpty()) {
-        out << "kept: " << folder.keptFiles().size() << " file(s) used by other sessions\n";
-        for (const KeptFile& file : folder.keptFiles()) {
-            out << visibleText(file.text) << "  <- "
-                << visibleText(file.usedBy.join(QStringLiteral(", "))) << '\n';
-        }
-    }
+    out << keptText(folder.keptFiles());
     out << "info: " << captions.sizes << '\n';
 }
 
-// One JSON document with the captions and both lists, each line with the file it stands for.
-void printFolderJson(const SessionFolder& folder, QTextStream& out) {
+// The numbers behind the captions, for a script.
+QJsonObject totalsJson(const SessionFolder& folder) {
+    qint64 missing = 0, bytes = 0, keptBytes = 0;
+    for (const UsedLine& line : shownUsedLines(folder.used())) {
+        missing += line.exists ? 0 : 1;
+    }
+    for (const OtherFile& file : folder.otherFiles()) {
+        bytes += file.size;
+    }
+    for (const KeptFile& file : folder.keptFiles()) {
+        keptBytes += file.size;
+    }
+    return {{QStringLiteral("usedLines"), shownUsedLines(folder.used()).size()},
+            {QStringLiteral("missingLines"), missing},
+            {QStringLiteral("files"), folder.otherFiles().size()},
+            {QStringLiteral("bytes"), bytes},
+            {QStringLiteral("keptFiles"), folder.keptFiles().size()},
+            {QStringLiteral("keptBytes"), keptBytes}};
+}
+
+// Where and why a load stopped; null for a load that read every session.
+QJsonValue stopJson(const SessionFolder& folder, const QStringList& problems) {
+    if (!folder.stopped()) {
+        return QJsonValue::Null;
+    }
+    return QJsonObject{{QStringLiteral("session"), folder.used().stoppedAt},
+                       {QStringLiteral("unread"), folder.used().unread},
+                       {QStringLiteral("reasons"), QJsonArray::fromStringList(problems)}};
+}
+
+// One JSON document with the captions, the totals and both lists, each line with the file it
+// stands for.
+void printFolderJson(const SessionFolder& folder, const QStringList& problems, QTextStream& out) {
     const Captions captions = captionsOf(folder);
     QJsonArray used;
     for (const UsedLine& line : shownUsedLines(folder.used())) {
@@ -81,16 +106,19 @@ void printFolderJson(const SessionFolder& folder, QTextStream& out) {
                         {QStringLiteral("size"), file.size},
                         {QStringLiteral("usedBy"), QJsonArray::fromStringList(file.usedBy)}});
     }
-    const QJsonObject document{
-        {QStringLiteral("used"),
-         QJsonObject{{QStringLiteral("caption"), captions.used}, {QStringLiteral("lines"), used}}},
-        {QStringLiteral("unused"), QJsonObject{{QStringLiteral("caption"), captions.unused},
-                                               {QStringLiteral("files"), others}}},
-        {QStringLiteral("info"), captions.sizes},
-        {QStringLiteral("stopped"), folder.stopped()},
-        {QStringLiteral("kept"), QJsonObject{{QStringLiteral("files"), kept}}},
-    };
-    out << QJsonDocument(document).toJson(QJsonDocument::Indented);
+    out << jsonDocument(
+        QStringLiteral("scan"),
+        {{QStringLiteral("folder"), folder.options().folder},
+         {QStringLiteral("kind"), folder.options().kind->idText},
+         {QStringLiteral("used"),
+          QJsonObject{{QStringLiteral("caption"), captions.used}, {QStringLiteral("lines"), used}}},
+         {QStringLiteral("unused"), QJsonObject{{QStringLiteral("caption"), captions.unused},
+                                                {QStringLiteral("files"), others}}},
+         {QStringLiteral("info"), captions.sizes},
+         {QStringLiteral("totals"), totalsJson(folder)},
+         {QStringLiteral("stopped"), folder.stopped()},
+         {QStringLiteral("stop"), stopJson(folder, problems)},
+         {QStringLiteral("kept"), QJsonObject{{QStringLiteral("files"), kept}}}});
 }
 
 }  // namespace
@@ -103,12 +131,13 @@ int runScan(const CommandLine& line, QTextStream& out, QTextStream& err) {
     }
     const FileSystem disk;
     SessionFolder folder(disk);
-    const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("scan"));
+    QStringList problems;
+    const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("scan"), &problems);
     if (exitCode == UsageError) {
         return exitCode;
     }
     if (json) {
-        printFolderJson(folder, out);
+        printFolderJson(folder, problems, out);
     } else {
         printFolder(folder, out);
     }
