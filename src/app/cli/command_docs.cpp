@@ -1,6 +1,7 @@
 #include "app/cli/command_docs.h"
 
 #include "app/cli/command_table.h"
+#include "readers/session_kinds.h"
 
 namespace tidewick::cli {
 
@@ -20,6 +21,62 @@ QString roff(QString text) {
 
 QString optionName(const QString& name) {
     return (name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name;
+}
+
+// The values an option takes, where they are few: the kinds for --kind, "no|yes" as named.
+QStringList valueChoices(const OptionHelp& option) {
+    if (option.names.last() == QLatin1String("kind")) {
+        QStringList kinds;
+        for (const SessionKind& kind : sessionKinds()) {
+            kinds.append(kind.idText);
+        }
+        return kinds;
+    }
+    return option.valueName.contains(u'|') ? option.valueName.split(u'|') : QStringList();
+}
+
+// The first sentence of a description, for a completion menu's one line.
+QString firstSentence(const QString& text) {
+    qsizetype end = text.size();
+    for (const QString& stop : {QStringLiteral(". "), QStringLiteral("\n")}) {
+        const qsizetype at = text.indexOf(stop);
+        end = at >= 0 ? std::min(end, at) : end;
+    }
+    QString sentence = text.left(end);
+    return sentence.endsWith(u'.') || sentence.endsWith(u':') ? sentence.chopped(1) : sentence;
+}
+
+// `text` inside single quotes of a shell script.
+QString quoted(const QString& text) {
+    return u'\'' + QString(text).replace(u'\'', QStringLiteral("'\\''")) + u'\'';
+}
+
+// A zsh _arguments description in brackets: its brackets and colons escaped.
+QString zshDescription(const QString& text) {
+    QString shown = firstSentence(text);
+    for (const QChar special : {u'[', u']', u':', u'\\'}) {
+        shown.replace(special, QStringLiteral("\\") + special);
+    }
+    return shown;
+}
+
+// One option as zsh's _arguments takes it: "--kind=[The kind of session]:K:(ses sesx ...)";
+// repeatable options ("exclude", "only") may come again.
+QString zshOption(const OptionHelp& option) {
+    const QString name = optionName(option.names.last());
+    const bool repeated = option.description.contains(QLatin1String("may be repeated"));
+    QString spec = (repeated ? QStringLiteral("*") : QString()) + name;
+    if (option.valueName.isEmpty()) {
+        return spec + u'[' + zshDescription(option.description) + u']';
+    }
+    const QStringList choices = valueChoices(option);
+    const QString action =
+        !choices.isEmpty() ? u'(' + choices.join(u' ') + u')'
+        : option.valueName == QLatin1String("PATH") || option.valueName == QLatin1String("TARGET")
+            ? QStringLiteral("_files -/")
+            : QString();
+    return spec + QStringLiteral("=[") + zshDescription(option.description) + QStringLiteral("]:") +
+           option.valueName + u':' + action;
 }
 
 }  // namespace
@@ -88,6 +145,71 @@ QString bashCompletion() {
                "    fi\n"
                "}\n"
                "complete -o filenames -F _tidewick_cli tidewick-cli\n");
+}
+
+QString zshCompletion() {
+    QString commandList, cases;
+    for (const Command& command : commands()) {
+        commandList += QStringLiteral("        ") +
+                       quoted(command.name + u':' + firstSentence(command.summary)) + u'\n';
+        QStringList specs = {QStringLiteral("'(- *)'{-h,--help}'[Print this help]'")};
+        for (const OptionHelp& option : command.options) {
+            specs.append(quoted(zshOption(option)));
+        }
+        specs.append(QStringLiteral("'*:file:_files'"));
+        cases += QStringLiteral("    ") + command.name +
+                 QStringLiteral(")\n        _arguments -s \\\n            ") +
+                 specs.join(QStringLiteral(" \\\n            ")) + QStringLiteral(" ;;\n");
+    }
+    return QStringLiteral(
+               "#compdef tidewick-cli\n# zsh completion for tidewick-cli\n"
+               "local -a commands\ncommands=(\n") +
+           commandList + QStringLiteral("        ") +
+           quoted(QStringLiteral("help:Print the commands, or one command's options")) +
+           QStringLiteral(
+               "\n)\n"
+               "if (( CURRENT == 2 )); then\n"
+               "    _describe -t commands 'tidewick-cli command' commands\n"
+               "    _arguments '(- *)'{-V,--version}'[Print the version]'\n"
+               "    return\n"
+               "fi\n"
+               "shift words\n(( CURRENT-- ))\ncase $words[1] in\n") +
+           cases +
+           QStringLiteral(
+               "    help)\n        _describe -t commands 'tidewick-cli command' commands ;;\n"
+               "esac\n");
+}
+
+QString fishCompletion() {
+    QString script =
+        QStringLiteral(
+            "# fish completion for tidewick-cli\n"
+            "complete -c tidewick-cli -f\n"
+            "complete -c tidewick-cli -n __fish_use_subcommand -s V -l version -d 'Print the "
+            "version'\n"
+            "complete -c tidewick-cli -n __fish_use_subcommand -a help -d ") +
+        quoted(QStringLiteral("Print the commands, or one command's options")) + u'\n';
+    for (const Command& command : commands()) {
+        const QString when = QStringLiteral(" -n ") +
+                             quoted(QStringLiteral("__fish_seen_subcommand_from ") + command.name);
+        script += QStringLiteral("complete -c tidewick-cli -n __fish_use_subcommand -a ") +
+                  command.name + QStringLiteral(" -d ") + quoted(firstSentence(command.summary)) +
+                  u'\n';
+        script += QStringLiteral("complete -c tidewick-cli") + when +
+                  QStringLiteral(" -F\ncomplete -c tidewick-cli") + when +
+                  QStringLiteral(" -s h -l help -d 'Print this help'\n");
+        for (const OptionHelp& option : command.options) {
+            const QStringList choices = valueChoices(option);
+            script +=
+                QStringLiteral("complete -c tidewick-cli") + when + QStringLiteral(" -l ") +
+                option.names.last() +
+                (option.valueName.isEmpty() ? QString()
+                 : choices.isEmpty()        ? QStringLiteral(" -r")
+                                     : QStringLiteral(" -x -a ") + quoted(choices.join(u' '))) +
+                QStringLiteral(" -d ") + quoted(firstSentence(option.description)) + u'\n';
+        }
+    }
+    return script;
 }
 
 }  // namespace tidewick::cli

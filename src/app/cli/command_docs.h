@@ -10,5 +10,10 @@ namespace tidewick::cli {
 QString manPage();
 /// A bash completion script: the commands, and each command's options.
 QString bashCompletion();
+/// A zsh completion function (`_tidewick-cli`): the commands with what they do, and each
+/// command's options with theirs and the values they take.
+QString zshCompletion();
+/// A fish completion script, with the same.
+QString fishCompletion();
 
 }  // namespace tidewick::cli
