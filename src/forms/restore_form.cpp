@@ -28,8 +28,8 @@ const QString kTitle = QStringLiteral("Restore a Move");
 QString recordLine(const MoveRecord& record) {
     return QLocale().toString(record.started, QLocale::ShortFormat) + QStringLiteral("   ") +
            visibleText(record.sessionFolder) + QStringLiteral("   ") +
-           groupedNumber(record.filesMoved()) + QStringLiteral(" file(s)   ") +
-           groupedNumber(record.bytesMoved()) + QStringLiteral(" bytes") +
+           countText(record.filesMoved(), "file") + QStringLiteral("   ") +
+           countText(record.bytesMoved(), "byte") +
            (record.finished ? QString() : QStringLiteral("   (cut short)"));
 }
 

@@ -227,8 +227,8 @@ TEST(Restore, ListsTheRecordsNewestFirst) {
     QTextStream stream(&out);
     EXPECT_EQ(cli::run({"restore", "--list"}, stream, stream), 0);
     stream.flush();
-    EXPECT_LT(out.indexOf("/new  0 files  0 bytes\n"),
-              out.indexOf("/old  0 files  0 bytes  (cut short)"));
+    EXPECT_LT(out.indexOf("/new   0 files   0 bytes\n"),
+              out.indexOf("/old   0 files   0 bytes   (cut short)"));
     EXPECT_EQ(cli::run({"restore"}, stream, stream), 1);
     EXPECT_EQ(cli::run({"restore", "--last", moves}, stream, stream), 1);
 }

@@ -1,12 +1,11 @@
 #include <QJsonArray>
-#include <QLocale>
 
 #include "app/cli/cli.h"
 #include "app/cli/cli_output.h"
 #include "app/cli/commands.h"
 #include "app/cli/folder_load.h"
 #include "fileops/restore.h"
-#include "text/number_text.h"
+#include "forms/restore_form.h"
 #include "text/path_text.h"
 
 // `restore`: a move undone from its record, as "File > Restore a Move..." does it.
@@ -45,12 +44,8 @@ int listRecords(bool json, QTextStream& out) {
                             {QStringLiteral("state"), state}});
             continue;
         }
-        out << visibleText(record.path) << "  "
-            << QLocale().toString(record.started, QLocale::ShortFormat) << "  "
-            << visibleText(record.sessionFolder) << "  " << countText(record.filesMoved(), "file")
-            << "  " << countText(record.bytesMoved(), "byte")
-            << (record.finished ? "" : "  (cut short)")
-            << (state == QLatin1String("moved") ? QString() : QStringLiteral("  (") + state + u')')
+        out << visibleText(record.path) << "   " << recordLine(record)
+            << (state == QLatin1String("moved") ? QString() : QStringLiteral("   (") + state + u')')
             << '\n';
     }
     if (json) {
