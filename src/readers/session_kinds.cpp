@@ -120,6 +120,18 @@ const QStringList& backupFolders() {
     return folders;
 }
 
+QString sessionKindIdTexts(const QString& separator) {
+    QStringList ids;
+    for (const SessionKind& kind : sessionKinds()) {
+        ids.append(kind.idText);
+    }
+    if (!separator.isEmpty()) {
+        return ids.join(separator);
+    }
+    const QString last = ids.takeLast();
+    return ids.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
+}
+
 const SessionKind& sessionKind(SessionKindId id) {
     for (const SessionKind& kind : sessionKinds()) {
         if (kind.id == id) {

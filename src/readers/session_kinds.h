@@ -83,6 +83,10 @@ const SessionKind* sessionKindForName(const QString& name, bool* backup = nullpt
 /// "Backups" and Audition's "Backup".
 const QStringList& backupFolders();
 
+/// The kinds' id texts as a sentence lists them: "ses, sesx, xml, rpp, veg, als or aup"; with
+/// `separator` "|", as a usage line does: "ses|sesx|...|aup".
+QString sessionKindIdTexts(const QString& separator = {});
+
 /// The kind with the given id.
 const SessionKind& sessionKind(SessionKindId id);
 

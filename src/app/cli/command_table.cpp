@@ -1,13 +1,14 @@
 #include "app/cli/command_table.h"
 
 #include "app/cli/commands.h"
+#include "readers/session_kinds.h"
 #include "sweep/media_types.h"
 
 namespace tidewick::cli {
 
 namespace {
 
-const QString kKinds = QStringLiteral("ses, sesx, xml, rpp or veg");
+const QString kKinds = sessionKindIdTexts();
 
 // The media types, a line each, for the help of --type.
 QString mediaTypeList() {

@@ -74,12 +74,12 @@ std::optional<QString> takeFolderAndKind(const CommandLine& line, FolderArgument
         parsed.options.kind = sessionKindByIdText(kindName);
         if (parsed.options.kind == nullptr) {
             return QStringLiteral("unknown kind '") + visibleText(kindName) +
-                   QStringLiteral("'; use ses, sesx, xml, rpp or veg");
+                   QStringLiteral("'; use ") + sessionKindIdTexts();
         }
     } else if (parsed.options.kind == nullptr) {
         parsed.options.kind = kindOfSessionsIn(parsed.options.folder);
         if (parsed.options.kind == nullptr) {
-            return QStringLiteral("--kind is required: ses, sesx, xml, rpp or veg");
+            return QStringLiteral("--kind is required: ") + sessionKindIdTexts();
         }
     }
     return std::nullopt;

@@ -37,10 +37,11 @@ bool parseMediaArguments(const CommandLine& line, MediaOptions& options, QTextSt
     if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
-                << "' from its extension; give --kind ses|sesx|xml|rpp|veg\n";
+                << "' from its extension; give --kind " << sessionKindIdTexts(QStringLiteral("|"))
+                << '\n';
         } else {
-            err << "tidewick-cli media: unknown kind '" << kindName
-                << "'; use ses, sesx, xml, rpp or veg\n";
+            err << "tidewick-cli media: unknown kind '" << kindName << "'; use "
+                << sessionKindIdTexts() << '\n';
         }
         return false;
     }
