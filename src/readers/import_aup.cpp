@@ -6,6 +6,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QXmlStreamReader>
+#include <algorithm>
 
 #include "readers/session_bytes.h"
 
@@ -97,11 +98,29 @@ QString blockFileLocation(const QString& name, bool flat) {
 
 SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    QXmlStreamReader xml(QByteArray::fromRawData(bytes.data(), bytes.size()));
+    // The XML goes to the reader a piece at a time, so that its text is never held whole.
+    constexpr qsizetype kPiece = 256 * 1024;
+    QXmlStreamReader xml;
+    qsizetype fed = 0;
+    const auto feed = [&] {
+        const qsizetype size = std::min(kPiece, bytes.size() - fed);
+        if (size > 0) {
+            xml.addData(bytes.sliced(fed, size).toByteArray());
+            fed += size;
+        }
+        return size > 0;
+    };
+    feed();
     AupReferences found;
     int depth = 0;
-    while (!xml.atEnd()) {
+    for (;;) {
         const QXmlStreamReader::TokenType token = xml.readNext();
+        if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError && feed()) {
+            continue;
+        }
+        if (xml.atEnd()) {
+            break;
+        }
         if (token == QXmlStreamReader::EndElement) {
             --depth;
         } else if (token == QXmlStreamReader::StartElement && ++depth == 1) {
