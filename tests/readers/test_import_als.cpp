@@ -141,7 +141,7 @@ TEST(AlsReader, FindsThePathsOfDataBlobs) {
         utf16 += char(unit >> 8);
     }
     EXPECT_EQ(pathsInLiveData(utf16), QStringList{"\\\\server\\share\\a.wav"});
-    EXPECT_EQ(pathsInLiveData(QByteArray("r\0e\0l\0.\0w\0a\0v\0\0\0", 18)), QStringList());
+    EXPECT_EQ(pathsInLiveData(QByteArray("r\0e\0l\0.\0w\0a\0v\0\0\0", 16)), QStringList());
     // An alias record whose tags run past its end gives what it holds before them.
     QByteArray alias(150, '\0');
     alias += QByteArray("\x00\x12\x00\x05Users\x00", 10) + QByteArray("\x00\x13\x00\x40", 4);
