@@ -56,6 +56,9 @@ QByteArray padded(SessionKindId kind, const QStringList& paths) {
                                 lines("    VOLPAN 1 0 -1 -1 1\r\n"));
         case SessionKindId::Veg:
             return QByteArray(missing, 'x') + bytes;
+        case SessionKindId::Als:
+        case SessionKindId::Aup:
+            break;  // the project kinds' own benchmark pads theirs
     }
     return bytes;
 }

@@ -29,8 +29,7 @@ SessionOptions wholeLoad(const SessionKind& kind, const QString& folder, const Q
 class FolderLoads {
 public:
     // `alone`: the folder holds sessions of one kind, whose one load says all.
-    FolderLoads(const QString& folder, const FileSystem& disk, bool alone)
-        : folder_(folder), disk_(disk), alone_(alone) {}
+    FolderLoads(const FileSystem& disk, bool alone) : disk_(disk), alone_(alone) {}
 
     // False when the load stopped at a session it could not read.
     bool add(const SessionFolder& load, FolderReport& report) {
@@ -51,7 +50,7 @@ public:
         QSet<QString> offeredHere;
         for (const OtherFile& other : load.otherFiles()) {
             // The listings join a clean folder and a name: the path is clean as it stands.
-            const QString path = otherFilePath(folder_, other.text);
+            const QString path = otherFilePath(withSeparator(load.root()), other.text);
             offered_.insert(path, other.size);
             offeredHere.insert(path);
         }
@@ -78,7 +77,6 @@ public:
     }
 
 private:
-    const QString& folder_;
     const FileSystem& disk_;
     const bool alone_;
     QSet<QString> lines_;
@@ -94,7 +92,7 @@ FolderReport auditFolder(const QString& folder,
                          const std::function<QString(const ReadProblem&)>& describe) {
     FolderReport report;
     report.folder = cleanHostPath(folder);
-    FolderLoads loads(folder, disk, sessions.size() == 1);
+    FolderLoads loads(disk, sessions.size() == 1);
     for (const auto& [kind, names] : sessions) {
         report.sessions.append({kind->id, names});
     }

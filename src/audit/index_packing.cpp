@@ -82,6 +82,11 @@ QByteArray packRead(const SessionRead& read) {
         out << qint32(read.problem->failure) << qint32(read.problem->kind)
             << qint32(read.problem->severity) << read.problem->detail << read.problem->file;
     }
+    // A project kind's references, without which its read would keep nothing.
+    out << quint32(read.references.size());
+    for (const FileReference& reference : read.references) {
+        out << quint8(reference.base) << reference.relative << reference.absolute;
+    }
     return bytes;
 }
 
@@ -128,6 +133,19 @@ Result<SessionRead> unpackRead(const QByteArray& bytes) {
         read.problem = problem;
     } else if (told != kNoProblem) {
         return damaged();
+    }
+    quint32 references = 0;
+    in >> references;
+    for (quint32 i = 0; i < references && in.status() == QDataStream::Ok; ++i) {
+        quint8 base = 0;
+        FileReference reference;
+        in >> base >> reference.relative;
+        reference.absolute = readList<QString>(in);
+        if (base > quint8(FileReference::Base::Library)) {
+            return damaged();
+        }
+        reference.base = FileReference::Base(base);
+        read.references.append(std::move(reference));
     }
     return whole(in, std::move(read));
 }

@@ -9,6 +9,17 @@ QStringList usedElsewhere(const QString& session, const SessionKind& kind,
                           const SessionRead& read) {
     const QString folder = withSeparator(hostParentFolder(session));
     QStringList files;
+    if (kind.projectScope) {
+        QHash<QString, ProjectTree> trees;
+        for (const QString& named :
+             filesKeptByReferences(read, session, {folder}, FileSystem(), trees)) {
+            const QString file = cleanHostPath(named);
+            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
+                files.append(file);
+            }
+        }
+        return files;
+    }
     for (const QString& written : read.paths) {
         for (const QString& named : filesNamedBy(written, folder, kind)) {
             const QString file = cleanHostPath(named);

@@ -51,6 +51,9 @@ QString usedLineTooltip(const UsedLine& line, bool sessions) {
         text = QStringLiteral("Not found as written; kept: ") + line.keptFile + where +
                QStringLiteral(" has its name");
     }
+    if (line.outside) {
+        text += QStringLiteral("\nOutside the project: in an editor's library or pack");
+    }
     if (sessions && !line.sessions.isEmpty()) {
         text += QStringLiteral("\nUsed by ") + line.sessions.join(QStringLiteral(", "));
     }

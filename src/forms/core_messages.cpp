@@ -28,6 +28,10 @@ KindWords kindWords(SessionKindId kind) {
             return {"This is not a properly formated Reaper Project file", true, "REAPER project"};
         case SessionKindId::Veg:
             return {"This is not a Vegas project file.", false, "Vegas project"};
+        case SessionKindId::Als:
+            return {"This is not an Ableton Live set.", false, "Ableton Live set"};
+        case SessionKindId::Aup:
+            return {"This is not an Audacity project.", false, "Audacity project"};
     }
     Q_UNREACHABLE();
 }

@@ -147,8 +147,7 @@ void FolderLists::UnusedFiles_DblClick() {
     if (row < 0 || row >= UnusedFiles.count()) {
         return;
     }
-    const QString file =
-        otherFilePath(withSeparator(browser().shownFolder()), UnusedFiles.text(row));
+    const QString file = otherFilePath(linesFolder(), UnusedFiles.text(row));
     // A file deleted since it was listed opens nothing, whatever the desktop answers.
     if (!disk_.FileExists(file) || !ui_.openFile(file)) {
         showOk(ui_,
@@ -185,7 +184,7 @@ void FolderLists::UpdateSizes() {
         InfoLabel.setText(stoppedText(session_.used(), session_.scannedCount()));
         return;
     }
-    const SizeCache::Totals totals = sizeCache_->totals(withSeparator(browser().shownFolder()));
+    const SizeCache::Totals totals = sizeCache_->totals(linesFolder());
     InfoLabel.setText(sizesText(totals.listed, totals.checked));
 }
 

@@ -107,6 +107,9 @@ public:
     void libraryChanged() { library_.reopen(); }
 
 private:
+    /// The folder the lines of UnusedFiles start from, with its separator: the shown folder, or
+    /// the project folder of a Live set loaded from a folder of its project.
+    QString linesFolder() const;
     const WindowServices& window_;
     SessionBrowser& browser_;
     const std::function<void(ExclusionForm& form)>& showExclusionForm_;

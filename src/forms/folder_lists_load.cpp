@@ -9,6 +9,11 @@
 // loads, and its lines fill UsedFiles and UnusedFiles; the sub-folder row gathers one more folder.
 namespace tidewick {
 
+QString FolderLists::linesFolder() const {
+    const SessionKind* kind = session_.options().kind;
+    return withSeparator(kind && kind->projectScope ? session_.root() : browser().shownFolder());
+}
+
 QString FolderLists::TrimFolders(const QString& fullFileName) const {
     return tidewick::trimFolders(fullFileName, session_.recordFolder());
 }
@@ -90,7 +95,7 @@ void FolderLists::runSessionLoad() {
     UsedFiles.addItems(usedLines);
     for (int row = 0; row < lines.size(); ++row) {
         const UsedLine& line = lines[row];
-        if (!line.keptFile.isEmpty() || wholeFolder) {
+        if (!line.keptFile.isEmpty() || line.outside || wholeFolder) {
             UsedFiles.setTooltip(row, usedLineTooltip(line, wholeFolder));
         }
     }
@@ -112,7 +117,7 @@ void FolderLists::runSessionLoad() {
 void FolderLists::showOtherFiles(const QList<OtherFile>& files) {
     UnusedFiles.clear();
     appendOtherFiles(files);
-    UnusedFiles.setTooltipFolder(withSeparator(browser().shownFolder()));
+    UnusedFiles.setTooltipFolder(linesFolder());
 }
 
 void FolderLists::appendOtherFiles(const QList<OtherFile>& files) {
@@ -125,7 +130,7 @@ void FolderLists::appendOtherFiles(const QList<OtherFile>& files) {
         sizes.push_back(file.size);
     }
     UnusedFiles.addItems(lines);
-    sizeCache_->appendedSizes(withSeparator(browser().shownFolder()), sizes);
+    sizeCache_->appendedSizes(linesFolder(), sizes);
 }
 
 void FolderLists::UsedFiles_ItemCheck(int item) {

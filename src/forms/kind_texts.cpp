@@ -23,6 +23,8 @@ const QList<KindTexts>& allKindTexts() {
              "&Keep Used Reapeaks Files"},
             {SessionKindId::Veg, "VEG", "VEGFiles", "Vegas Session Files", "Check All &VEG files",
              "&Keep Used sfk Files"},
+            {SessionKindId::Als, "More", "MoreFiles", "Ableton Live Sets and Audacity Projects",
+             "Check All &More files", "&Keep Used asd Files"},
         };
         QList<KindTexts> list;
         for (const Row& row : kRows) {
@@ -38,6 +40,9 @@ const QList<KindTexts>& allKindTexts() {
 }  // namespace
 
 const KindTexts& kindTexts(SessionKindId id) {
+    if (sessionKind(id).projectScope) {
+        id = tabKinds().constLast()->id;  // the tab they share
+    }
     for (const KindTexts& texts : allKindTexts()) {
         if (texts.id == id) {
             return texts;
@@ -53,6 +58,29 @@ const SessionKind* sessionKindByKey(const QString& key) {
         }
     }
     return nullptr;
+}
+
+}  // namespace tidewick
+
+namespace tidewick {
+
+const QList<const SessionKind*>& tabKinds() {
+    static const QList<const SessionKind*> kinds = [] {
+        QList<const SessionKind*> list;
+        for (const SessionKind& kind : sessionKinds()) {
+            if (!kind.projectScope) {
+                list.append(&kind);
+            }
+        }
+        for (const SessionKind& kind : sessionKinds()) {
+            if (kind.projectScope) {
+                list.append(&kind);
+                break;
+            }
+        }
+        return list;
+    }();
+    return kinds;
 }
 
 }  // namespace tidewick

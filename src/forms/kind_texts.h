@@ -4,7 +4,8 @@
 
 #include "readers/session_kinds.h"
 
-// What the window shows of each session kind: its tab and the captions that name the kind.
+// What the window shows of each session kind: its tab and the captions that name the kind. The
+// project kinds (Ableton Live sets, Audacity projects) share one tab, "More".
 namespace tidewick {
 
 struct KindTexts {
@@ -16,8 +17,12 @@ struct KindTexts {
     QString keepPeaksCaption;  ///< caption of KeepPKCheck
 };
 
-/// The texts of the kind `id`.
+/// The texts of the kind `id`; the project kinds share those of the "More" tab.
 const KindTexts& kindTexts(SessionKindId id);
+
+/// The kinds that the window's tabs stand for, in the tabs' order: the five of their own tabs,
+/// then the first project kind, standing for the "More" tab that all of them share.
+const QList<const SessionKind*>& tabKinds();
 
 /// The kind of a tab key ("SESFiles"); nullptr for an unknown key.
 const SessionKind* sessionKindByKey(const QString& key);

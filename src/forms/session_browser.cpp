@@ -43,8 +43,8 @@ SessionBrowser::SessionBrowser(const WindowServices& window, QObject& context)
       FileTypeTab(window.control(u"FileTypeTab")),
       SESFile(window.control(u"SESFile")) {
     QStringList tabCaptions;
-    for (const SessionKind& kind : sessionKinds()) {
-        tabCaptions.append(kindTexts(kind.id).tabCaption);
+    for (const SessionKind* kind : tabKinds()) {
+        tabCaptions.append(kindTexts(kind->id).tabCaption);
     }
     FileTypeTab.setItems(tabCaptions);
     FileTypeTab.setListIndex(0);  // a tab strip always has a tab selected
@@ -132,7 +132,7 @@ void SessionBrowser::FileTypeTab_Click() {
     raise(events_.changing);
     raise(events_.emptied);
     if (const SessionKind* kind = selectedKind()) {
-        sessionFilePattern_ = kind->sessionPattern;  // listed below, once
+        sessionFilePattern_ = tabSessionPattern(*kind);  // listed below, once
         if (events_.kindChosen) {
             events_.kindChosen(*kind, shownFolder);
         }
@@ -164,10 +164,10 @@ void SessionBrowser::pointBrowserAt(const QString& folder) {
 
 QString SessionBrowser::selectedTabKey() const {
     const int index = FileTypeTab.listIndex();
-    if (index < 0 || index >= sessionKinds().size()) {
+    if (index < 0 || index >= tabKinds().size()) {
         return {};
     }
-    return kindTexts(sessionKinds().at(index).id).tabKey;
+    return kindTexts(tabKinds().at(index)->id).tabKey;
 }
 
 const SessionKind* SessionBrowser::selectedKind() const {
@@ -175,8 +175,8 @@ const SessionKind* SessionBrowser::selectedKind() const {
 }
 
 bool SessionBrowser::selectTabByKey(const QString& key) {
-    for (int index = 0; index < sessionKinds().size(); ++index) {
-        if (kindTexts(sessionKinds().at(index).id).tabKey == key) {
+    for (int index = 0; index < tabKinds().size(); ++index) {
+        if (kindTexts(tabKinds().at(index)->id).tabKey == key) {
             FileTypeTab.setListIndex(index);
             return true;
         }

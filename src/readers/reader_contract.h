@@ -14,8 +14,9 @@
 // leaves no state behind; the session load reports its problem and uses its paths.
 namespace tidewick {
 
-/// The five kinds of session file, in the order of the kinds table.
-enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg };
+/// The kinds of session file, in the order of the kinds table: the five of their own tabs, then
+/// the project kinds (Ableton Live sets, Audacity projects), which share one.
+enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg, Als, Aup };
 
 /// The media paths of a session, in the order first met, never the same text twice (letter
 /// case counts). The set beside the list keeps the duplicate test constant-time.
@@ -139,6 +140,27 @@ struct ReaperFacts {
     bool operator==(const ReaperFacts&) const = default;
 };
 
+/// One file that a session of the project kinds names, with every way it names it: a reference
+/// keeps each file it could name.
+struct FileReference {
+    /// What `relative` is relative to.
+    enum class Base : quint8 {
+        None,           ///< no relative path
+        SessionFolder,  ///< the session file's folder
+        ProjectFolder,  ///< the kind's project folder (an Ableton project)
+        DataFolder,     ///< the session's own data folder (Audacity's "<name>_data")
+        Library,        ///< an editor's library or pack: outside the project, keeps nothing there
+    };
+    Base base = Base::None;
+    /// The path from `base`, "/" between its parts; ".." steps stay as written.
+    QString relative;
+    /// The absolute paths the session holds for the file, in the form written ("C:/x.wav",
+    /// "D:\x.wav", "/Users/x.wav").
+    QStringList absolute;
+
+    bool operator==(const FileReference&) const = default;
+};
+
 /// Everything one read of one session file found.
 struct SessionRead {
     ReaderOutcome outcome = ReaderOutcome::Read;
@@ -151,6 +173,9 @@ struct SessionRead {
     std::optional<ReaperFacts> reaper;
     /// What went wrong, when anything did (a file of another kind may be rejected without one).
     std::optional<ReadProblem> problem;
+    /// The project kinds' references, one a file, in the order first met; `paths` then holds one
+    /// text for each, as the session writes it.
+    QList<FileReference> references;
 
     bool operator==(const SessionRead&) const = default;
 };

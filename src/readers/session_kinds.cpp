@@ -1,7 +1,10 @@
 #include "readers/session_kinds.h"
 
+#include <QStringTokenizer>
 #include <exception>
 
+#include "readers/import_als.h"
+#include "readers/import_aup.h"
 #include "readers/import_rpp.h"
 #include "readers/import_ses.h"
 #include "readers/import_sesx.h"
@@ -24,6 +27,8 @@ struct KindRow {
     bool peakNamesWholeMedia, namesRecordFolder;
     const char* backupPattern;
     bool namesWholePaths, versionFirst, exactExtension;
+    bool projectScope = false;
+    SessionFileReader fileReader = nullptr;
 };
 
 // Audition keeps a session's recordings in a folder named after it: mix_Recorded.
@@ -38,7 +43,17 @@ constexpr KindRow kKinds[] = {
      "*.rpp-bak", false, false, true},
     {SessionKindId::Veg, "veg", "*.veg", "sfk", &readVegSession, true, "", true, false, "*.veg.bak",
      false, false, true},
+    // Live names its analysis files after the whole media name: "take.wav.asd".
+    {SessionKindId::Als, "als", "*.als", "asd", &readAlsSession, false, "", true, false, "", false,
+     false, false, true},
+    {SessionKindId::Aup, "aup", "*.aup;*.aup3", "", &readAupSession, false, "", false, false, "",
+     false, false, false, true, &readAup3File},
 };
+
+// The patterns of a pattern text: "*.aup;*.aup3" holds two.
+QStringList patternsOf(const QString& pattern) {
+    return pattern.split(u';', Qt::SkipEmptyParts);
+}
 
 }  // namespace
 
@@ -50,18 +65,33 @@ const QList<SessionKind>& sessionKinds() {
             list.append({row.id, text(row.idText), text(row.pattern), text(row.peaks), row.reader,
                          row.subFolderRow, text(row.recordingsSuffix), row.peakNamesWholeMedia,
                          row.namesRecordFolder, text(row.backupPattern), row.namesWholePaths,
-                         row.versionFirst, row.exactExtension});
+                         row.versionFirst, row.exactExtension, row.projectScope, row.fileReader});
         }
         return list;
     }();
     return kinds;
 }
 
+QString tabSessionPattern(const SessionKind& kind) {
+    if (!kind.projectScope) {
+        return kind.sessionPattern;
+    }
+    QStringList patterns;
+    for (const SessionKind& each : sessionKinds()) {
+        if (each.projectScope) {
+            patterns.append(each.sessionPattern);
+        }
+    }
+    return patterns.join(u';');
+}
+
 const SessionKind* sessionKindForFile(const QString& fileName) {
     const QString extension = GetExtensionName(fileName).toLower();
     for (const SessionKind& kind : sessionKinds()) {
-        if (kind.sessionPattern.mid(2) == extension) {
-            return &kind;
+        for (const QString& pattern : patternsOf(kind.sessionPattern)) {
+            if (pattern.mid(2) == extension) {
+                return &kind;
+            }
         }
     }
     return nullptr;
@@ -69,14 +99,16 @@ const SessionKind* sessionKindForFile(const QString& fileName) {
 
 const SessionKind* sessionKindForName(const QString& name, bool* backup) {
     for (const SessionKind& kind : sessionKinds()) {
-        for (const QString& pattern : {kind.sessionPattern, kind.backupPattern}) {
-            const QString ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
-            if (!pattern.isEmpty() && name.size() > ending.size() &&
-                name.endsWith(ending, Qt::CaseInsensitive)) {
-                if (backup) {
-                    *backup = pattern == kind.backupPattern;
+        for (const QString* joined : {&kind.sessionPattern, &kind.backupPattern}) {
+            // A pattern text may hold several: "*.aup;*.aup3".
+            for (const QStringView pattern : QStringTokenizer{*joined, u';', Qt::SkipEmptyParts}) {
+                const QStringView ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
+                if (name.size() > ending.size() && name.endsWith(ending, Qt::CaseInsensitive)) {
+                    if (backup) {
+                        *backup = joined == &kind.backupPattern;
+                    }
+                    return &kind;
                 }
-                return &kind;
             }
         }
     }
@@ -86,6 +118,18 @@ const SessionKind* sessionKindForName(const QString& name, bool* backup) {
 const QStringList& backupFolders() {
     static const QStringList folders = {QStringLiteral("Backups"), QStringLiteral("Backup")};
     return folders;
+}
+
+QString sessionKindIdTexts(const QString& separator) {
+    QStringList ids;
+    for (const SessionKind& kind : sessionKinds()) {
+        ids.append(kind.idText);
+    }
+    if (!separator.isEmpty()) {
+        return ids.join(separator);
+    }
+    const QString last = ids.takeLast();
+    return ids.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
 }
 
 const SessionKind& sessionKind(SessionKindId id) {
@@ -117,6 +161,14 @@ SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
     // A fault while reading, such as a file too large for the memory left, ends this read with
     // a problem, never the program.
     try {
+        if (kind.fileReader) {
+            if (std::optional<SessionRead> read = kind.fileReader(fileName)) {
+                if (read->problem) {
+                    read->problem->file = fileName;
+                }
+                return *read;
+            }
+        }
         const FileBytes file = readSessionBytes(fileName);
         if (!file.error.isEmpty()) {
             return failed(ReadFailure::Unreadable, file.error);

@@ -5,20 +5,24 @@
 
 #include "readers/reader_contract.h"
 
-// The five kinds of session file Tidewick reads, with each format's facts and its reader. The
+// The kinds of session file Tidewick reads, with each format's facts and its reader. The
 // session load, the unused-file computation, the audit and the command line all read this one
 // table; the window's texts for each kind are the forms' own.
 namespace tidewick {
 
 /// Reads the bytes of one session file of a kind.
 using SessionReader = SessionRead (*)(QByteArrayView bytes, const SessionPlace& place);
+/// Reads a session file by its path where its bytes alone are not the way (a database); nothing
+/// for a file its bytes tell.
+using SessionFileReader = std::optional<SessionRead> (*)(const QString& fileName);
 
 struct SessionKind {
     SessionKindId id;
-    QString idText;          ///< "ses": the kind as a command or a script names it
-    QString sessionPattern;  ///< "*.ses", the pattern of a folder's session files
-    QString peakExtension;   ///< "pk", lower case, without the dot
-    SessionReader reader;    ///< reads the bytes of one file of this kind
+    QString idText;  ///< "ses": the kind as a command or a script names it
+    /// "*.ses", the pattern of a folder's session files; "*.aup;*.aup3" for a kind of two.
+    QString sessionPattern;
+    QString peakExtension;  ///< "pk", lower case, without the dot
+    SessionReader reader;   ///< reads the bytes of one file of this kind
     /// A load may gather one more folder, where projects of the kind often keep media of their
     /// own (REAPER, Vegas): the window's sub-folder row, the command line's --add-folder.
     bool subFolderRow = false;
@@ -43,6 +47,11 @@ struct SessionKind {
     /// A file is read only when its extension is exactly the kind's: "a.xmlx" listed under
     /// "*.xml" is passed over unread, and with nothing read no file of the folder is offered.
     bool exactExtension = false;
+    /// The session names its files by references (FileReference) that a load resolves against
+    /// the kind's project, whose whole tree it lists; the window shows the kind on its "More" tab.
+    bool projectScope = false;
+    /// Reads a file by its path before its bytes are read (an Audacity 3 database); may be null.
+    SessionFileReader fileReader = nullptr;
 
     /// The peak files' pattern: "*.pk".
     QString peakPattern() const { return QStringLiteral("*.") + peakExtension; }
@@ -54,8 +63,13 @@ struct SessionKind {
     }
 };
 
-/// All five kinds, in the order the window's tabs show them.
+/// All kinds: the five of their own tabs, in the order the window shows them, then the project
+/// kinds of the "More" tab.
 const QList<SessionKind>& sessionKinds();
+
+/// The pattern of the session files that the tab of `kind` lists: the kind's own, or for the
+/// project kinds, which share a tab, all of theirs ("*.als;*.aup;*.aup3").
+QString tabSessionPattern(const SessionKind& kind);
 
 /// The kind whose session-file pattern matches the extension of `fileName`, ignoring case;
 /// nullptr when none does.
@@ -68,6 +82,10 @@ const SessionKind* sessionKindForName(const QString& name, bool* backup = nullpt
 /// The folders, relative to a session folder, where the editors keep their backups: REAPER's
 /// "Backups" and Audition's "Backup".
 const QStringList& backupFolders();
+
+/// The kinds' id texts as a sentence lists them: "ses, sesx, xml, rpp, veg, als or aup"; with
+/// `separator` "|", as a usage line does: "ses|sesx|...|aup".
+QString sessionKindIdTexts(const QString& separator = {});
 
 /// The kind with the given id.
 const SessionKind& sessionKind(SessionKindId id);

@@ -68,6 +68,7 @@ void SessionFolder::load(const SessionOptions& options, const SweepEvents& event
     others_ = std::move(sweep.others);
     kept_ = std::move(sweep.kept);
     folders_ = std::move(sweep.folders);
+    root_ = std::move(sweep.root);
     index_ = std::move(sweep.index);
     recordFolder_ = used_.recordFolder;
     if (rowSettles()) {
@@ -119,6 +120,7 @@ void SessionFolder::clear() {
     others_.clear();
     kept_.clear();
     folders_.clear();
+    root_.clear();
     index_.reset();
 }
 
@@ -164,7 +166,8 @@ bool SessionFolder::guardFolder(const QString& folder, const SweepEvents& events
 MoveRequest SessionFolder::moveRequest(const SessionOptions& options, const QList<MoveItem>& items,
                                        const QString& target, bool storeInSubFolder) const {
     MoveRequest request;
-    request.sessionFolder = options.folder;
+    // The lines start from the root: a Live project's folder, which may lie above the set's.
+    request.sessionFolder = options.kind && options.kind->projectScope ? root() : options.folder;
     request.sessionFile = options.selectedSession();
     request.targetText = trimBlanks(target);
     request.storeInSubFolder = storeInSubFolder;

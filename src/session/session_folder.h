@@ -129,6 +129,9 @@ public:
     const QList<KeptFile>& keptFiles() const { return kept_; }
     /// The folders whose files the load looked at (with their separators).
     const QStringList& folders() const { return folders_; }
+    /// The folder the lines of otherFiles() start from: the session folder, or the project folder
+    /// of a project kind (a Live set's project may lie above it).
+    QString root() const { return root_.isEmpty() ? options_.folder : root_; }
     /// The record folder: the one the last load settled on, or set since.
     const QString& recordFolder() const { return recordFolder_; }
     void setRecordFolder(const QString& folder) { recordFolder_ = folder; }
@@ -160,6 +163,7 @@ private:
     QList<OtherFile> others_;
     QList<KeptFile> kept_;
     QStringList folders_;
+    QString root_;
     QString recordFolder_;
     std::shared_ptr<UsedIndex> index_;
 

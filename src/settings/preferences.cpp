@@ -14,9 +14,9 @@ const QString kExcluded = QStringLiteral("EXCLUDED");
 
 // The tab keys in the order of their "ActiveFileTab" numbers (which is not the tab order).
 const QStringList& tabKeysByNumber() {
-    static const QStringList keys = {QStringLiteral("SESFiles"), QStringLiteral("XMLFiles"),
+    static const QStringList keys = {QStringLiteral("SESFiles"),  QStringLiteral("XMLFiles"),
                                      QStringLiteral("SESXFiles"), QStringLiteral("RPPFiles"),
-                                     QStringLiteral("VEGFiles")};
+                                     QStringLiteral("VEGFiles"),  QStringLiteral("MoreFiles")};
     return keys;
 }
 

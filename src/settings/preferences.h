@@ -36,9 +36,9 @@ struct Preferences {
 };
 
 /// The number under which "ActiveFileTab" stores a tab key: 1 "SESFiles", 2 "XMLFiles",
-/// 3 "SESXFiles", 4 "RPPFiles", 5 "VEGFiles"; 0 for any other key.
+/// 3 "SESXFiles", 4 "RPPFiles", 5 "VEGFiles", 6 "MoreFiles"; 0 for any other key.
 int activeFileTabNumber(const QString& tabKey);
-/// The tab key that "ActiveFileTab" number `number` stands for; empty outside 1 to 5.
+/// The tab key that "ActiveFileTab" number `number` stands for; empty outside 1 to 6.
 QString activeFileTabKey(int number);
 /// The key of exclusion entry `position`: "File00001" for the first.
 QString exclusionKey(int position);

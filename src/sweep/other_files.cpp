@@ -24,7 +24,8 @@ public:
           events_(events),
           sessionFolder_(withSeparator(request.folder)),
           wanted_(request.typePattern),
-          peakSuffix_(QLatin1Char('.') + kind_.peakExtension) {}
+          peakSuffix_(kind_.peakExtension.isEmpty() ? QString()
+                                                    : QLatin1Char('.') + kind_.peakExtension) {}
 
     QList<OtherFile> run() {
         const bool whole = request_.wholeFolder;
@@ -42,6 +43,15 @@ public:
             }
         }
         addSubFolder(sessionsToIgnore);
+        return std::move(files_);
+    }
+
+    // The folders of a project tree, each line by its path from the tree's root.
+    QList<OtherFile> runProject(const ProjectTree& tree) {
+        for (const auto& [folder, relative] : tree.folders) {
+            idle();
+            addFolder(folder, relative, {});
+        }
         return std::move(files_);
     }
 
@@ -84,7 +94,10 @@ private:
         for (const FolderEntry& entry : entries) {
             // A name ending in the peak extension is exactly one that the peak pattern selects:
             // such files have their own pass below.
-            if (entry.name.endsWith(peakSuffix_, Qt::CaseInsensitive)) {
+            if (kind_.projectScope && partOfProjectSession(entry.name)) {
+                continue;  // a set, a project or its database's companions: never offered
+            }
+            if (!peakSuffix_.isEmpty() && entry.name.endsWith(peakSuffix_, Qt::CaseInsensitive)) {
                 if (request_.peaksListed) {
                     peakFiles.append(&entry);
                 }
@@ -228,7 +241,22 @@ QString reaperSubFolder(const QString& recordFolder, const QString& projectFolde
 QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& used,
                                 const QString& recordFolder, const FileSystem& fs,
                                 const SweepEvents& events, QList<KeptFile>* kept) {
+    if (request.kind->projectScope) {
+        QStringList sessions;
+        const ScanRange range = scanRange(request);
+        for (int i = range.first; i <= range.last; ++i) {
+            sessions.append(withSeparator(request.folder) + request.sessions.at(i));
+        }
+        return listProjectFiles(request, used, projectTree(sessions, fs, nullptr), fs, events,
+                                kept);
+    }
     return OtherFilesListing(request, used, recordFolder, fs, events, kept).run();
+}
+
+QList<OtherFile> listProjectFiles(const SweepRequest& request, const UsedIndex& used,
+                                  const ProjectTree& tree, const FileSystem& fs,
+                                  const SweepEvents& events, QList<KeptFile>* kept) {
+    return OtherFilesListing(request, used, tree.root, fs, events, kept).runProject(tree);
 }
 
 QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,

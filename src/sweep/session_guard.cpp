@@ -147,6 +147,7 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
                                   const SweepEvents& events, QString* stoppedAt) {
     auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
     const QString folder = withSeparator(sessionFolder);
+    QHash<QString, ProjectTree> trees;  // the project kinds' trees, each walked once
     for (qsizetype i = 0; i < guards.size(); ++i) {
         const Guard& guard = guards[i];
         if (isForeignFile(read[i])) {
@@ -166,14 +167,26 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
             *stoppedAt = name;
             return nullptr;
         }
-        for (const QString& path : read[i].paths) {
-            for (const QString& from : guard.folders) {
-                for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
-                    table->keep(file, name, fs);
+        if (guard.kind->projectScope) {
+            // References, each keeping every file it could name; an Audacity 3 project's
+            // database companions are part of it.
+            for (const QString& file :
+                 filesKeptByReferences(read[i], guard.path, guard.folders, fs, trees)) {
+                table->keep(file, name, fs);
+            }
+            for (const char* companion : {"-wal", "-shm"}) {
+                table->hide(guard.path + QLatin1String(companion), fs);
+            }
+        } else {
+            for (const QString& path : read[i].paths) {
+                for (const QString& from : guard.folders) {
+                    for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
+                        table->keep(file, name, fs);
+                    }
                 }
             }
         }
-        if (!guard.backup) {
+        if (!guard.backup || guard.kind->projectScope) {
             table->hide(guard.path, fs);
         }
     }

@@ -11,6 +11,7 @@
 #include "platform/file_system.h"
 #include "platform/result.h"
 #include "readers/session_kinds.h"
+#include "sweep/project_files.h"
 
 // The sweep of one session folder as plain values: which media its sessions use, and which
 // other files of the folder no session uses ("Files to be Moved"). The main window adapts its
@@ -76,6 +77,9 @@ struct UsedLine {
     /// For a line not found as written: the file that a reading without its folders finds (a
     /// session saved on Windows), as the session folder names it ("take1.wav"); kept.
     QString keptFile;
+    /// A project kind's reference into an editor's library or pack: outside the project, it
+    /// keeps nothing there.
+    bool outside = false;
     bool operator==(const UsedLine&) const = default;
 };
 
@@ -230,6 +234,12 @@ QList<OtherFile> listOtherFiles(const SweepRequest& request, const UsedIndex& us
                                 const QString& recordFolder, const FileSystem& fs,
                                 const SweepEvents& events = {}, QList<KeptFile>* kept = nullptr);
 
+/// The files of the project tree `tree` that no line of `used` names (nor keeps), each line by
+/// its path from the tree's root; a project session's own files are never listed.
+QList<OtherFile> listProjectFiles(const SweepRequest& request, const UsedIndex& used,
+                                  const ProjectTree& tree, const FileSystem& fs,
+                                  const SweepEvents& events = {}, QList<KeptFile>* kept = nullptr);
+
 /// The files of the sub-folder row's folder alone that no line of `used` names (nor keeps),
 /// when the row is on and its folder exists; each line leads back to its file (otherFilePath).
 QList<OtherFile> listSubFolder(const SweepRequest& request, const UsedIndex& used,
@@ -253,9 +263,24 @@ struct Sweep {
     /// sub-folder row's folder).
     std::shared_ptr<UsedIndex> index;
     /// The folders whose files the load looked at (with their separators): the session folder,
-    /// the recordings folders and the sub-folder row's folder.
+    /// the recordings folders and the sub-folder row's folder; a project kind's whole tree.
     QStringList folders;
+    /// The folder the lines of `others` start from (with its separator): the session folder, or
+    /// a project kind's project folder.
+    QString root;
 };
+
+/// A load of sessions of the project kinds (Sweep): each session read with the reader of its
+/// own kind, each reference kept with every file it could name, and the project's whole tree
+/// listed, its lines relative to the project folder.
+Sweep sweepProject(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events,
+                   SessionCache* cache);
+
+/// Every file that the references of the project session `sessionPath`, as `read`, keep, its
+/// relative paths read from `folders` too; `trees` holds the project trees walked so far.
+QStringList filesKeptByReferences(const SessionRead& read, const QString& sessionPath,
+                                  const QStringList& folders, const FileSystem& fs,
+                                  QHash<QString, ProjectTree>& trees);
 
 /// Sessions read once and kept while their file stays as it was (its path, size and time of
 /// change): the other sessions of a folder, which guard its media, are read once however often

@@ -35,6 +35,9 @@ QStringList listedFolders(const SweepRequest& request, const QString& subFolder,
 Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events,
                   SessionCache* cache) {
     const SessionKind& kind = *request.kind;
+    if (kind.projectScope) {
+        return sweepProject(request, fs, events, cache);
+    }
     const bool nothingSelected = !request.wholeFolder && request.selected < 0;
     // The session folder is listed for the other files anyway; listed first, it also tells
     // which of the used files there exist, without a question to the disk for each.

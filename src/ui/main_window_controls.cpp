@@ -183,8 +183,8 @@ QTabBar* MainWindow::createTabStrip(Control& control, QWidget* container) {
     auto* tabs = new QTabBar(container);
     tabs->setExpanding(false);
     tabs->setDrawBase(false);
-    for (const SessionKind& kind : sessionKinds()) {
-        const KindTexts& texts = kindTexts(kind.id);
+    for (const SessionKind* kind : tabKinds()) {
+        const KindTexts& texts = kindTexts(kind->id);
         const int index = tabs->addTab(texts.tabCaption);
         tabs->setTabData(index, texts.tabKey);
         tabs->setTabToolTip(index, texts.tabTooltip);

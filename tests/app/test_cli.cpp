@@ -145,9 +145,9 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          ""},
         {{"audit", library, "--csv"},
          2,
-         "folder,sessions,ses,sesx,xml,rpp,veg,used,missing,reclaimableFiles,reclaimableBytes,"
-         "stopped,reason\n" +
-             band + ",1,0,1,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
+         "folder,sessions,ses,sesx,xml,rpp,veg,als,aup,used,missing,reclaimableFiles,"
+         "reclaimableBytes,stopped,reason\n" +
+             band + ",1,0,1,0,0,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
          library + "/Cut: Reading stopped at \"mix.sesx\""},
         {{"audit", band, "--json"}, 0, "{\n    \"folders\": [\n", ""},
         {{"scan", band, "--all", "--json"}, 0, "{\n    \"folder\": ", ""},
@@ -350,7 +350,8 @@ TEST_P(AuditedGuard, AFileThatASessionOfTheLibraryUsesIsNeverOffered) {
         FileStamp stamp = *FileSystem().fileStamp(session);
         stamp.inode = 0;
         SessionIndex(SessionIndex::defaultFile())
-            .update(session, {stamp, SessionKindId::Sesx, {ReaderOutcome::Read, {}, {}, {}, {}}},
+            .update(session,
+                    {stamp, SessionKindId::Sesx, {ReaderOutcome::Read, {}, {}, {}, {}, {}}},
                     {b + "/shared.wav"});
         ASSERT_TRUE(test::writeFile(b + "/new.wav", "RIFF"));  // B is audited again
     }

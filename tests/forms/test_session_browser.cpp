@@ -60,7 +60,8 @@ protected:
 
 // The sub-folder row shows on the REAPER and Vegas tabs, whose record folder is the session's.
 TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
-    for (const SessionKind& kind : sessionKinds()) {
+    for (const SessionKind* tab : tabKinds()) {
+        const SessionKind& kind = *tab;
         const KindTexts& texts = kindTexts(kind.id);
         SCOPED_TRACE(texts.tabKey.toStdString());
         const bool subFolderRow = kind.id == SessionKindId::Rpp || kind.id == SessionKindId::Veg;
@@ -68,9 +69,9 @@ TEST_F(SessionFolderTest, ATabSwitchSetsTheKindsValuesAndEmptiesBothLists) {
         form.lists().usedFiles().addItem("old.wav", true);
         form.control(u"SESVersionLabel").setText("Audition 3.0");
         form.browser().selectTabByKey(texts.tabKey);
-        EXPECT_EQ(form.browser().sessionFilePattern(), kind.sessionPattern);
+        EXPECT_EQ(form.browser().sessionFilePattern(), tabSessionPattern(kind));
         EXPECT_EQ(form.control(u"ScanAll").text(), texts.scanAllCaption);
-        const QString record = subFolderRow ? dir.path() : "_Recorded";
+        const QString record = subFolderRow || kind.projectScope ? dir.path() : "_Recorded";
         EXPECT_EQ(form.lists().recordFolder(), record);
         EXPECT_EQ(form.control(u"SubFolderName").text(), record);
         EXPECT_EQ(form.control(u"SubFolderName").visible(), subFolderRow);

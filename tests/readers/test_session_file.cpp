@@ -51,6 +51,9 @@ TEST(SessionText, PathsAreUtf8WhenValidElseWindows1252) {
     for (const auto& [bytes, text] : cases) {
         EXPECT_EQ(decodeSessionText(bytes), QString::fromUtf8(text));
         for (const SessionKind& kind : sessionKinds()) {
+            if (kind.projectScope) {
+                continue;  // XML of a declared encoding: bytes of another are damaged
+            }
             EXPECT_EQ(readAs(kind.id, test::sessionBytesOf(kind.id, {bytes})).paths, texts(text))
                 << kind.idText.toStdString() << ": " << text;
         }

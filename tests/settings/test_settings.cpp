@@ -89,7 +89,7 @@ TEST_F(SettingsTest, AHandEditedStoreReadsAsFarAsItCanAndTheSaveTidiesIt) {
         {defaults,
          "WINDOW/Top=high;WINDOW/Left=1,5;SETTINGS/TrimFolders=yes;"
          "SETTINGS/CheckAllFiles=;SETTINGS/KeepPKFiles=on;SETTINGS/ActiveFileTab=0"},
-        {defaults, "WINDOW/Left=1500.4;WINDOW/Top=1e30;SETTINGS/ActiveFileTab=6"},
+        {defaults, "WINDOW/Left=1500.4;WINDOW/Top=1e30;SETTINGS/ActiveFileTab=7"},
         {defaults, "WINDOW/Left=inf;WINDOW/Top=nan;SETTINGS/ActiveFileTab=XML"},
         // Any other number switches a flag on.
         {"1500,-300 xx-- 1 cwd cwd cwd []",

@@ -66,6 +66,26 @@ QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths) {
             }
             lines += {"  >", ">"};
             break;
+        case SessionKindId::Als:
+            // Live 11's form: a path relative to the set's folder, or an absolute one alone.
+            lines = {R"(<?xml version="1.0" encoding="UTF-8"?>)", R"(<Ableton MajorVersion="5">)"};
+            for (const QByteArray& path : paths) {
+                const bool rooted = path.startsWith('/') || path.contains(':');
+                lines.append(R"(<FileRef><RelativePathType Value=")" +
+                             QByteArray(rooted ? "0" : "1") + R"("/><)" +
+                             QByteArray(rooted ? "Path" : "RelativePath") + R"( Value=")" + path +
+                             R"("/></FileRef>)");
+            }
+            lines.append("</Ableton>");
+            break;
+        case SessionKindId::Aup:
+            // Files beside the project, as a compressed copy names them.
+            lines = {R"(<?xml version="1.0"?>)", R"(<project version="1.3.0">)"};
+            for (const QByteArray& path : paths) {
+                lines.append(R"(<import filename=")" + path + R"("/>)");
+            }
+            lines.append("</project>");
+            break;
     }
     return lines.join("\r\n") + "\r\n";
 }

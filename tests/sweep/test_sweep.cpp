@@ -24,7 +24,7 @@ namespace {
 using enum SessionKindId;
 
 QString ext(SessionKindId id) {
-    return sessionKind(id).sessionPattern.mid(1);
+    return sessionKind(id).sessionPattern.section(u';', 0, 0).mid(1);  // ".aup" of "*.aup;*.aup3"
 }
 
 // A session folder on disk and the request the window would make for it.

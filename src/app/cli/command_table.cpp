@@ -23,7 +23,7 @@ QList<OptionHelp> folderOptions() {
     return {
         {{QStringLiteral("kind")},
          QStringLiteral("K"),
-         QStringLiteral("The kind of session: ") + kindNames() +
+         QStringLiteral("The kind of session: ") + sessionKindIdTexts() +
              QStringLiteral(". Without it, the kind of FOLDER's sessions when they are all of one "
                             "kind.")},
         {{QStringLiteral("session")},
@@ -96,7 +96,7 @@ Command mediaCommand() {
                        "names it."),
         {{{QStringLiteral("kind")},
           QStringLiteral("K"),
-          QStringLiteral("The kind: ") + kindNames()},
+          QStringLiteral("The kind: ") + sessionKindIdTexts()},
          {{QStringLiteral("verbose")},
           {},
           QStringLiteral("Also print the binary session's version or REAPER's record folder.")}},
@@ -216,15 +216,6 @@ const Command* findCommand(const QString& name) {
         }
     }
     return nullptr;
-}
-
-QString kindNames() {
-    QStringList names;
-    for (const SessionKind& kind : sessionKinds()) {
-        names.append(kind.idText);
-    }
-    const QString last = names.takeLast();
-    return names.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
 }
 
 QString overviewHelp() {

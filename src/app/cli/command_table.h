@@ -12,8 +12,6 @@ namespace tidewick::cli {
 const QList<Command>& commands();
 /// The command called `name`; nullptr for none.
 const Command* findCommand(const QString& name);
-/// The kinds as --kind takes them: "ses, sesx, xml, rpp or veg".
-QString kindNames();
 /// The text of `tidewick-cli help`: the synopsis of each command and what it does.
 QString overviewHelp();
 

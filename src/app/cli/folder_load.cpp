@@ -4,11 +4,11 @@
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
-#include "app/cli/command_table.h"
 #include "app/cli/console_interaction.h"
 #include "audit/audited_library.h"
 #include "forms/captions.h"
 #include "forms/core_messages.h"
+#include "readers/session_kinds.h"
 #include "text/path_text.h"
 
 namespace tidewick::cli {
@@ -75,7 +75,7 @@ std::optional<QString> takeFolderAndKind(const CommandLine& line, FolderArgument
         parsed.options.kind = sessionKindByIdText(kindName);
         if (parsed.options.kind == nullptr) {
             return QStringLiteral("unknown kind '") + visibleText(kindName) +
-                   QStringLiteral("'; use ") + kindNames();
+                   QStringLiteral("'; use ") + sessionKindIdTexts();
         }
     } else if (parsed.options.kind == nullptr) {
         // The session's name tells the kind, or else the folder's sessions, all of one kind.
@@ -84,7 +84,7 @@ std::optional<QString> takeFolderAndKind(const CommandLine& line, FolderArgument
             parsed.options.kind = kindOfSessionsIn(parsed.options.folder);
         }
         if (parsed.options.kind == nullptr) {
-            return QStringLiteral("--kind is required: ") + kindNames();
+            return QStringLiteral("--kind is required: ") + sessionKindIdTexts();
         }
     }
     return std::nullopt;

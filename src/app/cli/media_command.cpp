@@ -1,7 +1,6 @@
 #include <QFileInfo>
 
 #include "app/cli/cli.h"
-#include "app/cli/command_table.h"
 #include "app/cli/commands.h"
 #include "app/cli/console_interaction.h"
 #include "app/cli/folder_load.h"
@@ -38,9 +37,9 @@ bool parseMediaArguments(const CommandLine& line, MediaOptions& options, QTextSt
     if (options.kind == nullptr) {
         if (kindName.isEmpty()) {
             err << "tidewick-cli media: cannot tell the kind of '" << options.fileName
-                << "' from its extension; give --kind: " << kindNames() << '\n';
+                << "' from its extension; give --kind: " << sessionKindIdTexts() << '\n';
         } else {
-            err << "tidewick-cli media: unknown kind '" << kindName << "'; use " << kindNames()
+            err << "tidewick-cli media: unknown kind '" << kindName << "'; use " << sessionKindIdTexts()
                 << '\n';
         }
         return false;

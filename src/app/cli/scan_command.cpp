@@ -86,12 +86,16 @@ void printFolderJson(const SessionFolder& folder, const QStringList& problems, Q
     const Captions captions = captionsOf(folder);
     QJsonArray used;
     for (const UsedLine& line : shownUsedLines(folder.used())) {
-        used.append(QJsonObject{{QStringLiteral("text"), line.text},
-                                {QStringLiteral("exists"), line.exists},
-                                {QStringLiteral("path"), line.path}});
+        QJsonObject entry{{QStringLiteral("text"), line.text},
+                          {QStringLiteral("exists"), line.exists},
+                          {QStringLiteral("path"), line.path}};
+        if (line.outside) {
+            entry.insert(QStringLiteral("outside"), true);  // in an editor's library or pack
+        }
+        used.append(entry);
     }
     QJsonArray others;
-    const QString sessionFolder = withSeparator(folder.options().folder);
+    const QString sessionFolder = withSeparator(folder.root());
     for (const OtherFile& file : folder.otherFiles()) {
         others.append(
             QJsonObject{{QStringLiteral("text"), file.text},

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+#include <optional>
+
+#include "readers/reader_contract.h"
+
+// The Audacity project. A ".aup" (Audacity 1.x to 2.4) is XML whose audio lives in blockfiles of
+// the project's data folder ("<name>_data", after the .aup file's own name): a blockfile
+// "e0000090.au" lies at "e00/d00/e0000090.au" there, the folders taken from characters 2-3 and
+// 4-5 of its name; the 1.x format (root "audacityproject") keeps its blockfiles in the data folder
+// itself. An alias blockfile names an outside audio file and a summary file in the data folder.
+// A ".aup3" (Audacity 3) is one SQLite database holding its own audio: it names no other file.
+namespace tidewick {
+
+/// Reads the references of a ".aup" project, each of a blockfile relative to the data folder or
+/// of an outside file by its path. Rejected when the bytes are no project (no "project" or
+/// "audacityproject" root); Failed as cut short or damaged when the XML ends early or breaks.
+SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place);
+
+/// Checks the ".aup3" project `fileName` with Qt SQL, opened read-only: a database holding an
+/// Audacity project reads as a session that names no file; any other file, or one that cannot be
+/// opened, fails as damaged. Nothing for a file of another extension, which is read as bytes.
+std::optional<SessionRead> readAup3File(const QString& fileName);
+
+/// Where the blockfile `name` lies in its data folder: "e00/d00/e0000090.au", or the name alone
+/// for the 1.x format (`flat`) and for a name too short to hold its folders.
+QString blockFileLocation(const QString& name, bool flat);
+
+}  // namespace tidewick
