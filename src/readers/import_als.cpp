@@ -94,19 +94,27 @@ FileReference::Base baseOfType(int type) {
     }
 }
 
-// The tokens of a set, as many as are at hand; the FileRefs met become references.
-class LiveSetReader {
+// The FileRefs of a set, each handed over as its own element ("<FileRef>...</FileRef>") and read
+// with an XML reader; the references they make, each file once.
+class FileRefReader {
 public:
-    QXmlStreamReader xml;
-    bool notLive = false;
-    bool rooted = false;  // the Ableton root was met
     QList<FileReference> references;
     QStringList texts;
 
-    // Reads the tokens at hand; false once the XML is broken or no set.
-    bool readAvailable() {
-        while (!xml.atEnd() && !notLive) {
-            switch (xml.readNext()) {
+    // Reads one FileRef element; false when its XML is broken.
+    bool read(QByteArrayView element) {
+        // A set names the same sample in many places, each time in the same words.
+        const QByteArray raw = QByteArray::fromRawData(element.data(), element.size());
+        if (seenElements_.contains(raw)) {
+            return true;
+        }
+        seenElements_.insert(element.toByteArray());
+        xml_.clear();
+        xml_.addData(raw);
+        depth_ = 0;
+        ref_ = {};
+        while (!xml_.atEnd()) {
+            switch (xml_.readNext()) {
                 case QXmlStreamReader::StartElement:
                     start();
                     break;
@@ -115,33 +123,25 @@ public:
                     break;
                 case QXmlStreamReader::Characters:
                     if (inData_ && ref_.dataHex.size() < kMaxDataHex) {
-                        ref_.dataHex += xml.text().toLatin1();
+                        ref_.dataHex += xml_.text().toLatin1();
                     }
                     break;
                 default:
                     break;
             }
         }
-        return !notLive && (xml.error() == QXmlStreamReader::NoError ||
-                            xml.error() == QXmlStreamReader::PrematureEndOfDocumentError);
+        return !xml_.hasError();
     }
 
 private:
-    QString value() const { return xml.attributes().value(QLatin1String("Value")).toString(); }
+    QString value() const { return xml_.attributes().value(QLatin1String("Value")).toString(); }
 
     void start() {
         ++depth_;
-        const QStringView name = xml.name();
-        if (depth_ == 1) {
-            notLive = name != u"Ableton";
-            rooted = !notLive;
-        } else if (refDepth_ < 0 && name == u"FileRef") {
-            refDepth_ = depth_;
-            ref_ = {};
-        } else if (refDepth_ > 0 && depth_ == refDepth_ + 1) {
-            child(name);
-        } else if (inRelativePath_ && depth_ == refDepth_ + 2 && name == u"RelativePathElement") {
-            ref_.dirs.append(xml.attributes().value(QLatin1String("Dir")).toString());
+        if (depth_ == 2) {
+            child(xml_.name());
+        } else if (inRelativePath_ && depth_ == 3 && xml_.name() == u"RelativePathElement") {
+            ref_.dirs.append(xml_.attributes().value(QLatin1String("Dir")).toString());
         }
     }
 
@@ -164,11 +164,10 @@ private:
     }
 
     void end() {
-        if (refDepth_ > 0 && depth_ == refDepth_ + 1) {
+        if (depth_ == 2) {
             inRelativePath_ = inData_ = false;
-        } else if (depth_ == refDepth_) {
+        } else if (depth_ == 1) {
             finish();
-            refDepth_ = -1;
         }
         --depth_;
     }
@@ -221,12 +220,118 @@ private:
         }
     }
 
+    QXmlStreamReader xml_;
     int depth_ = 0;
-    int refDepth_ = -1;
     bool inRelativePath_ = false;
     bool inData_ = false;
     LiveRef ref_;
+    QSet<QByteArray> seenElements_;
     QSet<QString> seen_;
+};
+
+constexpr QByteArrayView kRefStart = "<FileRef";
+constexpr QByteArrayView kRefEnd = "</FileRef>";
+// A FileRef longer than this is no reference Live wrote: the set is damaged.
+constexpr qsizetype kMaxRefBytes = 4 * 1024 * 1024;
+
+// The text of a set, a piece at a time as it is unpacked: its FileRef elements are found by a
+// byte search and read one by one, so that the rest of the set (most of it) costs one scan.
+// Only an element that runs over from one piece into the next is copied.
+class LiveSetScan {
+public:
+    FileRefReader refs;
+    bool notLive = false;  // the text does not begin as a set does
+    bool broken = false;   // a FileRef's XML is broken, or one never ends
+    qint64 scanned = 0;
+
+    void feed(QByteArrayView piece) {
+        if (notLive || broken) {
+            return;
+        }
+        if (scanned == 0) {
+            notLive = !beginsAsSet(piece);
+        }
+        scanned += piece.size();
+        last_ = (last_ + piece.toByteArray()).right(64);
+        if (tail_.isEmpty()) {
+            scan(piece);
+            return;
+        }
+        const QByteArray joined = std::move(tail_) + piece.toByteArray();
+        tail_.clear();
+        scan(joined);
+    }
+
+    // Whether the text ends with the set's closing tag; a set cut short does not.
+    bool closed() const { return endsWithClosing(last_, "</Ableton>"); }
+    // Whether a FileRef began and never ended.
+    bool refLeftOpen() const { return tail_.size() > kRefStart.size(); }
+
+private:
+    static bool beginsAsSet(QByteArrayView text) {
+        qsizetype at = text.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+        for (;;) {
+            while (at < text.size() && QChar::isSpace(uchar(text[at]))) {
+                ++at;
+            }
+            if (!text.sliced(at).startsWith("<?") && !text.sliced(at).startsWith("<!--")) {
+                break;
+            }
+            at = text.indexOf('>', at);  // a declaration, or a comment, before the root
+            if (at < 0) {
+                return false;
+            }
+            ++at;
+        }
+        const QByteArrayView rest = text.sliced(at);
+        return rest.startsWith("<Ableton") && rest.size() > 8 &&
+               (rest[8] == '>' || QChar::isSpace(uchar(rest[8])));
+    }
+
+    void scan(QByteArrayView text) {
+        qsizetype at = 0;
+        for (;;) {
+            const qsizetype start = findBytes(text, kRefStart, at);
+            if (start < 0) {
+                keepPartialStart(text, at);
+                return;
+            }
+            const qsizetype after = start + kRefStart.size();
+            if (after >= text.size()) {
+                tail_ = text.sliced(start).toByteArray();
+                return;
+            }
+            if (text[after] != '>' && !QChar::isSpace(uchar(text[after]))) {
+                at = after;  // another element whose name begins so
+                continue;
+            }
+            const qsizetype end = findBytes(text, kRefEnd, after);
+            if (end < 0) {
+                tail_ = text.sliced(start).toByteArray();
+                broken = tail_.size() > kMaxRefBytes;
+                return;
+            }
+            if (!refs.read(text.sliced(start, end + kRefEnd.size() - start))) {
+                broken = true;
+                return;
+            }
+            at = end + kRefEnd.size();
+        }
+    }
+
+    // Keeps the end of `text` that may be the start of a FileRef the next piece completes.
+    void keepPartialStart(QByteArrayView text, qsizetype from) {
+        for (qsizetype at = std::max(from, text.size() - kRefStart.size()); at < text.size();
+             ++at) {
+            if (kRefStart.startsWith(text.sliced(at))) {
+                tail_ = text.sliced(at).toByteArray();
+                return;
+            }
+        }
+    }
+
+    QByteArray tail_;
+    QByteArray last_;
 };
 
 SessionRead failedRead(ReadFailure failure, const QString& detail) {
@@ -250,46 +355,39 @@ SessionRead readAlsSession(QByteArrayView bytes, const SessionPlace& place) {
         // A repository's stand-in for the set: the set itself, and what it names, are unknown.
         return failedRead(ReadFailure::Damaged, QStringLiteral("a Git LFS pointer, not the set"));
     }
-    // The XML goes to the reader a piece at a time, so neither it nor the unpacked text is
-    // ever held whole.
-    LiveSetReader live;
+    // The set is scanned a piece at a time as it is unpacked, so that its text is never held
+    // whole.
+    LiveSetScan live;
     bool whole = true;
     if (isGzip(bytes)) {
         GunzipPieces pieces(bytes);
         for (QByteArrayView piece = pieces.next(); !piece.isEmpty(); piece = pieces.next()) {
-            live.xml.addData(piece.toByteArray());
-            if (!live.readAvailable()) {
+            live.feed(piece);
+            if (live.notLive || live.broken) {
                 break;
             }
         }
         whole = !pieces.damaged();
     } else {
-        constexpr qsizetype kPiece = 256 * 1024;
-        for (qsizetype at = 0; at < bytes.size(); at += kPiece) {
-            live.xml.addData(bytes.sliced(at, std::min(kPiece, bytes.size() - at)).toByteArray());
-            if (!live.readAvailable()) {
-                break;
-            }
-        }
+        live.feed(bytes);
     }
-    if (live.notLive || (!live.rooted && whole)) {
+    if (live.notLive || (live.scanned == 0 && whole)) {
         return failedRead(ReadFailure::NotThisKind, {});
     }
     if (!whole) {
         return failedRead(ReadFailure::Damaged,
                           QStringLiteral("its gzip stream is cut or damaged"));
     }
-    if (live.xml.error() == QXmlStreamReader::PrematureEndOfDocumentError) {
+    if (live.broken || (live.closed() && live.refLeftOpen())) {
+        return failedRead(ReadFailure::Damaged,
+                          QStringLiteral("a file reference in it is no well-formed XML"));
+    }
+    if (!live.closed()) {
         return failedRead(ReadFailure::CutShort, QStringLiteral("</Ableton>"));
     }
-    if (live.xml.error() != QXmlStreamReader::NoError) {
-        return failedRead(
-            ReadFailure::Damaged,
-            QStringLiteral("line %1: %2").arg(live.xml.lineNumber()).arg(live.xml.errorString()));
-    }
     SessionRead read;
-    read.paths = std::move(live.texts);
-    read.references = std::move(live.references);
+    read.paths = std::move(live.refs.texts);
+    read.references = std::move(live.refs.references);
     return read;
 }
 

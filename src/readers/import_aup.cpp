@@ -5,8 +5,9 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QXmlStreamReader>
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 #include "readers/session_bytes.h"
 
@@ -32,21 +33,29 @@ public:
     QList<FileReference> references;
     QStringList texts;
 
-    void element(QStringView name, const QXmlStreamAttributes& attributes) {
-        const auto value = [&](const char* attribute) {
-            return attributes.value(QLatin1String(attribute)).toString();
+    // Makes room for about `count` files.
+    void reserve(qsizetype count) {
+        references.reserve(count);
+        texts.reserve(count);
+        seen_.reserve(count);
+    }
+
+    // The start tag `tag` of an element named `name`.
+    void element(QByteArrayView name, QByteArrayView tag) {
+        const auto value = [tag](QByteArrayView attribute) {
+            return QString::fromUtf8(tagAttribute(tag, attribute).value_or(QByteArray()));
         };
-        if (name == u"simpleblockfile") {
+        if (name == "simpleblockfile") {
             addBlockFile(value("filename"));
-        } else if (name == u"pcmaliasblockfile" || name == u"odpcmaliasblockfile") {
+        } else if (name == "pcmaliasblockfile" || name == "odpcmaliasblockfile") {
             addBlockFile(value("summaryfile"));
             addOutside(value("aliasfile"));
-        } else if (name == u"legacyblockfile") {
+        } else if (name == "legacyblockfile") {
             addBlockFile(value("name"));
-        } else if (name == u"legacyaliasblockfile") {
+        } else if (name == "legacyaliasblockfile") {
             addBlockFile(value("name"));
             addOutside(value("aliaspath"));
-        } else if (name == u"import") {
+        } else if (name == "import") {
             addOutside(value("filename"));  // a compressed copy's audio beside the project
         }
     }
@@ -77,8 +86,9 @@ private:
     }
 
     void add(FileReference reference, const QString& text) {
-        if (!seen_.contains(text)) {
-            seen_.insert(text);
+        const qsizetype before = seen_.size();
+        seen_.insert(text);
+        if (seen_.size() > before) {
             references.append(std::move(reference));
             texts.append(text);
         }
@@ -93,57 +103,100 @@ QString blockFileLocation(const QString& name, bool flat) {
     if (flat || name.size() < 6) {
         return name;
     }
-    return name.left(3) + QStringLiteral("/d") + name.mid(3, 2) + u'/' + name;
+    QString location;
+    location.reserve(name.size() + 8);
+    location.append(QStringView(name).first(3)).append(QLatin1String("/d"));
+    location.append(QStringView(name).sliced(3, 2)).append(u'/').append(name);
+    return location;
 }
+
+namespace {
+
+constexpr QByteArrayView kBlockFile = "blockfile";
+constexpr QByteArrayView kImport = "<import";
+
+// The elements of a project that may name a file, in the order they stand: those whose name ends
+// in "blockfile", and the imports. Each kind's next one is looked for once.
+class FileElements {
+public:
+    explicit FileElements(QByteArrayView text, qsizetype from)
+        : text_(text), block_(nextBlockFile(from)), import_(nextImport(from)) {}
+
+    // The next element: the position of its "<" and its name; −1 once there are none.
+    std::pair<qsizetype, QByteArrayView> next() {
+        if (block_.first < 0 && import_ < 0) {
+            return {-1, {}};
+        }
+        if (import_ >= 0 && (block_.first < 0 || import_ < block_.first)) {
+            const qsizetype at = std::exchange(import_, nextImport(import_ + 1));
+            return {at, "import"};
+        }
+        // The next is looked for past this one's name.
+        return std::exchange(block_, nextBlockFile(block_.first + 1 + block_.second.size()));
+    }
+
+private:
+    std::pair<qsizetype, QByteArrayView> nextBlockFile(qsizetype from) const {
+        for (qsizetype hit = findBytes(text_, kBlockFile, from); hit >= 0;
+             hit = findBytes(text_, kBlockFile, hit + 1)) {
+            qsizetype start = hit;  // back over the rest of the name
+            while (start > 0 && hit - start < 16 && text_[start - 1] >= 'a' &&
+                   text_[start - 1] <= 'z') {
+                --start;
+            }
+            const QByteArrayView name = text_.sliced(start, hit + kBlockFile.size() - start);
+            if (start > 0 && text_[start - 1] == '<' &&
+                startsElement(text_.sliced(start - 1), name)) {
+                return {start - 1, name};
+            }
+        }
+        return {-1, {}};
+    }
+
+    qsizetype nextImport(qsizetype from) const {
+        for (qsizetype at = findBytes(text_, kImport, from); at >= 0;
+             at = findBytes(text_, kImport, at + 1)) {
+            if (startsElement(text_.sliced(at), "import")) {
+                return at;
+            }
+        }
+        return -1;
+    }
+
+    QByteArrayView text_;
+    std::pair<qsizetype, QByteArrayView> block_;
+    qsizetype import_;
+};
+
+}  // namespace
 
 SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    // The XML goes to the reader a piece at a time, so that its text is never held whole.
-    constexpr qsizetype kPiece = 256 * 1024;
-    QXmlStreamReader xml;
-    qsizetype fed = 0;
-    const auto feed = [&] {
-        const qsizetype size = std::min(kPiece, bytes.size() - fed);
-        if (size > 0) {
-            xml.addData(bytes.sliced(fed, size).toByteArray());
-            fed += size;
-        }
-        return size > 0;
-    };
-    feed();
+    // The project is one scan for the elements that name files, each read from its start tag;
+    // the rest of its XML (tracks, envelopes, labels) names none.
+    const qsizetype root = rootElementStart(bytes);
+    const QByteArrayView rootTag = root < 0 ? QByteArrayView() : bytes.sliced(root);
+    const bool flat = startsElement(rootTag, "audacityproject");
+    if (!flat && !startsElement(rootTag, "project")) {
+        return failedRead(ReadFailure::NotThisKind, {});
+    }
+    const QByteArrayView closing = flat ? "</audacityproject>" : "</project>";
+    if (!endsWithClosing(bytes, closing)) {
+        return failedRead(ReadFailure::CutShort, QString::fromLatin1(closing));
+    }
     AupReferences found;
-    int depth = 0;
-    for (;;) {
-        const QXmlStreamReader::TokenType token = xml.readNext();
-        if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError && feed()) {
-            continue;
+    found.flat = flat;
+    // A project names a blockfile every few hundred bytes, most of them once.
+    found.reserve(std::min<qsizetype>(bytes.size() / 256, 1 << 22));
+    FileElements elements(bytes, root);
+    for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
+        const QByteArrayView tag = startTagAt(bytes, at);
+        if (tag.isEmpty()) {
+            return failedRead(
+                ReadFailure::Damaged,
+                QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
         }
-        if (xml.atEnd()) {
-            break;
-        }
-        if (token == QXmlStreamReader::EndElement) {
-            --depth;
-        } else if (token == QXmlStreamReader::StartElement && ++depth == 1) {
-            if (xml.name() != u"project" && xml.name() != u"audacityproject") {
-                return failedRead(ReadFailure::NotThisKind, {});
-            }
-            found.flat = xml.name() == u"audacityproject";
-        } else if (token == QXmlStreamReader::StartElement) {
-            found.element(xml.name(), xml.attributes());
-        }
-    }
-    if (xml.error() != QXmlStreamReader::NoError && depth == 0 && found.texts.isEmpty() &&
-        xml.lineNumber() <= 2) {
-        return failedRead(ReadFailure::NotThisKind, {});  // no XML, or none of a project
-    }
-    if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError) {
-        return failedRead(ReadFailure::CutShort, found.flat ? QStringLiteral("</audacityproject>")
-                                                            : QStringLiteral("</project>"));
-    }
-    if (xml.error() != QXmlStreamReader::NoError) {
-        return failedRead(
-            ReadFailure::Damaged,
-            QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString()));
+        found.element(name, tag);
     }
     SessionRead read;
     read.paths = std::move(found.texts);

@@ -229,4 +229,96 @@ bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing) {
     return bytes.first(end).endsWith(closing);
 }
 
+namespace {
+
+bool isXmlSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+}  // namespace
+
+qsizetype rootElementStart(QByteArrayView text) {
+    qsizetype at = text.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    for (;;) {
+        while (at < text.size() && isXmlSpace(text[at])) {
+            ++at;
+        }
+        if (at + 1 >= text.size() || text[at] != '<') {
+            return -1;
+        }
+        if (text[at + 1] != '?' && text[at + 1] != '!') {
+            return at;
+        }
+        // A declaration, a comment or a document type before the root.
+        const qsizetype end =
+            text.sliced(at).startsWith("<!--") ? findBytes(text, "-->", at) : text.indexOf('>', at);
+        if (end < 0) {
+            return -1;
+        }
+        at = end + 1;
+    }
+}
+
+bool startsElement(QByteArrayView text, QByteArrayView name) {
+    const qsizetype after = name.size() + 1;
+    return text.size() > after && text[0] == '<' && text.sliced(1).startsWith(name) &&
+           (text[after] == '>' || text[after] == '/' || isXmlSpace(text[after]));
+}
+
+QByteArrayView startTagAt(QByteArrayView text, qsizetype at) {
+    for (qsizetype next = at + 1; next < text.size(); ++next) {
+        const char c = text[next];
+        if (c == '>') {
+            return text.sliced(at, next + 1 - at);
+        }
+        if (c == '"' || c == '\'') {
+            next = text.indexOf(c, next + 1);
+            if (next < 0) {
+                break;
+            }
+        }
+    }
+    return {};
+}
+
+std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name) {
+    const auto skipSpace = [&tag](qsizetype at) {
+        while (at < tag.size() && isXmlSpace(tag[at])) {
+            ++at;
+        }
+        return at;
+    };
+    const auto endsName = [&tag](qsizetype at) {
+        return tag[at] == '=' || tag[at] == '>' || tag[at] == '/' || isXmlSpace(tag[at]);
+    };
+    qsizetype at = 1;  // past the "<"
+    while (at < tag.size() && !endsName(at)) {
+        ++at;  // the element's name
+    }
+    // Each attribute in turn: its name, "=", and its value in quotes.
+    for (;;) {
+        const qsizetype nameStart = at = skipSpace(at);
+        while (at < tag.size() && !endsName(at)) {
+            ++at;
+        }
+        const QByteArrayView attribute = tag.sliced(nameStart, at - nameStart);
+        at = skipSpace(at);
+        if (attribute.isEmpty() || at >= tag.size() || tag[at] != '=') {
+            return std::nullopt;  // the tag's end, or no attribute as XML writes one
+        }
+        at = skipSpace(at + 1);
+        if (at >= tag.size() || (tag[at] != '"' && tag[at] != '\'')) {
+            return std::nullopt;
+        }
+        const qsizetype close = tag.indexOf(tag[at], at + 1);
+        if (close < 0) {
+            return std::nullopt;
+        }
+        if (attribute == name) {
+            return decodeXmlEscapes(tag.sliced(at + 1, close - at - 1));
+        }
+        at = close + 1;
+    }
+}
+
 }  // namespace tidewick

@@ -83,6 +83,17 @@ inline ReadProblem cutShortProblem(SessionKindId kind, const QString& closing) {
 /// The most bytes a media path can have; a longer text in a session names no file.
 constexpr qsizetype kMaxPathBytes = 32768;
 
+/// Where the root element of the XML text `text` begins (its "<"), past a byte order mark, the
+/// declaration, comments and a document type; −1 when the text holds no element there.
+qsizetype rootElementStart(QByteArrayView text);
+/// Whether the element at the start of `text` ("<project version=...") is named `name`.
+bool startsElement(QByteArrayView text, QByteArrayView name);
+/// The start tag that begins at `at` (its "<") of `text`, up to and with its ">", quoted values
+/// passed over whole (a ">" may stand in one); empty when it never ends.
+QByteArrayView startTagAt(QByteArrayView text, qsizetype at);
+/// The value of the attribute `name` of the start tag `tag` ("<a href='x' n=\"1\"/>"), in double or
+/// single quotes, its XML escapes decoded; nothing when the tag has no such attribute.
+std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name);
 /// `text` with every XML escape decoded in one pass from left to right: "&amp;", "&apos;",
 /// "&quot;", "&lt;", "&gt;" and the numeric "&#N;" and "&#xH;" (as UTF-8). So "&amp;lt;" gives
 /// "&lt;"; an ampersand that begins no escape stays as it is.

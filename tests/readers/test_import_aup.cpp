@@ -61,8 +61,11 @@ TEST(AupReader, RefusesWhatIsNoWholeProject) {
         "<simpleblockfile filename=\"e0000001.au\"/>\n</project>\n";
     const std::tuple<const char*, QByteArray, ReaderOutcome, ReadFailure> cases[] = {
         {"cut short", project.chopped(12), ReaderOutcome::Failed, ReadFailure::CutShort},
-        {"broken", QByteArray(project).replace("</project>", "</p>"), ReaderOutcome::Failed,
+        {"an element that never ends",
+         QByteArray(project).replace("e0000001.au\"/>", "e0000001.au/>"), ReaderOutcome::Failed,
          ReadFailure::Damaged},
+        {"closed by another tag", QByteArray(project).replace("</project>", "</p>"),
+         ReaderOutcome::Failed, ReadFailure::CutShort},
         {"another XML", "<?xml version=\"1.0\"?><sesx/>", ReaderOutcome::Rejected,
          ReadFailure::NotThisKind},
         {"a database named .aup", QByteArray("SQLite format 3\0", 16) + QByteArray(100, '\0'),
