@@ -40,7 +40,7 @@ public:
             lines_.insert(line.path);
             if (line.exists || !line.keptFile.isEmpty()) {
                 ++report.used;
-            } else {
+            } else if (!line.outside) {  // an editor's library is not the folder's to relink
                 report.missing.append({line.text, line.path, line.sessions, {}});
             }
         }

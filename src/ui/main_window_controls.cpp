@@ -183,6 +183,11 @@ QTabBar* MainWindow::createTabStrip(Control& control, QWidget* container) {
     auto* tabs = new QTabBar(container);
     tabs->setExpanding(false);
     tabs->setDrawBase(false);
+    // Every kind's tab stays in sight: six captions fit the strip with narrower margins, and a
+    // longer one is cut short rather than scrolled out of sight.
+    tabs->setUsesScrollButtons(false);
+    tabs->setElideMode(Qt::ElideRight);
+    tabs->setStyleSheet(QStringLiteral("QTabBar::tab { padding: 3px 6px; }"));
     for (const SessionKind* kind : tabKinds()) {
         const KindTexts& texts = kindTexts(kind->id);
         const int index = tabs->addTab(texts.tabCaption);
