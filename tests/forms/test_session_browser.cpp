@@ -100,6 +100,38 @@ TEST_F(SessionFolderTest, TheCheckBoxesReloadOnlyASelectedSession) {
               "D:/y/b.wav\nUsed by b.rpp");  // which session uses it
 }
 
+// The "More" tab lists the sessions of the newer kinds together, and loads each with its own
+// kind's reader; "Check All" reads them all.
+TEST_F(SessionFolderTest, TheMoreTabListsTheNewerKindsTogetherAndReadsEachAsItsKind) {
+    ASSERT_TRUE(writeFile(dir.filePath("Song.als"),
+                          R"(<?xml version="1.0"?><Ableton><FileRef><RelativePathType Value="1"/>)"
+                          R"(<RelativePath Value="take.wav"/></FileRef></Ableton>)"));
+    ASSERT_TRUE(writeFile(dir.filePath("podcast.aup"),
+                          R"(<?xml version="1.0"?><project version="1.3.0">)"
+                          R"(<simpleblockfile filename="e0000001.au"/></project>)"));
+    writeSession("mix.rpp", SessionKindId::Rpp, {"vox.wav"});
+    form.browser().selectTabByKey("MoreFiles");
+    form.browser().refreshSessionFiles();
+    QStringList listed = form.control(u"SESFile").items();
+    listed.sort(Qt::CaseInsensitive);
+    EXPECT_EQ(listed, QStringList({"podcast.aup", "Song.als"}));
+    const auto endings = [this] {
+        QStringList found;
+        for (const QString& line : usedLines()) {
+            found << line.section('/', -1);
+        }
+        return found;
+    };
+    select("Song.als");
+    EXPECT_EQ(endings(), QStringList{"take.wav"});
+    select("podcast.aup");
+    EXPECT_EQ(endings(), QStringList{"e0000001.au"});
+    form.control(u"ScanAll").setChecked(true);
+    QStringList all = endings();
+    all.sort();
+    EXPECT_EQ(all, QStringList({"e0000001.au", "take.wav"}));
+}
+
 // A drive that cannot be opened is reported and the browser stays; a folder that cannot be
 // opened is passed over; any other folder is listed and empties both lists.
 TEST_F(SessionFolderTest, TheBrowserGoesOnlyWhereItCanAndEmptiesTheListsWhenItGoes) {
