@@ -8,6 +8,7 @@
 #include "readers/import_veg.h"
 #include "readers/import_xml.h"
 #include "readers/session_bytes.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -58,9 +59,9 @@ const QList<SessionKind>& sessionKinds() {
 }
 
 const SessionKind* sessionKindForFile(const QString& fileName) {
-    const QString extension = GetExtensionName(fileName).toLower();
+    const QString extension = lowerCase(GetExtensionName(fileName));
     for (const SessionKind& kind : sessionKinds()) {
-        if (kind.sessionPattern.mid(2) == extension) {
+        if (QStringView(kind.sessionPattern).mid(2) == extension) {
             return &kind;
         }
     }
@@ -69,12 +70,12 @@ const SessionKind* sessionKindForFile(const QString& fileName) {
 
 const SessionKind* sessionKindForName(const QString& name, bool* backup) {
     for (const SessionKind& kind : sessionKinds()) {
-        for (const QString& pattern : {kind.sessionPattern, kind.backupPattern}) {
-            const QString ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
-            if (!pattern.isEmpty() && name.size() > ending.size() &&
-                name.endsWith(ending, Qt::CaseInsensitive)) {
+        for (const QString* pattern : {&kind.sessionPattern, &kind.backupPattern}) {
+            const QStringView ending = QStringView(*pattern).mid(1);  // ".rpp", ".rpp-bak"
+            if (!pattern->isEmpty() && name.size() > ending.size() &&
+                endsWithIgnoringCase(name, ending)) {
                 if (backup) {
-                    *backup = pattern == kind.backupPattern;
+                    *backup = pattern == &kind.backupPattern;
                 }
                 return &kind;
             }

@@ -1,4 +1,5 @@
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 #include "text/pattern_list.h"
 #include "text/wildcard.h"
@@ -77,14 +78,14 @@ private:
         }
         listedFolders_.insert(folder);
         const QList<FolderEntry> entries = fs_.listFiles(folder);
-        const QString ignoreUpper = sessionToIgnore.toUpper();
+        const QString ignoreUpper = upperCase(sessionToIgnore);
         const QString usedFolderKey = usedKey(folder);
 
         QList<const FolderEntry*> peakFiles;
         for (const FolderEntry& entry : entries) {
             // A name ending in the peak extension is exactly one that the peak pattern selects:
             // such files have their own pass below.
-            if (entry.name.endsWith(peakSuffix_, Qt::CaseInsensitive)) {
+            if (endsWithIgnoringCase(entry.name, peakSuffix_)) {
                 if (request_.peaksListed) {
                     peakFiles.append(&entry);
                 }
@@ -93,7 +94,8 @@ private:
             if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
                 continue;
             }
-            if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
+            if (!ignoreUpper.isEmpty() &&
+                wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
                 continue;
             }
             const QString key = usedFolderKey + usedKey(entry.name);
@@ -137,7 +139,7 @@ private:
             if (secondTrim) {
                 base = GetBaseName(base);
             }
-            if (request_.keepPeaks && used_.ownsPeak(base.toUpper(), secondTrim)) {
+            if (request_.keepPeaks && used_.ownsPeak(upperCase(base), secondTrim)) {
                 continue;
             }
             if (!kept(folder, prefix, *entry, folderKey + usedKey(entry->name))) {

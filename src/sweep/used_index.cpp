@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 // The used test: the lines of a load as hash sets, so that the other-files computation asks a
@@ -8,12 +9,10 @@
 namespace tidewick {
 
 QString usedKey(const QString& name) {
-    for (const QChar c : name) {
-        if (c.unicode() >= 0x80) {
-            return name.normalized(QString::NormalizationForm_C).toUpper();
-        }
+    if (!isAscii(name)) {
+        return name.normalized(QString::NormalizationForm_C).toUpper();
     }
-    return name.toUpper();
+    return upperCase(name);
 }
 
 UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder, bool trimmed,
@@ -43,9 +42,9 @@ void UsedIndex::notePeakOwner(const QString& path) {
     static const QSet<QString> kMediaExtensions = {
         QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
         QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    const QString extension = GetExtensionName(path).toLower();
+    const QString extension = lowerCase(GetExtensionName(path));
     if (kMediaExtensions.contains(extension)) {
-        const QString base = GetBaseName(path).toUpper();
+        const QString base = upperCase(GetBaseName(path));
         mediaOwners_.insert(base);
         if (extension == QLatin1String("wav")) {
             wavOwners_.insert(base);

@@ -3,6 +3,7 @@
 
 #include "readers/import_rpp.h"
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
@@ -211,7 +212,7 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
     QString folder = GetParentFolderName(path);
     // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
     // record folder the test always holds, so one folder level always stays.
-    if (folder.right(recordFolder.size()).toUpper() == recordFolder.toUpper()) {
+    if (upperCase(folder.right(recordFolder.size())) == upperCase(recordFolder)) {
         folder = GetParentFolderName(folder);
     }
     // The folder and the separator after it go; that separator may be "\" or "/", whichever

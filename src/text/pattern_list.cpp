@@ -1,5 +1,6 @@
 #include "text/pattern_list.h"
 
+#include "text/letter_case.h"
 #include "text/wildcard.h"
 
 namespace tidewick {
@@ -31,9 +32,9 @@ bool PatternList::matches(const QString& fileName) const {
     if (matchesEveryName()) {
         return true;
     }
-    const QString upper = fileName.toUpper();
+    const UpperCased upper(fileName);
     for (const QString& pattern : upperFilters_) {
-        if (wildcardMatch(upper, pattern)) {
+        if (wildcardMatch(upper.view(), pattern)) {
             return true;
         }
     }
