@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <numeric>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #ifdef Q_OS_UNIX
@@ -23,10 +26,10 @@ namespace tidewick {
 
 namespace {
 
-// Sorted by name ignoring case, as the folder lists of the window show files; names that differ
-// only in letter case keep a fixed order among themselves.
+// The order of `entries` by their names lower-cased, as UTF-16 code units compare; names that
+// differ only in letter case by the names themselves.
 template <typename Entry>
-void sortByName(QList<Entry>& entries) {
+std::vector<qsizetype> orderByLowered(const QList<Entry>& entries) {
     std::vector<std::pair<QString, qsizetype>> keys;
     keys.reserve(size_t(entries.size()));
     for (qsizetype i = 0; i < entries.size(); ++i) {
@@ -38,10 +41,58 @@ void sortByName(QList<Entry>& entries) {
         }
         return entries[a.second].name < entries[b.second].name;
     });
+    std::vector<qsizetype> order;
+    order.reserve(keys.size());
+    for (const auto& key : keys) {
+        order.push_back(key.second);
+    }
+    return order;
+}
+
+// The same order when every name is ASCII (else empty): then a byte compares as its code unit
+// does, and each name lower-cased is its bytes with A-Z moved, held in one buffer.
+template <typename Entry>
+std::vector<qsizetype> orderByAsciiBytes(const QList<Entry>& entries) {
+    qsizetype total = 0;
+    for (const Entry& entry : entries) {
+        if (!QtPrivate::isAscii(entry.name)) {
+            return {};
+        }
+        total += 2 * entry.name.size();
+    }
+    std::string bytes(size_t(total), '\0');
+    std::vector<std::pair<std::string_view, std::string_view>> names;  // lowered, as written
+    names.reserve(size_t(entries.size()));
+    char* out = bytes.data();
+    for (const Entry& entry : entries) {
+        const auto size = size_t(entry.name.size());
+        for (size_t i = 0; i < size; ++i) {
+            const char c = char(entry.name[qsizetype(i)].unicode());
+            out[size + i] = c;
+            out[i] = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
+        }
+        names.emplace_back(std::string_view(out, size), std::string_view(out + size, size));
+        out += 2 * size;
+    }
+    std::vector<qsizetype> order(names.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(),
+              [&](qsizetype a, qsizetype b) { return names[size_t(a)] < names[size_t(b)]; });
+    return order;
+}
+
+// Sorted by name ignoring case, as the folder lists of the window show files; names that differ
+// only in letter case keep a fixed order among themselves.
+template <typename Entry>
+void sortByName(QList<Entry>& entries) {
+    std::vector<qsizetype> order = orderByAsciiBytes(entries);
+    if (order.empty()) {
+        order = orderByLowered(entries);
+    }
     QList<Entry> sorted;
     sorted.reserve(entries.size());
-    for (const auto& key : keys) {
-        sorted.append(std::move(entries[key.second]));
+    for (const qsizetype at : order) {
+        sorted.append(std::move(entries[at]));
     }
     entries = std::move(sorted);
 }
@@ -190,6 +241,9 @@ QList<SubFolder> readSubFolders(const QString& folder) {
 
 #ifdef Q_OS_UNIX
 QString decodeFileName(QByteArrayView bytes) {
+    if (QtPrivate::isAscii(QLatin1StringView(bytes))) {
+        return QString::fromLatin1(bytes);  // most names: one pass, no decoding
+    }
     if (QUtf8StringView(bytes).isValidUtf8()) {
         return QString::fromUtf8(bytes);
     }
