@@ -77,8 +77,12 @@ QStringList filesNamedBy(const QString& written, const QString& folder, const Se
     QStringList files = {rooted ? path : folder + path};
     for (const QString& shortened :
          {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
-        if (!shortened.isEmpty() && !files.contains(folder + shortened)) {
-            files.append(folder + shortened);
+        if (shortened.isEmpty()) {
+            continue;
+        }
+        QString file = folder + shortened;
+        if (!files.contains(file)) {
+            files.append(std::move(file));
         }
     }
     return files;

@@ -42,11 +42,19 @@ void UsedIndex::notePeakOwner(const QString& path) {
     static const QSet<QString> kMediaExtensions = {
         QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
         QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    const QString extension = lowerCase(GetExtensionName(path));
-    if (kMediaExtensions.contains(extension)) {
-        const QString base = upperCase(GetBaseName(path));
+    // The name's base and extension, as GetBaseName and GetExtensionName give them.
+    const QString name = GetFileName(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    if (dot < 0) {
+        return;  // no extension, no media
+    }
+    const QStringView extension = QStringView(name).sliced(dot + 1);
+    const bool wav =
+        extension.compare(QLatin1StringView("wav"), Qt::CaseInsensitive) == 0 && isAscii(extension);
+    if (wav || kMediaExtensions.contains(lowerCase(extension.toString()))) {
+        const QString base = upperCase(name.left(dot));
         mediaOwners_.insert(base);
-        if (extension == QLatin1String("wav")) {
+        if (wav || lowerCase(extension.toString()) == QLatin1String("wav")) {
             wavOwners_.insert(base);
         }
     }

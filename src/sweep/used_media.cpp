@@ -224,7 +224,7 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
     QString folder = GetParentFolderName(path);
     // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
     // record folder the test always holds, so one folder level always stays.
-    if (upperCase(folder.right(recordFolder.size())) == upperCase(recordFolder)) {
+    if (sameUpperCase(QStringView(folder).right(recordFolder.size()), recordFolder)) {
         folder = GetParentFolderName(folder);
     }
     // The folder and the separator after it go; that separator may be "\" or "/", whichever

@@ -56,6 +56,18 @@ QString lowerCase(const QString& text) {
     return converted(text, u'A', u'Z', 32, [](const QString& t) { return t.toLower(); });
 }
 
+bool sameUpperCase(QStringView a, QStringView b) {
+    if (!isAscii(a) || !isAscii(b)) {
+        return upperCase(a.toString()) == upperCase(b.toString());
+    }
+    const auto upper = [](QChar c) {
+        return c >= u'a' && c <= u'z' ? char16_t(c.unicode() - 32) : c.unicode();
+    };
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [&](QChar x, QChar y) {
+               return upper(x) == upper(y);
+           });
+}
+
 bool endsWithIgnoringCase(QStringView text, QStringView ending) {
     Q_ASSERT(isAscii(ending));
     if (ending.size() > text.size()) {

@@ -17,6 +17,9 @@ QString upperCase(const QString& text);
 /// `text` lower-cased as QString::toLower() does it.
 QString lowerCase(const QString& text);
 
+/// Whether `a` and `b` upper-cased (as upperCase) are the same text.
+bool sameUpperCase(QStringView a, QStringView b);
+
 /// Whether `text` ends with `ending` (ASCII alone, such as an extension), ignoring letter case
 /// as QString::endsWith() does.
 bool endsWithIgnoringCase(QStringView text, QStringView ending);
