@@ -1,4 +1,6 @@
 #include "platform/file_system.h"
+#include "platform/name_order.h"
+#include "platform/on_cores.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -6,11 +8,10 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
-#include <numeric>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #ifdef Q_OS_UNIX
@@ -26,69 +27,12 @@ namespace tidewick {
 
 namespace {
 
-// The order of `entries` by their names lower-cased, as UTF-16 code units compare; names that
-// differ only in letter case by the names themselves.
-template <typename Entry>
-std::vector<qsizetype> orderByLowered(const QList<Entry>& entries) {
-    std::vector<std::pair<QString, qsizetype>> keys;
-    keys.reserve(size_t(entries.size()));
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        keys.emplace_back(entries[i].name.toLower(), i);
-    }
-    std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
-        if (const int c = a.first.compare(b.first); c != 0) {
-            return c < 0;
-        }
-        return entries[a.second].name < entries[b.second].name;
-    });
-    std::vector<qsizetype> order;
-    order.reserve(keys.size());
-    for (const auto& key : keys) {
-        order.push_back(key.second);
-    }
-    return order;
-}
-
-// The same order when every name is ASCII (else empty): then a byte compares as its code unit
-// does, and each name lower-cased is its bytes with A-Z moved, held in one buffer.
-template <typename Entry>
-std::vector<qsizetype> orderByAsciiBytes(const QList<Entry>& entries) {
-    qsizetype total = 0;
-    for (const Entry& entry : entries) {
-        if (!QtPrivate::isAscii(entry.name)) {
-            return {};
-        }
-        total += 2 * entry.name.size();
-    }
-    std::string bytes(size_t(total), '\0');
-    std::vector<std::pair<std::string_view, std::string_view>> names;  // lowered, as written
-    names.reserve(size_t(entries.size()));
-    char* out = bytes.data();
-    for (const Entry& entry : entries) {
-        const auto size = size_t(entry.name.size());
-        for (size_t i = 0; i < size; ++i) {
-            const char c = char(entry.name[qsizetype(i)].unicode());
-            out[size + i] = c;
-            out[i] = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
-        }
-        names.emplace_back(std::string_view(out, size), std::string_view(out + size, size));
-        out += 2 * size;
-    }
-    std::vector<qsizetype> order(names.size());
-    std::iota(order.begin(), order.end(), 0);
-    std::sort(order.begin(), order.end(),
-              [&](qsizetype a, qsizetype b) { return names[size_t(a)] < names[size_t(b)]; });
-    return order;
-}
-
 // Sorted by name ignoring case, as the folder lists of the window show files; names that differ
 // only in letter case keep a fixed order among themselves.
 template <typename Entry>
 void sortByName(QList<Entry>& entries) {
-    std::vector<qsizetype> order = orderByAsciiBytes(entries);
-    if (order.empty()) {
-        order = orderByLowered(entries);
-    }
+    const std::vector<qsizetype> order = orderByName(
+        entries.size(), [&entries](qsizetype at) -> const QString& { return entries[at].name; });
     QList<Entry> sorted;
     sorted.reserve(entries.size());
     for (const qsizetype at : order) {
@@ -124,9 +68,54 @@ qsizetype utf8SequenceLength(QByteArrayView bytes) {
     return length;
 }
 
-// One readdir pass and one stat per file: the directory entry's type says whether a name is a
-// file or a link, and the stat gives the size (of the target, for a link) in the same call.
-// The folders themselves (no links to them) go into `folders`, when given.
+// A name of a folder's reading, before the stat that tells what it is: its text, where its bytes
+// begin in the reading's buffer, and what the directory entry says of it.
+struct Named {
+    QString name;
+    size_t bytesAt;
+    unsigned char type;
+    quint64 inode;
+};
+
+// What one stat made of a name: nothing to list, a folder, or a file.
+struct Statted {
+    enum { Nothing, Folder, File } what = Nothing;
+    qint64 size = 0;
+    bool link = false;
+    FileId id;
+};
+
+// The directory entry's type says whether a name is a file or a link, and the stat gives the
+// size (of the target, for a link) in the same call.
+Statted statNamed(int fd, const char* name, const Named& named, quint64 device) {
+    struct stat info {};
+    bool link = named.type == DT_LNK;
+    bool isFolder = named.type == DT_DIR;
+    if (named.type == DT_UNKNOWN) {
+        if (::fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+            return {};
+        }
+        link = S_ISLNK(info.st_mode);
+        isFolder = S_ISDIR(info.st_mode);
+    }
+    if (isFolder) {
+        return {Statted::Folder, 0, false, {}};
+    }
+    if (named.type != DT_REG && named.type != DT_LNK && named.type != DT_UNKNOWN) {
+        return {};  // a pipe, socket or device
+    }
+    if (::fstatat(fd, name, &info, link ? 0 : AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(info.st_mode)) {
+        return {};  // a broken link, or one that leads to no ordinary file
+    }
+    // The entry's own inode: for a link the link's, not its target's.
+    const FileId id =
+        link ? FileId{device, named.inode} : FileId{quint64(info.st_dev), quint64(info.st_ino)};
+    return {Statted::File, qint64(info.st_size), link, id};
+}
+
+// One readdir pass, then one stat per name, a large folder's shared among the cores. The folders
+// themselves (no links to them) go into `folders`, when given; both lists keep the reading's
+// order.
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
                               const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
     QList<FolderEntry> entries;
@@ -137,44 +126,41 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     const int fd = ::dirfd(dir);
     struct stat self {};
     const quint64 device = ::fstat(fd, &self) == 0 ? quint64(self.st_dev) : 0;
+    std::string bytes;  // every name kept, each ending in its NUL
+    std::vector<Named> named;
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
         }
-        const QString decoded = decodeFileName(name);
+        QString decoded = decodeFileName(name);
         if (wanted && !wanted(decoded)) {
             continue;
         }
-        struct stat info {};
-        bool link = entry->d_type == DT_LNK;
-        bool isFolder = entry->d_type == DT_DIR;
-        if (entry->d_type == DT_UNKNOWN) {
-            if (::fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-                continue;
-            }
-            link = S_ISLNK(info.st_mode);
-            isFolder = S_ISDIR(info.st_mode);
-        }
-        if (isFolder) {
-            if (folders != nullptr) {
-                folders->append(decoded);
-            }
-            continue;
-        }
-        if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) {
-            continue;  // a folder, pipe, socket or device
-        }
-        if (::fstatat(fd, name, &info, link ? 0 : AT_SYMLINK_NOFOLLOW) != 0 ||
-            !S_ISREG(info.st_mode)) {
-            continue;  // a broken link, or one that leads to no ordinary file
-        }
-        // The entry's own inode: for a link the link's, not its target's.
-        const FileId id = link ? FileId{device, quint64(entry->d_ino)}
-                               : FileId{quint64(info.st_dev), quint64(info.st_ino)};
-        entries.append({decoded, qint64(info.st_size), link, id});
+        named.push_back({std::move(decoded), bytes.size(), entry->d_type, quint64(entry->d_ino)});
+        bytes.append(name).push_back('\0');
     }
+    constexpr size_t kShare = 1024;  // names a core takes at a time
+    std::vector<Statted> statted(named.size());
+    std::atomic<size_t> next{0};
+    onCores(qsizetype(named.size() / (4 * kShare)) + 1, [&](bool) {
+        for (size_t from = next.fetch_add(kShare); from < named.size();
+             from = next.fetch_add(kShare)) {
+            for (size_t i = from; i < std::min(from + kShare, named.size()); ++i) {
+                statted[i] = statNamed(fd, bytes.data() + named[i].bytesAt, named[i], device);
+            }
+        }
+    });
     ::closedir(dir);
+    entries.reserve(qsizetype(named.size()));
+    for (size_t i = 0; i < named.size(); ++i) {
+        if (statted[i].what == Statted::File) {
+            entries.append(
+                {std::move(named[i].name), statted[i].size, statted[i].link, statted[i].id});
+        } else if (statted[i].what == Statted::Folder && folders != nullptr) {
+            folders->append(std::move(named[i].name));
+        }
+    }
     return entries;
 }
 
