@@ -80,6 +80,7 @@ private:
         const QList<FolderEntry> entries = fs_.listFiles(folder);
         const QString ignoreUpper = upperCase(sessionToIgnore);
         const QString usedFolderKey = usedKey(folder);
+        QString key = usedFolderKey;  // each file's key, made in place
 
         QList<const FolderEntry*> peakFiles;
         for (const FolderEntry& entry : entries) {
@@ -98,10 +99,10 @@ private:
                 wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
                 continue;
             }
-            const QString key = usedFolderKey + usedKey(entry.name);
+            keyInPlace(key, usedFolderKey.size(), entry.name);
             if (!used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id) &&
                 !kept(folder, prefix, entry, key)) {
-                add(prefix + entry.name, entry);
+                add(prefix.isEmpty() ? entry.name : prefix + entry.name, entry);
             }
         }
         if (request_.peaksListed) {
@@ -143,16 +144,37 @@ private:
                 continue;
             }
             if (!kept(folder, prefix, *entry, folderKey + usedKey(entry->name))) {
-                add(prefix + entry->name, *entry);
+                add(prefix.isEmpty() ? entry->name : prefix + entry->name, *entry);
             }
         }
     }
 
-    void add(const QString& text, const FolderEntry& entry) {
-        if (!texts_.contains(text)) {
-            texts_.insert(text);
-            files_.append({text, entry.size});  // the listing's size is the file's
+    // The used key (usedKey) of the file `name` of the folder whose key is the first
+    // `folderKeySize` characters of `key`, written over the rest of `key`: an ASCII name is
+    // upper-cased into it without a copy of its own.
+    static void keyInPlace(QString& key, qsizetype folderKeySize, const QString& name) {
+        key.truncate(folderKeySize);
+        if (isAscii(name)) {
+            key.append(UpperCased(name).view());
+        } else {
+            key.append(usedKey(name));
         }
+    }
+
+    void add(const QString& text, const FolderEntry& entry) {
+        // The names of one folder differ: only a later folder may give a text listed already.
+        if (listedFolders_.size() > 1) {
+            if (texts_.isEmpty()) {
+                for (const OtherFile& file : files_) {
+                    texts_.insert(file.text);
+                }
+            }
+            if (texts_.contains(text)) {
+                return;
+            }
+            texts_.insert(text);
+        }
+        files_.append({text, entry.size});  // the listing's size is the file's
     }
 
     void idle() const {
