@@ -128,16 +128,21 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     const quint64 device = ::fstat(fd, &self) == 0 ? quint64(self.st_dev) : 0;
     std::string bytes;  // every name kept, each ending in its NUL
     std::vector<Named> named;
+    QString decoded;  // written over while the names it held are passed over
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
         }
-        QString decoded = decodeFileName(name);
+        if (QtPrivate::isAscii(QLatin1StringView(name))) {
+            decoded = QLatin1StringView(name);  // the same text as decodeFileName gives
+        } else {
+            decoded = decodeFileName(name);
+        }
         if (wanted && !wanted(decoded)) {
             continue;
         }
-        named.push_back({std::move(decoded), bytes.size(), entry->d_type, quint64(entry->d_ino)});
+        named.push_back({decoded, bytes.size(), entry->d_type, quint64(entry->d_ino)});
         bytes.append(name).push_back('\0');
     }
     constexpr size_t kShare = 1024;  // names a core takes at a time

@@ -4,6 +4,7 @@
 
 #include "text/letter_case.h"
 #include "text/path_text.h"
+#include "text/pattern_list.h"
 #include "text/wildcard.h"
 
 namespace tidewick {
@@ -62,6 +63,24 @@ TEST(CleanHostPath, DropsDotPartsDoubleAndTrailingSeparators) {
     for (const char* path : {"/a/b.wav", "/a//b", "/a/./b", "/a/../b", "./a", "a/", "/", "/a/.b",
                              "/a/b/.", "..", "a/b.c/d"}) {
         EXPECT_EQ(cleanHostPath(path), QDir::toNativeSeparators(QDir::cleanPath(path))) << path;
+    }
+}
+
+// A pattern list matches a name when one of its patterns matches both upper-cased, whichever way
+// it takes for a pattern that is "*" and a plain ending.
+TEST(PatternList, MatchesWhereAPatternMatchesBothUpperCased) {
+    const QStringList names = {"a.SESX", "x.sesx2", "\u00df.wav", "take1.Wav",
+                               "b.ss",   ".sesx",   "S"};
+    for (const char* list : {"*.sesx", "*.WAV; *.aif", "*.*", "take?.wav", "*.\u00df", "*s", "*"}) {
+        const PatternList patterns(QString::fromUtf8(list));
+        for (const QString& name : names) {
+            bool expected = false;
+            for (const QString& pattern : splitPatternList(QString::fromUtf8(list))) {
+                const QString upper = pattern == u"*.*" ? u"*"_qs : pattern.toUpper();
+                expected = expected || wildcardMatch(name.toUpper(), upper);
+            }
+            EXPECT_EQ(patterns.matches(name), expected) << list << " ~ " << name.toStdString();
+        }
     }
 }
 
