@@ -52,16 +52,14 @@ void UsedIndex::notePeakOwner(const QString& path) {
     const bool wav =
         extension.compare(QLatin1StringView("wav"), Qt::CaseInsensitive) == 0 && isAscii(extension);
     if (wav || kMediaExtensions.contains(lowerCase(extension.toString()))) {
-        const QString base = upperCase(name.left(dot));
-        mediaOwners_.insert(base);
-        if (wav || lowerCase(extension.toString()) == QLatin1String("wav")) {
-            wavOwners_.insert(base);
-        }
+        bool& ownedByWav = mediaOwners_[upperCase(name.left(dot))];
+        ownedByWav = ownedByWav || wav || lowerCase(extension.toString()) == QLatin1String("wav");
     }
 }
 
 bool UsedIndex::ownsPeak(const QString& base, bool anyMedia) const {
-    return (anyMedia ? mediaOwners_ : wavOwners_).contains(base) ||
+    const auto owned = mediaOwners_.constFind(base);
+    return (owned != mediaOwners_.constEnd() && (anyMedia || *owned)) ||
            std::any_of(guards_.cbegin(), guards_.cend(),
                        [&](const auto& guard) { return guard->ownsPeak(base, anyMedia); });
 }
