@@ -214,9 +214,10 @@ int main(int argc, char** argv) {
     CounterReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("medians of each iteration's own figures; plain reads timed beside every load\n");
-    for (const auto& [name, label] : {std::pair{"BM_FirstLoad", "first load (every session read)"},
-                                      std::pair{"BM_SteadyLoad", "steady load (sessions known)"}}) {
-        const auto counter = [&](const char* what) { return reporter.counter(name, what); };
+    for (const auto& run : {std::pair{"BM_FirstLoad", "first load (every session read)"},
+                            std::pair{"BM_SteadyLoad", "steady load (sessions known)"}}) {
+        const char* label = run.second;
+        const auto counter = [&](const char* what) { return reporter.counter(run.first, what); };
         if (counter("plain_ms") <= 0) {
             continue;
         }

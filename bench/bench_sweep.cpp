@@ -102,20 +102,16 @@ void BM_CheckMarkChange(benchmark::State& state) {
     }
 }
 
-BENCHMARK(BM_PlainListing)
-    ->Arg(kSizes[0])
-    ->Arg(kSizes[1])
-    ->Arg(kSizes[2])
-    ->Arg(kSizes[3])
-    ->Unit(benchmark::kMillisecond)
-    ->MinTime(2.0);
-BENCHMARK(BM_SessionLoad)
-    ->Arg(kSizes[0])
-    ->Arg(kSizes[1])
-    ->Arg(kSizes[2])
-    ->Arg(kSizes[3])
-    ->Unit(benchmark::kMillisecond)
-    ->MinTime(2.0);
+// Runs a benchmark once for each folder size.
+void atEachSize(benchmark::internal::Benchmark* runs) {
+    for (const int files : kSizes) {
+        runs->Arg(files);
+    }
+    runs->Unit(benchmark::kMillisecond)->MinTime(2.0);
+}
+
+BENCHMARK(BM_PlainListing)->Apply(atEachSize);
+BENCHMARK(BM_SessionLoad)->Apply(atEachSize);
 BENCHMARK(BM_CheckMarkChange)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 }  // namespace
