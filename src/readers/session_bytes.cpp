@@ -108,48 +108,51 @@ QByteArrayView LineReader::next() {
     return bytes_.sliced(begin, end - begin);
 }
 
-qsizetype LineReader::anyOfFrom(qsizetype from, QByteArrayView chars) const {
-    Q_ASSERT(!chars.isEmpty() && chars.size() <= 4);
+qsizetype LineReader::lineStartAt(qsizetype hit) const {
+    const char* data = bytes_.data();
+    qsizetype start = hit;
+    while (start > pos_ && (data[start - 1] == ' ' || data[start - 1] == '\t')) {
+        --start;
+    }
+    const bool afterLineEnd =
+        start == pos_ || data[start - 1] == '\r' ||
+        (data[start - 1] == '\n' &&
+         (lineFeedEndsLine_ || (start - 2 >= pos_ && data[start - 2] == '\r')));
+    return afterLineEnd ? start : -1;
+}
+
+void LineReader::skipLinesNotBeginningWith(QByteArrayView firsts) {
+    Q_ASSERT(!firsts.isEmpty() && firsts.size() <= 4);
     const char* data = bytes_.data();
     const qsizetype size = bytes_.size();
+    // A line's first character is one of `firsts` with nothing but blanks and tabs before it
+    // back to a line end, or back to where this reader stands, which is a line's start. Each
+    // such character is looked for sixteen bytes at a time, and every one found is tested.
+    qsizetype from = pos_;
 #ifdef __SSE2__
     __m128i wanted[4];
     for (qsizetype i = 0; i < 4; ++i) {
-        wanted[i] = _mm_set1_epi8(chars[std::min(i, chars.size() - 1)]);
+        wanted[i] = _mm_set1_epi8(firsts[std::min(i, firsts.size() - 1)]);
     }
     for (; from + 16 <= size; from += 16) {
         const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from));
         const __m128i hits = _mm_or_si128(
             _mm_or_si128(_mm_cmpeq_epi8(chunk, wanted[0]), _mm_cmpeq_epi8(chunk, wanted[1])),
             _mm_or_si128(_mm_cmpeq_epi8(chunk, wanted[2]), _mm_cmpeq_epi8(chunk, wanted[3])));
-        if (const auto mask = unsigned(_mm_movemask_epi8(hits)); mask != 0) {
-            return from + std::countr_zero(mask);
+        for (auto mask = unsigned(_mm_movemask_epi8(hits)); mask != 0; mask &= mask - 1) {
+            if (const qsizetype start = lineStartAt(from + std::countr_zero(mask)); start >= 0) {
+                pos_ = start;
+                return;
+            }
         }
     }
 #endif
     for (; from < size; ++from) {
-        if (chars.contains(data[from])) {
-            return from;
-        }
-    }
-    return size;
-}
-
-void LineReader::skipLinesNotBeginningWith(QByteArrayView firsts) {
-    const char* data = bytes_.data();
-    const qsizetype size = bytes_.size();
-    // A line's first character is one of `firsts` with nothing but blanks and tabs before it
-    // back to a line end, or back to where this reader stands, which is a line's start.
-    for (qsizetype hit = anyOfFrom(pos_, firsts); hit < size; hit = anyOfFrom(hit + 1, firsts)) {
-        qsizetype start = hit;
-        while (start > pos_ && (data[start - 1] == ' ' || data[start - 1] == '\t')) {
-            --start;
-        }
-        if (start == pos_ || data[start - 1] == '\r' ||
-            (data[start - 1] == '\n' &&
-             (lineFeedEndsLine_ || (start - 2 >= pos_ && data[start - 2] == '\r')))) {
-            pos_ = start;
-            return;
+        if (std::find(firsts.begin(), firsts.end(), data[from]) != firsts.end()) {
+            if (const qsizetype start = lineStartAt(from); start >= 0) {
+                pos_ = start;
+                return;
+            }
         }
     }
     pos_ = size;

@@ -44,17 +44,17 @@ public:
     QByteArrayView next();
 
     /// Passes over the lines whose first character other than blanks and tabs is none of
-    /// `firsts`, empty lines among them: the next line handed out is the first that begins with
-    /// one of them, or none is left.
+    /// `firsts` (at most four), empty lines among them: the next line handed out is the first that
+    /// begins with one of them, or none is left.
     void skipLinesNotBeginningWith(QByteArrayView firsts);
 
 private:
     // The first line end (CR, or LF where it ends a line) at or after `from`, or the end of the
     // bytes: sixteen bytes a step where the processor compares them at once.
     qsizetype lineEndFrom(qsizetype from) const;
-    // The first position at or after `from` that holds one of `chars` (at most four), or the end
-    // of the bytes.
-    qsizetype anyOfFrom(qsizetype from, QByteArrayView chars) const;
+    // Where the line begins whose first character other than blanks and tabs stands at `hit`,
+    // or -1 when another character stands before it on its line.
+    qsizetype lineStartAt(qsizetype hit) const;
     // The start of the line after the one that ends at `end`.
     qsizetype pastLineEnd(qsizetype end) const;
 
