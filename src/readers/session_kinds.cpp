@@ -75,7 +75,7 @@ const SessionKind* sessionKindForName(const QString& name, bool* backup) {
             if (!pattern->isEmpty() && name.size() > ending.size() &&
                 endsWithIgnoringCase(name, ending)) {
                 if (backup) {
-                    *backup = pattern == &kind.backupPattern;
+                    *backup = *pattern == kind.backupPattern;
                 }
                 return &kind;
             }

@@ -144,8 +144,6 @@ void SessionCache::setGuard(const QString& folders,
 
 namespace {
 
-// What the sessions `guards`, read as `read`, keep, named as the session folder names them; nothing
-// when one of them could not be read (its name in `stoppedAt`, its problem told).
 // The files that the paths of each session read, `read`, name (filesNamedBy), worked out on the
 // cores at hand: a function of the paths alone.
 std::vector<QStringList> filesNamedByEach(const QList<Guard>& guards,
@@ -167,6 +165,8 @@ std::vector<QStringList> filesNamedByEach(const QList<Guard>& guards,
     return named;
 }
 
+// What the sessions `guards`, read as `read`, keep, named as the session folder names them; nothing
+// when one of them could not be read (its name in `stoppedAt`, its problem told).
 std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<SessionRead>& read,
                                   const QString& sessionFolder, const FileSystem& fs,
                                   const SweepEvents& events, QString* stoppedAt) {

@@ -69,15 +69,17 @@ bool sameUpperCase(QStringView a, QStringView b) {
 }
 
 bool endsWithIgnoringCase(QStringView text, QStringView ending) {
-    Q_ASSERT(isAscii(ending));
     if (ending.size() > text.size()) {
         return false;
     }
     const QStringView tail = text.last(ending.size());
+    if (!isAscii(ending)) {
+        return tail.compare(ending, Qt::CaseInsensitive) == 0;
+    }
     const auto lowered = [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c; };
     // From the end, where names differ most. A character beyond ASCII may fold to an ASCII
-    // letter (the Kelvin sign to "k"), so Qt's own comparison judges such a tail; a tail of
-    // ASCII alone differs from the ending at the first letter that differs.
+    // letter (the Kelvin sign to "k"), so Qt's own comparison judges a tail that holds one; an
+    // ASCII character that differs from the ending's at its place decides before that.
     for (qsizetype i = ending.size(); i-- > 0;) {
         const char16_t unit = tail[i].unicode();
         if (unit >= 0x80) {

@@ -20,8 +20,8 @@ QString lowerCase(const QString& text);
 /// Whether `a` and `b` upper-cased (as upperCase) are the same text.
 bool sameUpperCase(QStringView a, QStringView b);
 
-/// Whether `text` ends with `ending` (ASCII alone, such as an extension), ignoring letter case
-/// as QString::endsWith() does.
+/// Whether `text` ends with `ending`, ignoring letter case as QString::endsWith() does; quick for
+/// an ASCII ending such as an extension.
 bool endsWithIgnoringCase(QStringView text, QStringView ending);
 
 /// `text` upper-cased (as upperCase) for a test that keeps nothing: short ASCII text is held
