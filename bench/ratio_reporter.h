@@ -17,8 +17,10 @@ public:
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-                // Keyed by the name as registered, without "/min_time:..." and similar suffixes.
-                seconds_[run.run_name.function_name] =
+                // Keyed by the name as registered and its arguments ("BM_Load/25000"), without
+                // "/min_time:..." and similar suffixes.
+                const std::string& args = run.run_name.args;
+                seconds_[run.run_name.function_name + (args.empty() ? "" : "/" + args)] =
                     run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
             }
         }

@@ -1,4 +1,6 @@
 #include "platform/file_system.h"
+#include "platform/name_order.h"
+#include "platform/on_cores.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -6,8 +8,10 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
+#include <string>
 #include <vector>
 
 #ifdef Q_OS_UNIX
@@ -27,21 +31,12 @@ namespace {
 // only in letter case keep a fixed order among themselves.
 template <typename Entry>
 void sortByName(QList<Entry>& entries) {
-    std::vector<std::pair<QString, qsizetype>> keys;
-    keys.reserve(size_t(entries.size()));
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        keys.emplace_back(entries[i].name.toLower(), i);
-    }
-    std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
-        if (const int c = a.first.compare(b.first); c != 0) {
-            return c < 0;
-        }
-        return entries[a.second].name < entries[b.second].name;
-    });
+    const std::vector<qsizetype> order = orderByName(
+        entries.size(), [&entries](qsizetype at) -> const QString& { return entries[at].name; });
     QList<Entry> sorted;
     sorted.reserve(entries.size());
-    for (const auto& key : keys) {
-        sorted.append(std::move(entries[key.second]));
+    for (const qsizetype at : order) {
+        sorted.append(std::move(entries[at]));
     }
     entries = std::move(sorted);
 }
@@ -73,9 +68,54 @@ qsizetype utf8SequenceLength(QByteArrayView bytes) {
     return length;
 }
 
-// One readdir pass and one stat per file: the directory entry's type says whether a name is a
-// file or a link, and the stat gives the size (of the target, for a link) in the same call.
-// The folders themselves (no links to them) go into `folders`, when given.
+// A name of a folder's reading, before the stat that tells what it is: its text, where its bytes
+// begin in the reading's buffer, and what the directory entry says of it.
+struct Named {
+    QString name;
+    size_t bytesAt;
+    unsigned char type;
+    quint64 inode;
+};
+
+// What one stat made of a name: nothing to list, a folder, or a file.
+struct Statted {
+    enum { Nothing, Folder, File } what = Nothing;
+    qint64 size = 0;
+    bool link = false;
+    FileId id;
+};
+
+// The directory entry's type says whether a name is a file or a link, and the stat gives the
+// size (of the target, for a link) in the same call.
+Statted statNamed(int fd, const char* name, const Named& named, quint64 device) {
+    struct stat info {};
+    bool link = named.type == DT_LNK;
+    bool isFolder = named.type == DT_DIR;
+    if (named.type == DT_UNKNOWN) {
+        if (::fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
+            return {};
+        }
+        link = S_ISLNK(info.st_mode);
+        isFolder = S_ISDIR(info.st_mode);
+    }
+    if (isFolder) {
+        return {Statted::Folder, 0, false, {}};
+    }
+    if (named.type != DT_REG && named.type != DT_LNK && named.type != DT_UNKNOWN) {
+        return {};  // a pipe, socket or device
+    }
+    if (::fstatat(fd, name, &info, link ? 0 : AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(info.st_mode)) {
+        return {};  // a broken link, or one that leads to no ordinary file
+    }
+    // The entry's own inode: for a link the link's, not its target's.
+    const FileId id =
+        link ? FileId{device, named.inode} : FileId{quint64(info.st_dev), quint64(info.st_ino)};
+    return {Statted::File, qint64(info.st_size), link, id};
+}
+
+// One readdir pass, then one stat per name, a large folder's shared among the cores. The folders
+// themselves (no links to them) go into `folders`, when given; both lists keep the reading's
+// order.
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
                               const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
     QList<FolderEntry> entries;
@@ -86,44 +126,46 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     const int fd = ::dirfd(dir);
     struct stat self {};
     const quint64 device = ::fstat(fd, &self) == 0 ? quint64(self.st_dev) : 0;
+    std::string bytes;  // every name kept, each ending in its NUL
+    std::vector<Named> named;
+    QString decoded;  // written over while the names it held are passed over
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
         }
-        const QString decoded = decodeFileName(name);
+        if (QtPrivate::isAscii(QLatin1StringView(name))) {
+            decoded = QLatin1StringView(name);  // the same text as decodeFileName gives
+        } else {
+            decoded = decodeFileName(name);
+        }
         if (wanted && !wanted(decoded)) {
             continue;
         }
-        struct stat info {};
-        bool link = entry->d_type == DT_LNK;
-        bool isFolder = entry->d_type == DT_DIR;
-        if (entry->d_type == DT_UNKNOWN) {
-            if (::fstatat(fd, name, &info, AT_SYMLINK_NOFOLLOW) != 0) {
-                continue;
-            }
-            link = S_ISLNK(info.st_mode);
-            isFolder = S_ISDIR(info.st_mode);
-        }
-        if (isFolder) {
-            if (folders != nullptr) {
-                folders->append(decoded);
-            }
-            continue;
-        }
-        if (entry->d_type != DT_REG && entry->d_type != DT_LNK && entry->d_type != DT_UNKNOWN) {
-            continue;  // a folder, pipe, socket or device
-        }
-        if (::fstatat(fd, name, &info, link ? 0 : AT_SYMLINK_NOFOLLOW) != 0 ||
-            !S_ISREG(info.st_mode)) {
-            continue;  // a broken link, or one that leads to no ordinary file
-        }
-        // The entry's own inode: for a link the link's, not its target's.
-        const FileId id = link ? FileId{device, quint64(entry->d_ino)}
-                               : FileId{quint64(info.st_dev), quint64(info.st_ino)};
-        entries.append({decoded, qint64(info.st_size), link, id});
+        named.push_back({decoded, bytes.size(), entry->d_type, quint64(entry->d_ino)});
+        bytes.append(name).push_back('\0');
     }
+    constexpr size_t kShare = 1024;  // names a core takes at a time
+    std::vector<Statted> statted(named.size());
+    std::atomic<size_t> next{0};
+    onCores(qsizetype(named.size() / (4 * kShare)) + 1, [&](bool) {
+        for (size_t from = next.fetch_add(kShare); from < named.size();
+             from = next.fetch_add(kShare)) {
+            for (size_t i = from; i < std::min(from + kShare, named.size()); ++i) {
+                statted[i] = statNamed(fd, bytes.data() + named[i].bytesAt, named[i], device);
+            }
+        }
+    });
     ::closedir(dir);
+    entries.reserve(qsizetype(named.size()));
+    for (size_t i = 0; i < named.size(); ++i) {
+        if (statted[i].what == Statted::File) {
+            entries.append(
+                {std::move(named[i].name), statted[i].size, statted[i].link, statted[i].id});
+        } else if (statted[i].what == Statted::Folder && folders != nullptr) {
+            folders->append(std::move(named[i].name));
+        }
+    }
     return entries;
 }
 
@@ -190,6 +232,9 @@ QList<SubFolder> readSubFolders(const QString& folder) {
 
 #ifdef Q_OS_UNIX
 QString decodeFileName(QByteArrayView bytes) {
+    if (QtPrivate::isAscii(QLatin1StringView(bytes))) {
+        return QString::fromLatin1(bytes);  // most names: one pass, no decoding
+    }
     if (QUtf8StringView(bytes).isValidUtf8()) {
         return QString::fromUtf8(bytes);
     }

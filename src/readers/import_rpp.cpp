@@ -137,6 +137,12 @@ public:
         depth_ = 1;
         ReaperFacts& facts = read.reaper.emplace();
         while (!lines_.atEnd()) {
+            // Only a line that begins with one of these opens or closes a block, names a
+            // source or the record path: the others are passed over unread.
+            lines_.skipLinesNotBeginningWith("<>RB");
+            if (lines_.atEnd()) {
+                break;
+            }
             const QByteArrayView line = nextLine();
             if (beginsWith(line, kRecordPath)) {
                 facts.recordPaths.append(recordPathLine(line));

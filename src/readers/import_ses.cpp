@@ -49,6 +49,8 @@ public:
     SesWalk(QByteArrayView bytes, SesFacts& facts) : bytes_(bytes), facts_(facts) {}
 
     QString error;
+    /// The path of each record read so far, blanks trimmed.
+    QStringList paths;
 
     bool fail(const char* description) {
         error = QString::fromLatin1(description);
@@ -148,6 +150,8 @@ public:
             const QByteArrayView nameBytes = nonZeroBytes(buffer, scratch);
             QString name = decodeSessionText(nameBytes);
             name.truncate(kFileNameLength);
+            // Its path, blanks trimmed, is taken now, while the name is at hand.
+            paths.append(trimBlanks(name));
             facts_.records.append({value, std::move(name), header.ChunkID});
 
             // The next entry starts right after the name and its terminating zero, not at the
@@ -237,6 +241,7 @@ bool walkChunks(SesWalk& walk, SessionRead& read) {
                                                facts.version,
                                                {}};
                     facts.records.clear();
+                    walk.paths.clear();
                     return true;
                 }
             }
@@ -282,10 +287,7 @@ SessionRead readSesSession(QByteArrayView bytes, const SessionPlace& place) {
         read.problem = ReadProblem{
             ReadFailure::Damaged, SessionKindId::Ses, ReadSeverity::Error, walk.error, {}};
     }
-    read.paths.reserve(read.ses->records.size());
-    for (const SesMediaRecord& record : read.ses->records) {
-        read.paths.append(trimBlanks(record.FileName));
-    }
+    read.paths = std::move(walk.paths);
     return read;
 }
 

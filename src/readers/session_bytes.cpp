@@ -14,8 +14,14 @@
 #include <cerrno>
 #endif
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 #include <limits>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace tidewick {
 
@@ -60,34 +66,96 @@ FileBytes readSessionBytes(const QString& fileName) {
     return {std::move(bytes), {}};
 }
 
-qsizetype LineReader::nextOf(char c, qsizetype& cached) const {
-    if (cached < pos_) {
-        const auto* hit = static_cast<const char*>(
-            std::memchr(bytes_.data() + pos_, c, size_t(bytes_.size() - pos_)));
-        cached = hit == nullptr ? bytes_.size() : hit - bytes_.data();
+qsizetype LineReader::lineEndFrom(qsizetype from) const {
+    const char* data = bytes_.data();
+    const qsizetype size = bytes_.size();
+    const char lineFeed = lineFeedEndsLine_ ? '\n' : '\r';
+#ifdef __SSE2__
+    const __m128i cr = _mm_set1_epi8('\r');
+    const __m128i lf = _mm_set1_epi8(lineFeed);
+    for (; from + 16 <= size; from += 16) {
+        const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from));
+        const auto hits = unsigned(
+            _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(chunk, cr), _mm_cmpeq_epi8(chunk, lf))));
+        if (hits != 0) {
+            return from + std::countr_zero(hits);
+        }
     }
-    return cached;
+#endif
+    for (; from < size; ++from) {
+        if (data[from] == '\r' || data[from] == lineFeed) {
+            return from;
+        }
+    }
+    return size;
+}
+
+qsizetype LineReader::pastLineEnd(qsizetype end) const {
+    if (end >= bytes_.size()) {
+        return bytes_.size();
+    }
+    const qsizetype next = end + 1;  // past the CR or LF itself
+    return bytes_[end] == '\r' && next < bytes_.size() && bytes_[next] == '\n' ? next + 1 : next;
 }
 
 QByteArrayView LineReader::next() {
-    const qsizetype size = bytes_.size();
     const qsizetype begin = pos_;
-    if (begin >= size) {
+    if (begin >= bytes_.size()) {
         return {};
     }
-    qsizetype end = nextOf('\r', nextCr_);
-    if (lineFeedEndsLine_) {
-        end = qMin(end, nextOf('\n', nextLf_));
+    const qsizetype end = lineEndFrom(begin);
+    pos_ = pastLineEnd(end);
+    return bytes_.sliced(begin, end - begin);
+}
+
+qsizetype LineReader::lineStartAt(qsizetype hit) const {
+    const char* data = bytes_.data();
+    qsizetype start = hit;
+    while (start > pos_ && (data[start - 1] == ' ' || data[start - 1] == '\t')) {
+        --start;
     }
-    pos_ = end;
-    if (pos_ < size) {
-        const char* data = bytes_.data();
-        ++pos_;  // the CR or LF itself
-        if (data[end] == '\r' && pos_ < size && data[pos_] == '\n') {
-            ++pos_;
+    const bool afterLineEnd =
+        start == pos_ || data[start - 1] == '\r' ||
+        (data[start - 1] == '\n' &&
+         (lineFeedEndsLine_ || (start - 2 >= pos_ && data[start - 2] == '\r')));
+    return afterLineEnd ? start : -1;
+}
+
+void LineReader::skipLinesNotBeginningWith(QByteArrayView firsts) {
+    Q_ASSERT(!firsts.isEmpty() && firsts.size() <= 4);
+    const char* data = bytes_.data();
+    const qsizetype size = bytes_.size();
+    // A line's first character is one of `firsts` with nothing but blanks and tabs before it
+    // back to a line end, or back to where this reader stands, which is a line's start. Each
+    // such character is looked for sixteen bytes at a time, and every one found is tested.
+    qsizetype from = pos_;
+#ifdef __SSE2__
+    __m128i wanted[4];
+    for (qsizetype i = 0; i < 4; ++i) {
+        wanted[i] = _mm_set1_epi8(firsts[std::min(i, firsts.size() - 1)]);
+    }
+    for (; from + 16 <= size; from += 16) {
+        const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from));
+        const __m128i hits = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(chunk, wanted[0]), _mm_cmpeq_epi8(chunk, wanted[1])),
+            _mm_or_si128(_mm_cmpeq_epi8(chunk, wanted[2]), _mm_cmpeq_epi8(chunk, wanted[3])));
+        for (auto mask = unsigned(_mm_movemask_epi8(hits)); mask != 0; mask &= mask - 1) {
+            if (const qsizetype start = lineStartAt(from + std::countr_zero(mask)); start >= 0) {
+                pos_ = start;
+                return;
+            }
         }
     }
-    return bytes_.sliced(begin, end - begin);
+#endif
+    for (; from < size; ++from) {
+        if (std::find(firsts.begin(), firsts.end(), data[from]) != firsts.end()) {
+            if (const qsizetype start = lineStartAt(from); start >= 0) {
+                pos_ = start;
+                return;
+            }
+        }
+    }
+    pos_ = size;
 }
 
 QByteArrayView trimmedLine(QByteArrayView line) {

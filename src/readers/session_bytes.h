@@ -43,16 +43,24 @@ public:
     /// The next line, without its line end.
     QByteArrayView next();
 
+    /// Passes over the lines whose first character other than blanks and tabs is none of
+    /// `firsts` (at most four), empty lines among them: the next line handed out is the first that
+    /// begins with one of them, or none is left.
+    void skipLinesNotBeginningWith(QByteArrayView firsts);
+
 private:
-    // The next position at or after pos_ holding `c`, or the end; found with memchr and kept
-    // until the reader passes it, so each byte is searched once per character.
-    qsizetype nextOf(char c, qsizetype& cached) const;
+    // The first line end (CR, or LF where it ends a line) at or after `from`, or the end of the
+    // bytes: sixteen bytes a step where the processor compares them at once.
+    qsizetype lineEndFrom(qsizetype from) const;
+    // Where the line begins whose first character other than blanks and tabs stands at `hit`,
+    // or -1 when another character stands before it on its line.
+    qsizetype lineStartAt(qsizetype hit) const;
+    // The start of the line after the one that ends at `end`.
+    qsizetype pastLineEnd(qsizetype end) const;
 
     QByteArrayView bytes_;
     qsizetype pos_ = 0;
     bool lineFeedEndsLine_;
-    qsizetype nextCr_ = -1;
-    qsizetype nextLf_ = -1;
 };
 
 /// Removes leading and trailing blanks (code 32); tabs stay.

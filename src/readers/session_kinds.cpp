@@ -11,6 +11,7 @@
 #include "readers/import_veg.h"
 #include "readers/import_xml.h"
 #include "readers/session_bytes.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -86,7 +87,7 @@ QString tabSessionPattern(const SessionKind& kind) {
 }
 
 const SessionKind* sessionKindForFile(const QString& fileName) {
-    const QString extension = GetExtensionName(fileName).toLower();
+    const QString extension = lowerCase(GetExtensionName(fileName));
     for (const SessionKind& kind : sessionKinds()) {
         for (const QString& pattern : patternsOf(kind.sessionPattern)) {
             if (pattern.mid(2) == extension) {
@@ -103,7 +104,7 @@ const SessionKind* sessionKindForName(const QString& name, bool* backup) {
             // A pattern text may hold several: "*.aup;*.aup3".
             for (const QStringView pattern : QStringTokenizer{*joined, u';', Qt::SkipEmptyParts}) {
                 const QStringView ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
-                if (name.size() > ending.size() && name.endsWith(ending, Qt::CaseInsensitive)) {
+                if (name.size() > ending.size() && endsWithIgnoringCase(name, ending)) {
                     if (backup) {
                         *backup = joined == &kind.backupPattern;
                     }

@@ -1,4 +1,5 @@
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 #include "text/pattern_list.h"
 #include "text/wildcard.h"
@@ -87,8 +88,9 @@ private:
         }
         listedFolders_.insert(folder);
         const QList<FolderEntry> entries = fs_.listFiles(folder);
-        const QString ignoreUpper = sessionToIgnore.toUpper();
+        const QString ignoreUpper = upperCase(sessionToIgnore);
         const QString usedFolderKey = usedKey(folder);
+        QString key = usedFolderKey;  // each file's key, made in place
 
         QList<const FolderEntry*> peakFiles;
         for (const FolderEntry& entry : entries) {
@@ -97,7 +99,7 @@ private:
             if (kind_.projectScope && partOfProjectSession(entry.name)) {
                 continue;  // a set, a project or its database's companions: never offered
             }
-            if (!peakSuffix_.isEmpty() && entry.name.endsWith(peakSuffix_, Qt::CaseInsensitive)) {
+            if (!peakSuffix_.isEmpty() && endsWithIgnoringCase(entry.name, peakSuffix_)) {
                 if (request_.peaksListed) {
                     peakFiles.append(&entry);
                 }
@@ -106,13 +108,14 @@ private:
             if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
                 continue;
             }
-            if (!ignoreUpper.isEmpty() && wildcardMatch(entry.name.toUpper(), ignoreUpper)) {
+            if (!ignoreUpper.isEmpty() &&
+                wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
                 continue;
             }
-            const QString key = usedFolderKey + usedKey(entry.name);
+            keyInPlace(key, usedFolderKey.size(), entry.name);
             if (!used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id) &&
                 !kept(folder, prefix, entry, key)) {
-                add(prefix + entry.name, entry);
+                add(prefix.isEmpty() ? entry.name : prefix + entry.name, entry);
             }
         }
         if (request_.peaksListed) {
@@ -150,20 +153,41 @@ private:
             if (secondTrim) {
                 base = GetBaseName(base);
             }
-            if (request_.keepPeaks && used_.ownsPeak(base.toUpper(), secondTrim)) {
+            if (request_.keepPeaks && used_.ownsPeak(upperCase(base), secondTrim)) {
                 continue;
             }
             if (!kept(folder, prefix, *entry, folderKey + usedKey(entry->name))) {
-                add(prefix + entry->name, *entry);
+                add(prefix.isEmpty() ? entry->name : prefix + entry->name, *entry);
             }
         }
     }
 
-    void add(const QString& text, const FolderEntry& entry) {
-        if (!texts_.contains(text)) {
-            texts_.insert(text);
-            files_.append({text, entry.size});  // the listing's size is the file's
+    // The used key (usedKey) of the file `name` of the folder whose key is the first
+    // `folderKeySize` characters of `key`, written over the rest of `key`: an ASCII name is
+    // upper-cased into it without a copy of its own.
+    static void keyInPlace(QString& key, qsizetype folderKeySize, const QString& name) {
+        key.truncate(folderKeySize);
+        if (isAscii(name)) {
+            key.append(UpperCased(name).view());
+        } else {
+            key.append(usedKey(name));
         }
+    }
+
+    void add(const QString& text, const FolderEntry& entry) {
+        // The names of one folder differ: only a later folder may give a text listed already.
+        if (listedFolders_.size() > 1) {
+            if (texts_.isEmpty()) {
+                for (const OtherFile& file : files_) {
+                    texts_.insert(file.text);
+                }
+            }
+            if (texts_.contains(text)) {
+                return;
+            }
+            texts_.insert(text);
+        }
+        files_.append({text, entry.size});  // the listing's size is the file's
     }
 
     void idle() const {

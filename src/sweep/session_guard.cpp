@@ -77,8 +77,12 @@ QStringList filesNamedBy(const QString& written, const QString& folder, const Se
     QStringList files = {rooted ? path : folder + path};
     for (const QString& shortened :
          {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
-        if (!shortened.isEmpty() && !files.contains(folder + shortened)) {
-            files.append(folder + shortened);
+        if (shortened.isEmpty()) {
+            continue;
+        }
+        QString file = folder + shortened;
+        if (!files.contains(file)) {
+            files.append(std::move(file));
         }
     }
     return files;
@@ -140,12 +144,34 @@ void SessionCache::setGuard(const QString& folders,
 
 namespace {
 
+// The files that the paths of each session read, `read`, name (filesNamedBy), worked out on the
+// cores at hand: a function of the paths alone.
+std::vector<QStringList> filesNamedByEach(const QList<Guard>& guards,
+                                          const QList<SessionRead>& read) {
+    std::vector<QStringList> named(size_t(guards.size()));
+    std::atomic<qsizetype> next{0};
+    onCores(std::min<qsizetype>(8, guards.size()), [&](bool) {
+        for (qsizetype i = next++; i < guards.size(); i = next++) {
+            if (read[i].outcome != ReaderOutcome::Read || guards[i].kind->projectScope) {
+                continue;  // a project kind keeps by its references
+            }
+            for (const QString& path : read[i].paths) {
+                for (const QString& from : guards[i].folders) {
+                    named[size_t(i)] += filesNamedBy(path, from, *guards[i].kind);
+                }
+            }
+        }
+    });
+    return named;
+}
+
 // What the sessions `guards`, read as `read`, keep, named as the session folder names them; nothing
 // when one of them could not be read (its name in `stoppedAt`, its problem told).
 std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<SessionRead>& read,
                                   const QString& sessionFolder, const FileSystem& fs,
                                   const SweepEvents& events, QString* stoppedAt) {
     auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
+    const std::vector<QStringList> named = filesNamedByEach(guards, read);
     const QString folder = withSeparator(sessionFolder);
     QHash<QString, ProjectTree> trees;  // the project kinds' trees, each walked once
     for (qsizetype i = 0; i < guards.size(); ++i) {
@@ -178,12 +204,8 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
                 table->hide(guard.path + QLatin1String(companion), fs);
             }
         } else {
-            for (const QString& path : read[i].paths) {
-                for (const QString& from : guard.folders) {
-                    for (const QString& file : filesNamedBy(path, from, *guard.kind)) {
-                        table->keep(file, name, fs);
-                    }
-                }
+            for (const QString& file : named[size_t(i)]) {
+                table->keep(file, name, fs);
             }
         }
         if (!guard.backup || guard.kind->projectScope) {

@@ -171,7 +171,8 @@ public:
 
 private:
     bool trimmed_;
-    QSet<QString> files_, lines_, wavOwners_, mediaOwners_;
+    QSet<QString> files_, lines_;
+    QHash<QString, bool> mediaOwners_;  // the base names of media, each whether a "wav" has it
     QSet<FileId> ids_;
     QList<QStringList> keepers_;  // by kept file
     QHash<QString, qsizetype> keptKeys_;

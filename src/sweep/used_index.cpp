@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 // The used test: the lines of a load as hash sets, so that the other-files computation asks a
@@ -8,12 +9,10 @@
 namespace tidewick {
 
 QString usedKey(const QString& name) {
-    for (const QChar c : name) {
-        if (c.unicode() >= 0x80) {
-            return name.normalized(QString::NormalizationForm_C).toUpper();
-        }
+    if (!isAscii(name)) {
+        return name.normalized(QString::NormalizationForm_C).toUpper();
     }
-    return name.toUpper();
+    return upperCase(name);
 }
 
 UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder, bool trimmed,
@@ -43,18 +42,24 @@ void UsedIndex::notePeakOwner(const QString& path) {
     static const QSet<QString> kMediaExtensions = {
         QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
         QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    const QString extension = GetExtensionName(path).toLower();
-    if (kMediaExtensions.contains(extension)) {
-        const QString base = GetBaseName(path).toUpper();
-        mediaOwners_.insert(base);
-        if (extension == QLatin1String("wav")) {
-            wavOwners_.insert(base);
-        }
+    // The name's base and extension, as GetBaseName and GetExtensionName give them.
+    const QString name = GetFileName(path);
+    const qsizetype dot = name.lastIndexOf(u'.');
+    if (dot < 0) {
+        return;  // no extension, no media
+    }
+    const QStringView extension = QStringView(name).sliced(dot + 1);
+    const bool wav =
+        extension.compare(QLatin1StringView("wav"), Qt::CaseInsensitive) == 0 && isAscii(extension);
+    if (wav || kMediaExtensions.contains(lowerCase(extension.toString()))) {
+        bool& ownedByWav = mediaOwners_[upperCase(name.left(dot))];
+        ownedByWav = ownedByWav || wav || lowerCase(extension.toString()) == QLatin1String("wav");
     }
 }
 
 bool UsedIndex::ownsPeak(const QString& base, bool anyMedia) const {
-    return (anyMedia ? mediaOwners_ : wavOwners_).contains(base) ||
+    const auto owned = mediaOwners_.constFind(base);
+    return (owned != mediaOwners_.constEnd() && (anyMedia || *owned)) ||
            std::any_of(guards_.cbegin(), guards_.cend(),
                        [&](const auto& guard) { return guard->ownsPeak(base, anyMedia); });
 }

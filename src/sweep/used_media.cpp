@@ -3,6 +3,7 @@
 
 #include "readers/import_rpp.h"
 #include "sweep/sweep.h"
+#include "text/letter_case.h"
 #include "text/path_text.h"
 
 // Reading the sessions of a load: each session file of the scan range goes to the reader of its
@@ -72,6 +73,7 @@ public:
     UsedMediaLoad(const SweepRequest& request, const FileSystem& fs, const SweepEvents& events,
                   SessionCache* cache)
         : cache_(request.reuseReads ? cache : nullptr),
+          fresh_(cache),
           request_(request),
           kind_(*request.kind),
           fs_(fs),
@@ -107,8 +109,7 @@ private:
         if (events_.reading) {
             events_.reading(fullName);
         }
-        const SessionRead read = cache_ ? cache_->read(kind_, fullName, fs_)
-                                        : readSessionFile(kind_, fullName, {request_.folder, &fs_});
+        const SessionRead read = cache_ ? cache_->read(kind_, fullName, fs_) : readAfresh(fullName);
         if (read.problem) {
             tell(*read.problem);
         }
@@ -132,6 +133,17 @@ private:
         } else if (media_.lines.isEmpty() && !request_.wholeFolder) {
             media_.noMedia = true;
         }
+    }
+
+    // A read the user asked for is made anew; the guard that follows takes it from the cache
+    // rather than read the same file again, while the file stays as it was before this read.
+    SessionRead readAfresh(const QString& fullName) {
+        const std::optional<FileStamp> stamp = fresh_ ? fs_.fileStamp(fullName) : std::nullopt;
+        SessionRead read = readSessionFile(kind_, fullName, {request_.folder, &fs_});
+        if (stamp) {
+            fresh_->remember(fullName, {*stamp, kind_.id, read});
+        }
+        return read;
     }
 
     void addLines(const QStringList& paths, const QString& session) {
@@ -182,7 +194,8 @@ private:
         }
     }
 
-    SessionCache* cache_;
+    SessionCache* cache_;  // where reads are taken from
+    SessionCache* fresh_;  // where fresh reads are kept
     const SweepRequest& request_;
     const SessionKind& kind_;
     const FileSystem& fs_;
@@ -211,7 +224,7 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
     QString folder = GetParentFolderName(path);
     // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
     // record folder the test always holds, so one folder level always stays.
-    if (folder.right(recordFolder.size()).toUpper() == recordFolder.toUpper()) {
+    if (sameUpperCase(QStringView(folder).right(recordFolder.size()), recordFolder)) {
         folder = GetParentFolderName(folder);
     }
     // The folder and the separator after it go; that separator may be "\" or "/", whichever

@@ -20,7 +20,7 @@ public:
 
     bool isEmpty() const { return filters_.isEmpty(); }
     /// True when the list selects every file ("*.*" or "*"), so no name needs a test.
-    bool matchesEveryName() const { return filters_.contains(QStringLiteral("*")); }
+    bool matchesEveryName() const { return everyName_; }
     /// True when `fileName` matches one of the patterns.
     bool matches(const QString& fileName) const;
     /// The patterns as QDir name filters.
@@ -29,6 +29,10 @@ public:
 private:
     QStringList filters_;
     QStringList upperFilters_;
+    // For each pattern that is "*" and an ASCII text without wildcards ("*.SESX"), that text:
+    // an ASCII name matches it when it ends with it, letter case aside. Empty for the others.
+    QStringList endings_;
+    bool everyName_ = false;
 };
 
 }  // namespace tidewick

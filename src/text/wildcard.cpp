@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/letter_case.h"
+
 namespace tidewick {
 
 namespace {
@@ -119,9 +121,9 @@ bool wildcardMatch(QStringView text, QStringView pattern) {
 }
 
 bool wildcardMatchesAny(const QString& text, const QStringList& patterns) {
-    const QString upper = text.toUpper();
+    const UpperCased upper(text);
     return std::any_of(patterns.cbegin(), patterns.cend(), [&upper](const QString& pattern) {
-        return wildcardMatch(upper, pattern.toUpper());
+        return wildcardMatch(upper.view(), UpperCased(pattern).view());
     });
 }
 

@@ -65,6 +65,12 @@ TEST(SessionText, LineEnds) {
     const std::tuple<const char*, Kind, QByteArray, const char*> cases[] = {
         // "\n\r" is two line ends, so the source's file line is the empty one between them.
         {"LF CR", Kind::Rpp, "<REAPER_PROJECT\n\r\n\r<SOURCE WAVE\n\rFILE \"a.wav\"\n\r", ""},
+        // A line's first character counts after blanks and tabs; within a line it counts not.
+        {"CR", Kind::Rpp, "<REAPER_PROJECT\r  VOLPAN 1\r\t <SOURCE WAVE\r FILE b.wav\r >\r>\r",
+         "b.wav"},
+        {"mid-line", Kind::Rpp, "<REAPER_PROJECT\n  NAME \"<SOURCE WAVE\"\n  FILE c.wav\n>\n", ""},
+        {"blank lines", Kind::Rpp, "<REAPER_PROJECT\r\n \r\n\t\r\n<SOURCE MP3\r\nFILE d.mp3\r\n",
+         "d.mp3"},
         {"CR LF", Kind::Xml, test::sessionBytes(Kind::Xml, {"a.wav"}), "a.wav"}};
     for (const auto& [name, kind, bytes, paths] : cases) {
         EXPECT_EQ(readAs(kind, bytes).paths, texts(paths)) << name;

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
+
+#include "text/letter_case.h"
 #include "text/path_text.h"
+#include "text/pattern_list.h"
 #include "text/wildcard.h"
 
 namespace tidewick {
@@ -34,6 +38,49 @@ TEST(AddBackslash, AppendsTheHostSeparatorToTheArgumentItself) {
     for (const char* ended : {"/tmp/x/", "C:\\x\\"}) {
         QString text = ended;
         EXPECT_EQ(AddBackslash(text), ended);
+    }
+}
+
+// The short ways for ASCII text give what Qt gives, and text beyond ASCII still goes to Qt: the
+// sharp s grows to "SS", the Kelvin sign folds to "k", the dotless i upper-cases to "I".
+TEST(LetterCase, AgreesWithQt) {
+    for (const QString& text : {u"take 01.wav"_qs, u"MiXeD.Ses"_qs, u""_qs, u"stra\u00dfe.WAV"_qs,
+                                u"\u212a.wav"_qs, u"\u0131.sesx"_qs, u"a\u00e9b"_qs}) {
+        SCOPED_TRACE(text.toStdString());
+        EXPECT_EQ(upperCase(text), text.toUpper());
+        EXPECT_EQ(lowerCase(text), text.toLower());
+        EXPECT_EQ(UpperCased(text).view(), text.toUpper());
+        EXPECT_EQ(sameUpperCase(text, text.toLower()), text.toUpper() == text.toLower().toUpper());
+        for (const QString& ending : {u".wav"_qs, u".sesx"_qs, u"V"_qs}) {
+            EXPECT_EQ(endsWithIgnoringCase(text, ending),
+                      text.endsWith(ending, Qt::CaseInsensitive));
+        }
+    }
+    EXPECT_FALSE(sameUpperCase(u"ab", u"abc"));
+}
+
+TEST(CleanHostPath, DropsDotPartsDoubleAndTrailingSeparators) {
+    for (const char* path : {"/a/b.wav", "/a//b", "/a/./b", "/a/../b", "./a", "a/", "/", "/a/.b",
+                             "/a/b/.", "..", "a/b.c/d"}) {
+        EXPECT_EQ(cleanHostPath(path), QDir::toNativeSeparators(QDir::cleanPath(path))) << path;
+    }
+}
+
+// A pattern list matches a name when one of its patterns matches both upper-cased, whichever way
+// it takes for a pattern that is "*" and a plain ending.
+TEST(PatternList, MatchesWhereAPatternMatchesBothUpperCased) {
+    const QStringList names = {"a.SESX", "x.sesx2", "\u00df.wav", "take1.Wav",
+                               "b.ss",   ".sesx",   "S"};
+    for (const char* list : {"*.sesx", "*.WAV; *.aif", "*.*", "take?.wav", "*.\u00df", "*s", "*"}) {
+        const PatternList patterns(QString::fromUtf8(list));
+        for (const QString& name : names) {
+            bool expected = false;
+            for (const QString& pattern : splitPatternList(QString::fromUtf8(list))) {
+                const QString upper = pattern == u"*.*" ? u"*"_qs : pattern.toUpper();
+                expected = expected || wildcardMatch(name.toUpper(), upper);
+            }
+            EXPECT_EQ(patterns.matches(name), expected) << list << " ~ " << name.toStdString();
+        }
     }
 }
 

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <vector>
+
+// The order in which the folder lists show names.
+namespace tidewick {
+
+/// The positions of `count` names (the name at a position given by `nameAt`) sorted by name
+/// ignoring case: by the names lower-cased, as UTF-16 code units compare, and names that differ
+/// only in letter case by the names themselves.
+std::vector<qsizetype> orderByName(qsizetype count,
+                                   const std::function<const QString&(qsizetype)>& nameAt);
+
+}  // namespace tidewick
