@@ -77,7 +77,7 @@ SessionRead readArdourSession(QByteArrayView bytes, const SessionPlace& place) {
     }
     ArdourSources sources;
     const auto visit = [&sources](QXmlStreamReader& xml) { sources.visit(xml); };
-    if (root.foreignEncoding || !visitElementPieces(bytes, "Sources", visit)) {
+    if (root.foreignEncoding || !visitElementPieces(bytes, {"Sources"}, visit)) {
         // A document the byte search cannot cut is read whole, as XML.
         sources = ArdourSources();
         qint64 line = 0;

@@ -180,8 +180,8 @@ SessionRead readMltSession(QByteArrayView bytes, const SessionPlace& place) {
     }
     MltClips clips(root.attribute);
     const auto visit = [&clips](QXmlStreamReader& xml) { clips.visit(xml); };
-    const bool pieces = !root.foreignEncoding && visitElementPieces(bytes, "producer", visit) &&
-                        visitElementPieces(bytes, "chain", visit);
+    const bool pieces =
+        !root.foreignEncoding && visitElementPieces(bytes, {"producer", "chain"}, visit);
     if (!pieces) {
         // A document the byte search cannot cut is read whole, as XML.
         clips = MltClips(root.attribute);

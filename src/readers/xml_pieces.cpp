@@ -1,5 +1,7 @@
 #include "readers/xml_pieces.h"
 
+#include <algorithm>
+
 #include "readers/session_bytes.h"
 
 namespace tidewick {
@@ -14,11 +16,11 @@ bool endsName(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '>' || c == '/';
 }
 
-// Reads one piece; false unless it is one whole element.
-bool visitPiece(QByteArrayView piece, const XmlVisit& visit) {
-    QXmlStreamReader xml(rawBytes(piece));
+// Reads the piece just given to `xml`, inside the element that holds all pieces; false unless
+// it is one whole element.
+bool visitPiece(QXmlStreamReader& xml, const XmlVisit& visit) {
     int depth = 0;
-    while (!xml.atEnd()) {
+    for (;;) {
         const QXmlStreamReader::TokenType token = xml.readNext();
         if (token == QXmlStreamReader::StartElement) {
             ++depth;
@@ -29,18 +31,34 @@ bool visitPiece(QByteArrayView piece, const XmlVisit& visit) {
         } else if (token == QXmlStreamReader::EndElement) {
             --depth;
             visit(xml);
+        } else if (token == QXmlStreamReader::Invalid) {
+            return xml.error() == QXmlStreamReader::PrematureEndOfDocumentError && depth == 0;
+        }
+        if (depth < 0) {
+            return false;  // a closing tag of no element of the piece
         }
     }
-    return xml.error() == QXmlStreamReader::NoError && depth == 0;
 }
 
 }  // namespace
 
 XmlRoot xmlRootOf(QByteArrayView bytes, QLatin1StringView attribute) {
     XmlRoot root;
-    QXmlStreamReader xml(rawBytes(bytes));
-    while (!xml.atEnd()) {
+    // The reader is given the bytes a piece at a time: given the whole document, it would decode
+    // all of it before its first token.
+    constexpr qsizetype kPiece = 4096;
+    QXmlStreamReader xml;
+    qsizetype fed = 0;
+    while (!xml.atEnd() || fed < bytes.size()) {
+        if (xml.atEnd()) {
+            xml.addData(rawBytes(bytes.sliced(fed, std::min(kPiece, bytes.size() - fed))));
+            fed += std::min(kPiece, bytes.size() - fed);
+        }
         const QXmlStreamReader::TokenType token = xml.readNext();
+        if (token == QXmlStreamReader::Invalid &&
+            xml.error() != QXmlStreamReader::PrematureEndOfDocumentError) {
+            break;
+        }
         if (token == QXmlStreamReader::StartDocument) {
             const QStringView encoding = xml.documentEncoding();
             root.foreignEncoding = !encoding.isEmpty() &&
@@ -55,27 +73,42 @@ XmlRoot xmlRootOf(QByteArrayView bytes, QLatin1StringView attribute) {
     return root;
 }
 
-bool visitElementPieces(QByteArrayView bytes, QByteArrayView name, const XmlVisit& visit) {
-    const QByteArray open = '<' + name.toByteArray();
-    const QByteArray close = "</" + name.toByteArray() + '>';
-    for (qsizetype at = findBytes(bytes, open); at >= 0; at = findBytes(bytes, open, at + 1)) {
-        const qsizetype after = at + open.size();
-        if (after >= bytes.size() || !endsName(bytes[after])) {
-            continue;  // "<Sourcesx", or the end of the file
+bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names,
+                        const XmlVisit& visit) {
+    // The pieces go to one reader, one after the other inside an element of their own: a reader
+    // made (or cleared) for each piece would cost more than the piece.
+    QXmlStreamReader xml;
+    xml.addData(QByteArrayLiteral("<pieces>"));
+    while (xml.readNext() != QXmlStreamReader::StartElement) {
+        if (xml.hasError()) {
+            return false;
         }
-        const qsizetype tagEnd = bytes.indexOf('>', after);
+    }
+    // One pass from "<" to "<" (memchr) finds the start tags of every name at once.
+    for (qsizetype at = bytes.indexOf('<'); at >= 0; at = bytes.indexOf('<', at + 1)) {
+        const QByteArrayView rest = bytes.sliced(at + 1);
+        const auto named = std::find_if(names.cbegin(), names.cend(), [rest](QByteArrayView name) {
+            return rest.size() > name.size() && rest.startsWith(name) &&
+                   endsName(rest[name.size()]);
+        });
+        if (named == names.cend()) {
+            continue;
+        }
+        const qsizetype tagEnd = bytes.indexOf('>', at);
         if (tagEnd < 0) {
             return false;
         }
         qsizetype end = tagEnd + 1;
         if (bytes[tagEnd - 1] != '/') {
+            const QByteArray close = "</" + named->toByteArray() + '>';
             const qsizetype closing = findBytes(bytes, close, tagEnd);
             if (closing < 0) {
                 return false;
             }
             end = closing + close.size();
         }
-        if (!visitPiece(bytes.sliced(at, end - at), visit)) {
+        xml.addData(rawBytes(bytes.sliced(at, end - at)));
+        if (!visitPiece(xml, visit)) {
             return false;
         }
         at = end - 1;
@@ -85,11 +118,21 @@ bool visitElementPieces(QByteArrayView bytes, QByteArrayView name, const XmlVisi
 
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
                                            qint64* line) {
-    QXmlStreamReader xml(rawBytes(bytes));
-    while (!xml.atEnd()) {
+    // Given a piece at a time, the reader never holds the whole document decoded.
+    constexpr qsizetype kPiece = 256 * 1024;
+    QXmlStreamReader xml;
+    qsizetype fed = 0;
+    for (;;) {
         const QXmlStreamReader::TokenType token = xml.readNext();
         if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::EndElement) {
             visit(xml);
+        } else if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError &&
+                   fed < bytes.size()) {
+            const qsizetype size = std::min(kPiece, bytes.size() - fed);
+            xml.addData(rawBytes(bytes.sliced(fed, size)));
+            fed += size;
+        } else if (xml.atEnd()) {
+            break;
         }
     }
     if (line) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QList>
 #include <QString>
 #include <QXmlStreamReader>
 #include <functional>
@@ -28,11 +29,13 @@ struct XmlRoot {
 /// Reads the document's prolog and root start tag only.
 XmlRoot xmlRootOf(QByteArrayView bytes, QLatin1StringView attribute);
 
-/// Visits every element `name` of `bytes` ("Sources", "producer"), each cut out by a byte search
-/// from its start tag to its end tag (or to the "/>" of an empty one) and read on its own. False
-/// when a piece does not read as one whole element (a tag written inside a comment or CDATA,
-/// a ">" inside an attribute value): the caller then reads the whole document instead.
-bool visitElementPieces(QByteArrayView bytes, QByteArrayView name, const XmlVisit& visit);
+/// Visits every element of `names` in `bytes` ("Sources"; "producer" and "chain"), in document
+/// order, each cut out by a byte search from its start tag to its end tag (or to the "/>" of an
+/// empty one) and read as one whole element. False when a piece does not read as one (a tag
+/// written inside a comment or CDATA, a ">" inside an attribute value): the caller then reads
+/// the whole document instead.
+bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names,
+                        const XmlVisit& visit);
 
 /// Visits every element of the whole document; the reader's error at the end (NoError when the
 /// document is whole), with the line where it stopped in `line`.
