@@ -1,6 +1,7 @@
 #include "readers/xml_pieces.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "readers/session_bytes.h"
 
@@ -86,10 +87,12 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
     }
     // One pass from "<" to "<" (memchr) finds the start tags of every name at once.
     for (qsizetype at = bytes.indexOf('<'); at >= 0; at = bytes.indexOf('<', at + 1)) {
-        const QByteArrayView rest = bytes.sliced(at + 1);
-        const auto named = std::find_if(names.cbegin(), names.cend(), [rest](QByteArrayView name) {
-            return rest.size() > name.size() && rest.startsWith(name) &&
-                   endsName(rest[name.size()]);
+        // Most tags are of other elements: their first letter turns them away.
+        const auto named = std::find_if(names.cbegin(), names.cend(), [&](QByteArrayView name) {
+            const qsizetype after = at + 1 + name.size();
+            return after < bytes.size() && bytes[at + 1] == name[0] &&
+                   std::memcmp(bytes.data() + at + 1, name.data(), size_t(name.size())) == 0 &&
+                   endsName(bytes[after]);
         });
         if (named == names.cend()) {
             continue;
