@@ -67,6 +67,9 @@ QByteArray padded(SessionKindId kind, const QStringList& paths) {
             return QByteArray(missing, 'x') + bytes;
         case SessionKindId::Als:
         case SessionKindId::Aup:
+        case SessionKindId::Ardour:
+        case SessionKindId::Flp:
+        case SessionKindId::Mlt:
             break;  // the project kinds' own benchmark pads theirs
     }
     return bytes;

@@ -59,6 +59,7 @@ QList<T> readList(QDataStream& in) {
 // made again), or a problem.
 constexpr qint8 kNoProblem = 0;
 constexpr qint8 kProblem = 2;
+constexpr quint8 kPatternBit = 0x80;
 
 }  // namespace
 
@@ -85,7 +86,9 @@ QByteArray packRead(const SessionRead& read) {
     // A project kind's references, without which its read would keep nothing.
     out << quint32(read.references.size());
     for (const FileReference& reference : read.references) {
-        out << quint8(reference.base) << reference.relative << reference.absolute;
+        // A pattern's reference is marked in the base's top bit.
+        out << quint8(quint8(reference.base) | (reference.pattern ? kPatternBit : 0))
+            << reference.relative << reference.absolute;
     }
     return bytes;
 }
@@ -141,7 +144,9 @@ Result<SessionRead> unpackRead(const QByteArray& bytes) {
         FileReference reference;
         in >> base >> reference.relative;
         reference.absolute = readList<QString>(in);
-        if (base > quint8(FileReference::Base::Library)) {
+        reference.pattern = (base & kPatternBit) != 0;
+        base &= quint8(~kPatternBit);
+        if (base > quint8(FileReference::Base::Interchange)) {
             return damaged();
         }
         reference.base = FileReference::Base(base);

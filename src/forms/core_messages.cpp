@@ -32,6 +32,12 @@ KindWords kindWords(SessionKindId kind) {
             return {"This is not an Ableton Live set.", false, "Ableton Live set"};
         case SessionKindId::Aup:
             return {"This is not an Audacity project.", false, "Audacity project"};
+        case SessionKindId::Ardour:
+            return {"This is not an Ardour session.", false, "Ardour session"};
+        case SessionKindId::Flp:
+            return {"This is not an FL Studio project.", false, "FL Studio project"};
+        case SessionKindId::Mlt:
+            return {"This is not a Kdenlive or Shotcut project.", false, "MLT project"};
     }
     Q_UNREACHABLE();
 }

@@ -23,8 +23,10 @@ const QList<KindTexts>& allKindTexts() {
              "&Keep Used Reapeaks Files"},
             {SessionKindId::Veg, "VEG", "VEGFiles", "Vegas Session Files", "Check All &VEG files",
              "&Keep Used sfk Files"},
-            {SessionKindId::Als, "More", "MoreFiles", "Ableton Live Sets and Audacity Projects",
-             "Check All &More files", "&Keep Used asd Files"},
+            {SessionKindId::Als, "More", "MoreFiles",
+             "Ableton Live Sets, Audacity Projects, Ardour Sessions, FL Studio Projects, "
+             "Kdenlive and Shotcut Projects",
+             "Check All &More files", "&Keep Used asd and peak Files"},
         };
         QList<KindTexts> list;
         for (const Row& row : kRows) {

@@ -5,7 +5,8 @@
 #include "readers/session_kinds.h"
 
 // What the window shows of each session kind: its tab and the captions that name the kind. The
-// project kinds (Ableton Live sets, Audacity projects) share one tab, "More".
+// project kinds (Ableton Live sets, Audacity projects, Ardour sessions, FL Studio and MLT
+// projects) share one tab, "More".
 namespace tidewick {
 
 struct KindTexts {

@@ -15,8 +15,9 @@
 namespace tidewick {
 
 /// The kinds of session file, in the order of the kinds table: the five of their own tabs, then
-/// the project kinds (Ableton Live sets, Audacity projects), which share one.
-enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg, Als, Aup };
+/// the project kinds (Ableton Live sets, Audacity projects, Ardour sessions, FL Studio projects,
+/// MLT projects of Kdenlive and Shotcut), which share one.
+enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg, Als, Aup, Ardour, Flp, Mlt };
 
 /// The media paths of a session, in the order first met, never the same text twice (letter
 /// case counts). The set beside the list keeps the duplicate test constant-time.
@@ -150,6 +151,9 @@ struct FileReference {
         ProjectFolder,  ///< the kind's project folder (an Ableton project)
         DataFolder,     ///< the session's own data folder (Audacity's "<name>_data")
         Library,        ///< an editor's library or pack: outside the project, keeps nothing there
+        /// Ardour's media folders, `interchange/<any folder>/` of the session's folder:
+        /// "audiofiles/take.wav", "midifiles/take.mid".
+        Interchange,
     };
     Base base = Base::None;
     /// The path from `base`, "/" between its parts; ".." steps stay as written.
@@ -157,6 +161,10 @@ struct FileReference {
     /// The absolute paths the session holds for the file, in the form written ("C:/x.wav",
     /// "D:\x.wav", "/Users/x.wav").
     QStringList absolute;
+    /// The file name of `relative` and `absolute` is a wildcard pattern (wildcardMatch) of a
+    /// sequence, such as the frames of an image sequence: the reference keeps every file of its
+    /// folder that matches.
+    bool pattern = false;
 
     bool operator==(const FileReference&) const = default;
 };

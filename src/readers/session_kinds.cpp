@@ -4,7 +4,10 @@
 #include <exception>
 
 #include "readers/import_als.h"
+#include "readers/import_ardour.h"
 #include "readers/import_aup.h"
+#include "readers/import_flp.h"
+#include "readers/import_mlt.h"
 #include "readers/import_rpp.h"
 #include "readers/import_ses.h"
 #include "readers/import_sesx.h"
@@ -49,6 +52,13 @@ constexpr KindRow kKinds[] = {
      false, false, true},
     {SessionKindId::Aup, "aup", "*.aup;*.aup3", "", &readAupSession, false, "", false, false, "",
      false, false, false, true, &readAup3File},
+    // Ardour names a peak file after its source and channel: "take.wav%A0.peak".
+    {SessionKindId::Ardour, "ardour", "*.ardour", "peak", &readArdourSession, false, "", true,
+     false, "", false, false, false, true},
+    {SessionKindId::Flp, "flp", "*.flp", "", &readFlpSession, false, "", false, false, "", false,
+     false, false, true},
+    {SessionKindId::Mlt, "mlt", "*.kdenlive;*.mlt", "", &readMltSession, false, "", false, false,
+     "", false, false, false, true},
 };
 
 // The patterns of a pattern text: "*.aup;*.aup3" holds two.

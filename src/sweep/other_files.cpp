@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "sweep/sweep.h"
 #include "text/letter_case.h"
 #include "text/path_text.h"
@@ -25,8 +27,7 @@ public:
           events_(events),
           sessionFolder_(withSeparator(request.folder)),
           wanted_(request.typePattern),
-          peakSuffix_(kind_.peakExtension.isEmpty() ? QString()
-                                                    : QLatin1Char('.') + kind_.peakExtension) {}
+          peakSuffixes_(peakSuffixesOf(kind_)) {}
 
     QList<OtherFile> run() {
         const bool whole = request_.wholeFolder;
@@ -99,7 +100,7 @@ private:
             if (kind_.projectScope && partOfProjectSession(entry.name)) {
                 continue;  // a set, a project or its database's companions: never offered
             }
-            if (!peakSuffix_.isEmpty() && endsWithIgnoringCase(entry.name, peakSuffix_)) {
+            if (isPeakFile(entry.name)) {
                 if (request_.peaksListed) {
                     peakFiles.append(&entry);
                 }
@@ -123,6 +124,25 @@ private:
         }
     }
 
+    // The peak files' endings: the kind's own, or on the project kinds' shared tab those of
+    // every project kind, since one load lists their trees together.
+    static QStringList peakSuffixesOf(const SessionKind& kind) {
+        QStringList suffixes;
+        for (const SessionKind& each : sessionKinds()) {
+            const bool listed = kind.projectScope ? each.projectScope : &each == &kind;
+            if (listed && !each.peakExtension.isEmpty()) {
+                suffixes.append(QLatin1Char('.') + each.peakExtension);
+            }
+        }
+        return suffixes;
+    }
+
+    bool isPeakFile(const QString& name) const {
+        return std::any_of(
+            peakSuffixes_.cbegin(), peakSuffixes_.cend(),
+            [&name](const QString& suffix) { return endsWithIgnoringCase(name, suffix); });
+    }
+
     // Whether a session keeps the file (another way of naming it, or another session); such a
     // file is noted with the sessions that keep it.
     bool kept(const QString& folder, const QString& prefix, const FolderEntry& entry,
@@ -144,7 +164,8 @@ private:
     void addPeakFiles(const QString& folder, const QString& prefix,
                       const QList<const FolderEntry*>& peakFiles) {
         const QString folderKey = usedKey(folder);
-        const bool secondTrim = kind_.peakNamesWholeMedia;
+        // The project kinds' peak files (".asd", ".peak") are all named after the whole media.
+        const bool secondTrim = kind_.peakNamesWholeMedia || kind_.projectScope;
         if (secondTrim) {
             idle();
         }
@@ -205,7 +226,7 @@ private:
     const SweepEvents& events_;
     const QString sessionFolder_;
     const PatternList wanted_;
-    const QString peakSuffix_;
+    const QStringList peakSuffixes_;
     QList<OtherFile> files_;
     QSet<QString> texts_;
     QSet<QString> listedFolders_;

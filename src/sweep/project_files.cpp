@@ -5,6 +5,7 @@
 #include "sweep/listed_disk.h"
 #include "sweep/sweep.h"
 #include "text/path_text.h"
+#include "text/wildcard.h"
 
 namespace tidewick {
 
@@ -38,6 +39,8 @@ Scope scopeOf(const QStringList& sessions, const QString& root, const FileSystem
             if (data.startsWith(root)) {
                 scope.entered.insert(data.mid(root.size()).chopped(1));
             }
+        } else if (kind && kind->projectScope) {
+            scope.whole = true;  // Ardour, FL Studio, MLT: the project folder's whole tree
         }
     }
     return scope;
@@ -115,6 +118,28 @@ ProjectTree projectTree(const QStringList& sessions, const FileSystem& fs, Liste
     return tree;
 }
 
+QStringList sessionOwnFiles(const QString& sessionPath, const FileSystem& fs) {
+    const SessionKind* kind = sessionKindForFile(sessionPath);
+    if (kind && kind->id == SessionKindId::Aup) {
+        return {sessionPath + QStringLiteral("-wal"), sessionPath + QStringLiteral("-shm")};
+    }
+    if (!kind || kind->id != SessionKindId::Ardour) {
+        return {};
+    }
+    // Ardour's state beside its snapshots: their history, a pending save, backups and the
+    // window's state.
+    const QString folder = withSeparator(hostParentFolder(sessionPath));
+    const auto own = [](const QString& name) {
+        return name == u"instant.xml" || name.endsWith(QLatin1String(".bak")) ||
+               name.endsWith(QLatin1String(".pending")) || name.endsWith(QLatin1String(".history"));
+    };
+    QStringList files;
+    for (const FolderEntry& entry : fs.listFiles(folder, true, own)) {
+        files.append(folder + entry.name);
+    }
+    return files;
+}
+
 bool partOfProjectSession(const QString& name) {
     const SessionKind* kind = sessionKindForName(name);
     return (kind && kind->projectScope) ||
@@ -124,9 +149,57 @@ bool partOfProjectSession(const QString& name) {
 
 namespace {
 
+// The folders "interchange/<any folder>/" of an Ardour session's folder that the tree holds, where
+// Ardour keeps the session's "audiofiles/" and "midifiles/".
+QStringList interchangeFolders(const QString& sessionPath, const ProjectTree& tree) {
+    const QString interchange = withSeparator(hostParentFolder(sessionPath)) +
+                                QStringLiteral("interchange") + hostSeparator();
+    QStringList folders;
+    for (const auto& [folder, relative] : tree.folders) {
+        if (folder.startsWith(interchange) && folder.size() > interchange.size() &&
+            folder.indexOf(hostSeparator(), interchange.size()) == folder.size() - 1) {
+            folders.append(folder);
+        }
+    }
+    return folders;
+}
+
+// The files a sequence's pattern names: every file of a candidate's folder that its name
+// pattern matches, and, where none does, every file of the tree whose name matches it.
+ReferenceFiles filesOfPattern(const QStringList& candidates, const ProjectTree& tree,
+                              const FileSystem& fs) {
+    ReferenceFiles files;
+    files.shown = candidates.value(0);
+    for (const QString& candidate : candidates) {
+        const QString folder = hostParentFolder(candidate);
+        if (!isHostRooted(candidate) || !fs.FolderExists(folder)) {
+            continue;
+        }
+        const QString pattern = usedKey(hostFileName(candidate));
+        for (const FolderEntry& entry : fs.listFiles(folder)) {
+            if (wildcardMatch(usedKey(entry.name), pattern)) {
+                files.kept.append(withSeparator(folder) + entry.name);
+            }
+        }
+    }
+    if (files.kept.isEmpty() && !candidates.isEmpty()) {
+        const QString pattern = usedKey(hostFileName(candidates.constFirst()));
+        for (auto named = tree.byName.cbegin(); named != tree.byName.cend(); ++named) {
+            if (wildcardMatch(named.key(), pattern)) {
+                files.kept += named.value();
+            }
+        }
+    } else if (!files.kept.isEmpty()) {
+        files.shown = files.kept.takeFirst();
+        files.exists = true;
+    }
+    return files;
+}
+
 // The files a reference could name, as texts of this host, the likeliest first.
 QStringList candidatesOf(const FileReference& reference, const QString& sessionPath,
-                         const QStringList& folders, const QString& root) {
+                         const QStringList& folders, const ProjectTree& tree) {
+    const QString& root = tree.root;
     using Base = FileReference::Base;
     QStringList candidates;
     const auto add = [&candidates](const QString& path) {
@@ -138,6 +211,10 @@ QStringList candidatesOf(const FileReference& reference, const QString& sessionP
     const QString relative = hostForm(reference.relative);
     if (reference.base == Base::DataFolder) {
         add(dataFolderOf(sessionPath) + relative);
+    } else if (reference.base == Base::Interchange) {
+        for (const QString& folder : interchangeFolders(sessionPath, tree)) {
+            add(folder + relative);
+        }
     } else if (!relative.isEmpty() && !isHostRooted(relative) && !relative.contains(u':')) {
         QStringList from = folders;
         from.insert(reference.base == Base::ProjectFolder ? 0 : from.size(), root);
@@ -164,7 +241,10 @@ ReferenceFiles filesOfReference(const FileReference& reference, const QString& s
         files.exists = isHostRooted(files.shown) && fs.FileExists(files.shown);
         return files;
     }
-    const QStringList candidates = candidatesOf(reference, sessionPath, folders, tree.root);
+    if (reference.pattern) {
+        return filesOfPattern(candidatesOf(reference, sessionPath, folders, tree), tree, fs);
+    }
+    const QStringList candidates = candidatesOf(reference, sessionPath, folders, tree);
     for (const QString& candidate : candidates) {
         // Only a path rooted here can be there: "C:/x.wav" on Linux names no file of this disk.
         if (!isHostRooted(candidate) || !fs.FileExists(candidate)) {

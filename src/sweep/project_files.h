@@ -8,9 +8,9 @@
 #include "platform/file_system.h"
 #include "readers/session_kinds.h"
 
-// The project kinds (Ableton Live sets, Audacity projects) name their files by references that
-// may be read several ways; a reference keeps every file it could name. A load of such a session
-// lists the project's whole tree.
+// The project kinds (Ableton Live sets, Audacity projects, Ardour sessions, FL Studio and MLT
+// projects) name their files by references that may be read several ways; a reference keeps every
+// file it could name. A load of such a session lists the project's whole tree.
 namespace tidewick {
 
 class ListedDisk;
@@ -40,7 +40,8 @@ QString dataFolderOf(const QString& sessionPath);
 
 /// Walks the tree a load of the `sessions` (full paths, each of a project kind) lists: a Live
 /// project's folder whole (but its "Ableton Project Info"), or, without one, the set's folder and
-/// its "Samples"; an Audacity project's folder and its data folder. Hidden files and folders are
+/// its "Samples"; an Audacity project's folder and its data folder; the session's folder whole
+/// for the other kinds. Hidden files and folders are
 /// left out, links to folders never followed. Listings are handed to `listed` when given.
 ProjectTree projectTree(const QStringList& sessions, const FileSystem& fs, ListedDisk* listed);
 
@@ -61,6 +62,11 @@ struct ReferenceFiles {
 ReferenceFiles filesOfReference(const FileReference& reference, const QString& sessionPath,
                                 const QStringList& folders, const ProjectTree& tree,
                                 const FileSystem& fs);
+
+/// The files of the project session `sessionPath` besides its own that are part of it and never
+/// offered: an Audacity 3 project's "-wal" and "-shm"; the history, pending save, backups
+/// ("*.bak") and "instant.xml" beside an Ardour session.
+QStringList sessionOwnFiles(const QString& sessionPath, const FileSystem& fs);
 
 /// Whether the file `name` is part of a project session and never offered: a session file of a
 /// project kind, or an Audacity 3 project's "-wal" or "-shm" companion.

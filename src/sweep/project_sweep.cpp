@@ -2,9 +2,9 @@
 #include "sweep/sweep.h"
 #include "text/path_text.h"
 
-// A load of the project kinds: Ableton Live sets and Audacity projects name their files by
-// references read against the session, its project folder and its data folder, and the files
-// of the whole project tree are listed.
+// A load of the project kinds: Ableton Live sets, Audacity projects, Ardour sessions, FL Studio
+// and MLT projects name their files by references read against the session, its project folder
+// and its data folder, and the files of the whole project tree are listed.
 namespace tidewick {
 
 namespace {
@@ -120,6 +120,11 @@ Sweep sweepProject(const SweepRequest& request, const FileSystem& fs, const Swee
     for (const auto& [file, session] : load.kept) {
         index->keep(file, session, disk);
     }
+    for (const QString& path : paths) {
+        for (const QString& own : sessionOwnFiles(path, disk)) {
+            index->hide(own, disk);
+        }
+    }
     sweep.folders = tree.folderPaths();
     if (request.guarded) {
         QString stoppedAt;
@@ -148,9 +153,9 @@ QStringList filesKeptByReferences(const SessionRead& read, const QString& sessio
     if (!kind || read.references.isEmpty()) {
         return {};
     }
-    // The sets of one Live project share its tree; an Audacity project's tree holds its own
-    // data folder.
-    const QString key = kind->id == SessionKindId::Als
+    // The sessions of one project folder share its tree; an Audacity project's tree holds its
+    // own data folder.
+    const QString key = kind->id != SessionKindId::Aup
                             ? projectFolderOf(*kind, hostParentFolder(sessionPath), fs)
                             : sessionPath;
     auto tree = trees.find(key);

@@ -195,13 +195,13 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
         }
         if (guard.kind->projectScope) {
             // References, each keeping every file it could name; an Audacity 3 project's
-            // database companions are part of it.
+            // database companions and Ardour's state beside a session are part of it.
             for (const QString& file :
                  filesKeptByReferences(read[i], guard.path, guard.folders, fs, trees)) {
                 table->keep(file, name, fs);
             }
-            for (const char* companion : {"-wal", "-shm"}) {
-                table->hide(guard.path + QLatin1String(companion), fs);
+            for (const QString& own : sessionOwnFiles(guard.path, fs)) {
+                table->hide(own, fs);
             }
         } else {
             for (const QString& file : named[size_t(i)]) {

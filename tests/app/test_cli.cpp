@@ -145,9 +145,9 @@ TEST(Cli, PrintsAndExitsAsEachCallDeserves) {
          ""},
         {{"audit", library, "--csv"},
          2,
-         "folder,sessions,ses,sesx,xml,rpp,veg,als,aup,used,missing,reclaimableFiles,"
-         "reclaimableBytes,stopped,reason\n" +
-             band + ",1,0,1,0,0,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
+         "folder,sessions,ses,sesx,xml,rpp,veg,als,aup,ardour,flp,mlt,used,missing,"
+         "reclaimableFiles,reclaimableBytes,stopped,reason\n" +
+             band + ",1,0,1,0,0,0,0,0,0,0,0,1,0,1,4,no,\n" + library + "/Cut,1,0,1,",
          library + "/Cut: Reading stopped at \"mix.sesx\""},
         {{"audit", band, "--json"}, 0, "{\n    \"folders\": [\n", ""},
         {{"scan", band, "--all", "--json"}, 0, "{\n    \"folder\": ", ""},

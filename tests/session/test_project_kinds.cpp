@@ -42,7 +42,8 @@ protected:
     // one moved away, under the project's "Moved/"); the list of those made.
     QStringList makeUsedFiles(const ProjectCase& c, const QByteArray& bytes) {
         const QString session = dir.filePath(c.session);
-        const QString project = c.projectInfo ? dir.filePath(c.projectInfo) : QString();
+        const QString project =
+            c.projectInfo ? dir.filePath(c.projectInfo) : hostParentFolder(session);
         const SessionRead read = sessionKindForFile(session)->reader(bytes, {});
         QStringList made;
         for (const FileReference& reference : read.references) {
@@ -54,6 +55,17 @@ protected:
             } else if (reference.base == Base::SessionFolder &&
                        !reference.relative.startsWith("..")) {
                 path = hostParentFolder(session) + '/' + reference.relative;
+            } else if (reference.base == Base::Interchange) {
+                // Ardour's interchange folder need not be named after the session.
+                path = project + "/interchange/Older Name/" + reference.relative;
+                if (reference.relative.startsWith("audiofiles/")) {
+                    const QString peaks = project + "/peaks/" + GetFileName(path) + "%A0.peak";
+                    put(QDir(dir.path()).relativeFilePath(peaks));  // its peaks, kept
+                    made.append(peaks);
+                }
+            } else if (reference.base == Base::None) {
+                // Saved on another machine: found by its name in the project.
+                path = project + "/samples/" + GetFileName(reference.absolute.value(0));
             }
             if (path.isEmpty()) {
                 continue;
@@ -146,11 +158,51 @@ INSTANTIATE_TEST_SUITE_P(
                     "tetris/renamed.aup",
                     nullptr,
                     {"tetris/renamed_data/b00099.au", "tetris/sounds.aup.bak"},
+                    {}},
+        ProjectCase{"Ardour2",
+                    "ardour/morashon-seg1__seg1-2000.ardour",
+                    "seg1/seg1-2000.ardour",
+                    nullptr,
+                    {"seg1/interchange/seg1/audiofiles/take9-L.wav", "seg1/export/mix.wav",
+                     "seg1/peaks/take9-L.wav%A0.peak", "seg1/dead/old.wav"},
+                    {}},
+        ProjectCase{"Ardour6WithMidi",
+                    "ardour/jahunt1-lmc32-dnb__LMC DnB.ardour",
+                    "dnb/LMC DnB.ardour",
+                    nullptr,
+                    {"dnb/interchange/Older Name/midifiles/unused.mid", "dnb/bass.wav",
+                     "dnb/analysis/x.qm-onset"},
+                    {}},
+        ProjectCase{
+            "FLStudio20WindowsWithFactoryCopy",
+            "flp/letsbefriendzz-ChristmasTape__2022-12-13-maybemaybemaybe.flp",
+            "tape/maybe.flp",
+            nullptr,
+            {"tape/samples/FLO - Pad 02.wav", "tape/samples/Unused Loop.wav", "tape/stems/old.wav"},
+            {}},
+        ProjectCase{"FLStudio20Mac",
+                    "flp/dawtool__complex.flp",
+                    "beat/complex.flp",
+                    nullptr,
+                    {"beat/audio/coin2.wav"},
+                    {}},
+        ProjectCase{"Kdenlive24",
+                    "mlt/kdenlive-test-suite__audio-mix.kdenlive",
+                    "film/projects/audio-mix.kdenlive",
+                    nullptr,
+                    {"film/projects/footage/unused.ogg", "film/projects/proxy/old.mkv",
+                     "film/projects/thumbs/a.png"},
+                    {}},
+        ProjectCase{"ShotcutWindows",
+                    "mlt/Kutukobra-Point-und-Stick__video.mlt",
+                    "trailer/video.mlt",
+                    nullptr,
+                    {"trailer/render.mp4"},
                     {}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // A load of another kind beside them keeps what they use and never offers them, nor an
-// Audacity 3 project's database companions.
+// Audacity 3 project's database companions, nor the state Ardour keeps beside a session.
 TEST(ProjectGuard, AnotherKindsLoadKeepsTheirFiles) {
     QTemporaryDir dir;
     FileSystem disk;
@@ -163,8 +215,13 @@ TEST(ProjectGuard, AnotherKindsLoadKeepsTheirFiles) {
         "<?xml version=\"1.0\"?><project><simpleblockfile filename=\"e0000001.au\"/>"
         "<pcmaliasblockfile summaryfile=\"e0000002.auf\" aliasfile=\"" +
             dir.filePath("voice.wav").toUtf8() + "\"/></project>");
-    for (const char* name : {"own.wav", "take.wav", "voice.wav", "pod_data/e00/d00/e0000001.au",
-                             "decoy.wav", "new.aup3-wal", "new.aup3-shm"}) {
+    put("mix.ardour", test::sessionBytes(SessionKindId::Ardour, {"vox.wav"}));
+    put("beat.flp", test::sessionBytes(SessionKindId::Flp, {"kick.wav"}));
+    put("cut.kdenlive", test::sessionBytes(SessionKindId::Mlt, {"2:clip.mp4"}));
+    for (const char* name :
+         {"own.wav", "take.wav", "voice.wav", "pod_data/e00/d00/e0000001.au", "decoy.wav",
+          "new.aup3-wal", "new.aup3-shm", "interchange/mix/audiofiles/vox.wav", "kick.wav",
+          "clip.mp4", "mix.history", "mix.pending", "mix.ardour.bak", "instant.xml"}) {
         put(name);
     }
     {
@@ -186,6 +243,32 @@ TEST(ProjectGuard, AnotherKindsLoadKeepsTheirFiles) {
         offered.append(file.text);
     }
     EXPECT_EQ(offered, QStringList{"decoy.wav"});
+}
+
+// An image sequence keeps every frame of its pattern, and a proxy is kept with its clip.
+TEST(ProjectGuard, AnImageSequenceKeepsEveryFrame) {
+    QTemporaryDir dir;
+    FileSystem disk;
+    for (const char* name :
+         {"shots/f_001.png", "shots/f_1000.png", "shots/g_001.png", "slides/a.jpg", "slides/b.JPG",
+          "slides/c.png", "proxy/p.mkv", "proxy/old.mkv"}) {
+        ASSERT_TRUE(test::writeFile(dir.filePath(name), "x"));
+    }
+    ASSERT_TRUE(test::writeFile(
+        dir.filePath("film.kdenlive"),
+        "<mlt><producer><property name=\"resource\">shots/f_%03d.png</property>"
+        "<property name=\"kdenlive:proxy\">proxy/p.mkv</property></producer>"
+        "<chain><property name=\"resource\">slides/.all.jpg</property></chain></mlt>"));
+    SessionOptions options = startingOptions(sessionKind(SessionKindId::Mlt), dir.path(), disk);
+    options.selected = 0;
+    SessionFolder load(disk);
+    load.load(options);
+    ASSERT_FALSE(load.stopped());
+    QStringList offered;
+    for (const OtherFile& file : load.otherFiles()) {
+        offered.append(file.text);
+    }
+    EXPECT_EQ(offered, QStringList({"proxy/old.mkv", "shots/g_001.png", "slides/c.png"}));
 }
 
 }  // namespace

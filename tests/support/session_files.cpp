@@ -86,8 +86,53 @@ QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths) {
             }
             lines.append("</project>");
             break;
+        case SessionKindId::Ardour:
+            lines = {R"(<?xml version="1.0" encoding="UTF-8"?>)", R"(<Session version="6000">)",
+                     "  <Sources>"};
+            for (const QByteArray& path : paths) {
+                lines.append(R"(    <Source name=")" + path + R"(" type="audio" channel="0"/>)");
+            }
+            lines += {"  </Sources>", "</Session>"};
+            break;
+        case SessionKindId::Flp: {
+            QList<FlpEvent> events = {{199, "20.0.0"}};
+            for (const QByteArray& path : paths) {
+                events.append({196, utf16(QString::fromUtf8(path))});
+            }
+            return flpProject(events);
+        }
+        case SessionKindId::Mlt:
+            lines = {R"(<?xml version="1.0" encoding="utf-8"?>)", R"(<mlt version="7.0.0">)"};
+            for (const QByteArray& path : paths) {
+                lines.append(R"(  <producer id="p"><property name="resource">)" + path +
+                             "</property></producer>");
+            }
+            lines.append("</mlt>");
+            break;
     }
     return lines.join("\r\n") + "\r\n";
+}
+
+QByteArray utf16(const QString& text) {
+    QByteArray bytes(text.size() * 2 + 2, '\0');
+    qToLittleEndian<char16_t>(text.utf16(), text.size(), bytes.data());
+    return bytes;
+}
+
+QByteArray flpProject(const QList<FlpEvent>& events) {
+    QByteArray data;
+    for (const auto& [id, bytes] : events) {
+        data += char(id);
+        for (quint32 length = quint32(bytes.size()); id >= 192; length >>= 7) {
+            data += char((length & 0x7F) | (length > 0x7F ? 0x80 : 0));
+            if (length <= 0x7F) {
+                break;
+            }
+        }
+        data += bytes;
+    }
+    return "FLhd" + SesWriter::i32(6) + QByteArray("\0\0\x01\0\x60\0", 6) + "FLdt" +
+           SesWriter::i32(qint32(data.size())) + data;
 }
 
 QByteArray sessionBytes(SessionKindId kind, const QStringList& paths) {

@@ -17,6 +17,18 @@ QByteArray sessionBytes(SessionKindId kind, const QStringList& paths);
 /// The same, with each path given as the bytes the session is to hold.
 QByteArray sessionBytesOf(SessionKindId kind, const QByteArrayList& paths);
 
+/// `text` as UTF-16LE with its closing NUL, as FL Studio 12 and later write texts.
+QByteArray utf16(const QString& text);
+
+/// An FL Studio event: its id and its data (1, 2 or 4 bytes below id 192).
+struct FlpEvent {
+    quint8 id;
+    QByteArray data;
+};
+/// An FL Studio project of `events`, with a header of one channel; the data of an id of 192 or
+/// more follows its length.
+QByteArray flpProject(const QList<FlpEvent>& events);
+
 /// A wave block of an Audition XML export: for each path line an entry of its opening line and
 /// 21 more, the 18th of which is the path line.
 QByteArrayList xmlWaveBlock(const QByteArrayList& pathLines);

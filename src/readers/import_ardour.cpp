@@ -1,0 +1,95 @@
+#include "readers/import_ardour.h"
+
+#include <QSet>
+
+#include "readers/session_bytes.h"
+#include "readers/xml_pieces.h"
+
+namespace tidewick {
+
+namespace {
+
+bool isRooted(const QString& path) {
+    return path.startsWith(u'/') || path.startsWith(u'\\') || (path.size() > 1 && path[1] == u':');
+}
+
+// The sources of the Sources elements met, each file once.
+class ArdourSources {
+public:
+    QList<FileReference> references;
+    QStringList texts;
+
+    void visit(QXmlStreamReader& xml) {
+        const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
+        if (xml.name() == u"Sources") {
+            sources_ += start ? 1 : -1;
+        } else if (xml.name() == u"Source" && sources_ > 0) {
+            if (start && nested_++ == 0) {
+                add(xml.attributes());
+            } else if (!start) {
+                --nested_;
+            }
+        }
+    }
+
+private:
+    void add(const QXmlStreamAttributes& attributes) {
+        const QString name = attributes.value(QLatin1String("name")).toString();
+        // A playlist source (a compound region's) is made of other sources and is no file.
+        if (name.isEmpty() || name.size() > kMaxPathBytes ||
+            attributes.hasAttribute(QLatin1String("playlist"))) {
+            return;
+        }
+        FileReference reference;
+        if (isRooted(name)) {
+            reference.absolute = {name};
+        } else if (name.contains(u'/') || name.contains(u'\\')) {
+            reference = {FileReference::Base::SessionFolder, name, {}};
+        } else {
+            const bool midi = attributes.value(QLatin1String("type")) == u"midi";
+            const QString folder =
+                midi ? QStringLiteral("midifiles/") : QStringLiteral("audiofiles/");
+            reference = {FileReference::Base::Interchange, folder + name, {}};
+        }
+        if (!seen_.contains(name)) {
+            seen_.insert(name);
+            references.append(std::move(reference));
+            texts.append(name);
+        }
+    }
+
+    int sources_ = 0;
+    int nested_ = 0;
+    QSet<QString> seen_;
+};
+
+}  // namespace
+
+SessionRead readArdourSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    const XmlRoot root = xmlRootOf(bytes, QLatin1StringView("version"));
+    if (root.name != u"Session") {
+        return failedSessionRead(SessionKindId::Ardour, ReadFailure::NotThisKind, {});
+    }
+    if (!endsWithClosing(bytes, "</Session>")) {
+        return failedSessionRead(SessionKindId::Ardour, ReadFailure::CutShort,
+                                 QStringLiteral("</Session>"));
+    }
+    ArdourSources sources;
+    const auto visit = [&sources](QXmlStreamReader& xml) { sources.visit(xml); };
+    if (root.foreignEncoding || !visitElementPieces(bytes, {"Sources"}, visit)) {
+        // A document the byte search cannot cut is read whole, as XML.
+        sources = ArdourSources();
+        qint64 line = 0;
+        if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
+            return failedSessionRead(SessionKindId::Ardour, ReadFailure::Damaged,
+                                     QStringLiteral("its XML breaks off at line %1").arg(line));
+        }
+    }
+    SessionRead read;
+    read.paths = std::move(sources.texts);
+    read.references = std::move(sources.references);
+    return read;
+}
+
+}  // namespace tidewick
