@@ -7,6 +7,7 @@
 
 #include "platform/on_cores.h"
 #include "sweep/listed_disk.h"
+#include "sweep/project_files.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -100,8 +101,16 @@ Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed
     QSet<QString> sessionFolders;
     for (auto& [folder, entries] : readTree(root, disk, events, progress, walk.unread)) {
         FolderSessions sessions;
+        // Beside an Ardour session, its state files are its own, not sessions of other kinds.
+        const bool ardour = std::any_of(entries.cbegin(), entries.cend(), [](const FolderEntry& e) {
+            const SessionKind* kind = sessionKindForName(e.name);
+            return kind != nullptr && kind->id == SessionKindId::Ardour;
+        });
         for (const FolderEntry& entry : entries) {
             bool backup = false;
+            if (ardour && isArdourStateFile(entry.name)) {
+                continue;
+            }
             if (const SessionKind* kind = sessionKindForName(entry.name, &backup)) {
                 walk.sessionFiles.append({kind, folder + entry.name});
                 if (!backup) {

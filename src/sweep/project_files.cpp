@@ -126,18 +126,17 @@ QStringList sessionOwnFiles(const QString& sessionPath, const FileSystem& fs) {
     if (!kind || kind->id != SessionKindId::Ardour) {
         return {};
     }
-    // Ardour's state beside its snapshots: their history, a pending save, backups and the
-    // window's state.
     const QString folder = withSeparator(hostParentFolder(sessionPath));
-    const auto own = [](const QString& name) {
-        return name == u"instant.xml" || name.endsWith(QLatin1String(".bak")) ||
-               name.endsWith(QLatin1String(".pending")) || name.endsWith(QLatin1String(".history"));
-    };
     QStringList files;
-    for (const FolderEntry& entry : fs.listFiles(folder, true, own)) {
+    for (const FolderEntry& entry : fs.listFiles(folder, true, isArdourStateFile)) {
         files.append(folder + entry.name);
     }
     return files;
+}
+
+bool isArdourStateFile(const QString& name) {
+    return name == u"instant.xml" || name.endsWith(QLatin1String(".bak")) ||
+           name.endsWith(QLatin1String(".pending")) || name.endsWith(QLatin1String(".history"));
 }
 
 bool partOfProjectSession(const QString& name) {

@@ -68,6 +68,11 @@ ReferenceFiles filesOfReference(const FileReference& reference, const QString& s
 /// ("*.bak") and "instant.xml" beside an Ardour session.
 QStringList sessionOwnFiles(const QString& sessionPath, const FileSystem& fs);
 
+/// Whether `name` is one of the files Ardour keeps beside its snapshots: their history
+/// ("*.history"), a pending save, backups ("*.bak") and the window's state ("instant.xml", which
+/// is no Audition XML session).
+bool isArdourStateFile(const QString& name);
+
 /// Whether the file `name` is part of a project session and never offered: a session file of a
 /// project kind, or an Audacity 3 project's "-wal" or "-shm" companion.
 bool partOfProjectSession(const QString& name);

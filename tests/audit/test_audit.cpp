@@ -113,6 +113,11 @@ const AuditCase kCases[] = {
      "A/s.sesx = sesx: /gone/Caf\u00e9 Take.WAV\nA/sub/cafe\u0301 take.wav = x\n"
      "X/CAF\u00c9 TAKE.wav = x\nX/cafe take.wav = x",
      "A: | used 0 | missing Caf\u00e9 Take.WAV[A/sub/cafe\u0301 take.wav X/CAF\u00c9 TAKE.wav]"},
+    {"AnArdourSessionsWindowStateIsNoAuditionSession",
+     "S/Song.ardour = <Session version=\"7003\"><Sources><Source name=\"a.wav\" type=\"audio\"/>"
+     "</Sources></Session>\nS/instant.xml = <instant/>\nS/interchange/Song/audiofiles/a.wav = x\n"
+     "S/interchange/Song/audiofiles/b.wav = x",
+     "S: reclaim S/interchange/Song/audiofiles/b.wav | used 1"},
     {"LinksHiddenFoldersAndTrashAreNotWalked",
      "A/s.sesx = sesx: @/A/a.wav\nA/a.wav = x\nA/b.wav = x\nL = link: A\n"
      ".hidden/h.sesx = sesx: \nTrash/files/t.sesx = sesx: \nTrash/info/t.sesx = sesx: ",
