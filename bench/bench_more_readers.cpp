@@ -3,12 +3,7 @@
 // over the file's unpacked size. Writes a set of about 100 MB unpacked (gzip-packed as Live saves
 // it) and a project of about 50 MB in a temporary folder; TIDEWICK_CLI names the program.
 #include <benchmark/benchmark.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <zlib.h>
-
-#include <fcntl.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -17,12 +12,11 @@
 #include <vector>
 
 #include "cli_program.h"
+#include "peak_memory.h"
 #include "plain_read.h"
 #include "ratio_reporter.h"
 #include "readers/gzip_pieces.h"
 #include "readers/session_kinds.h"
-
-extern char** environ;
 
 namespace {
 
@@ -104,30 +98,6 @@ void readerRead(benchmark::State& state, const QString& path, SessionKindId id) 
     }
 }
 
-// Peak resident memory in bytes of one run of `tidewick-cli media path`; −1 on failure.
-qint64 peakMemoryOfMedia(const QString& path) {
-    QList<QByteArray> args = {QFile::encodeName(bench::cliProgram()), "media",
-                              QFile::encodeName(path)};
-    std::vector<char*> argv;
-    for (QByteArray& arg : args) {
-        argv.push_back(arg.data());
-    }
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    rusage usage{};
-    if (spawned != 0 || wait4(pid, &status, 0, &usage) != pid) {
-        return -1;
-    }
-    return qint64(usage.ru_maxrss) * 1024;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -148,7 +118,7 @@ int main(int argc, char** argv) {
     for (const auto& [label, path, unpacked] :
          {std::tuple{"Live set", setPath, setSize},
           std::tuple{"Audacity project", projectPath, projectSize}}) {
-        const qint64 peak = peakMemoryOfMedia(path);
+        const qint64 peak = bench::peakMemory(bench::cliProgram(), {QStringLiteral("media"), path});
         const double ratio = double(peak) / double(unpacked);
         std::printf("%-18s media: %8.1f MiB peak / %8.1f MiB unpacked = %.2fx (target 2.0x) %s\n",
                     label, double(peak) / (1 << 20), double(unpacked) / (1 << 20), ratio,

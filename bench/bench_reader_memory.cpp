@@ -4,10 +4,6 @@
 // hundred sources, an XML export and a SESX session with many entries, a Vegas project and a
 // binary session with many file records; and the hostile form, one line of the whole size.
 // TIDEWICK_MEMORY_MB sets the size (1024 by default); TIDEWICK_CLI the program.
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -17,8 +13,7 @@
 #include <functional>
 
 #include "cli_program.h"
-
-extern char** environ;
+#include "peak_memory.h"
 
 namespace {
 
@@ -40,35 +35,6 @@ bool writeSession(const QString& path, qint64 bytes, const QByteArray& head,
         }
     }
     return file.write(chunk) >= 0 && file.write(tail) >= 0;
-}
-
-// Peak resident memory in bytes of one run of the program with `arguments`; −1 on failure.
-qint64 peakMemory(const QString& program, const QStringList& arguments) {
-    QList<QByteArray> args = {QFile::encodeName(program)};
-    for (const QString& argument : arguments) {
-        args.append(QFile::encodeName(argument));
-    }
-    std::vector<char*> argv;
-    for (QByteArray& arg : args) {
-        argv.push_back(arg.data());
-    }
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) {
-        return -1;
-    }
-    int status = 0;
-    rusage usage{};
-    if (wait4(pid, &status, 0, &usage) != pid) {
-        return -1;
-    }
-    return qint64(usage.ru_maxrss) * 1024;
 }
 
 QByteArray number(qint64 i) {
@@ -134,7 +100,7 @@ int main(int argc, char** argv) {
             return 1;
         }
         const qint64 fileSize = QFileInfo(path).size();
-        const qint64 peak = peakMemory(cli, {QStringLiteral("media"), path});
+        const qint64 peak = tidewick::bench::peakMemory(cli, {QStringLiteral("media"), path});
         QFile::remove(path);
         if (peak < 0) {
             std::fprintf(stderr, "%s did not run\n", qPrintable(cli));

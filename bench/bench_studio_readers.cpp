@@ -3,11 +3,6 @@
 // session or project of about 64 MB of each kind in a temporary folder, the media-naming parts a
 // small share of it as in real ones; TIDEWICK_CLI names the program.
 #include <benchmark/benchmark.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-
-#include <fcntl.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,12 +11,11 @@
 #include <vector>
 
 #include "cli_program.h"
+#include "peak_memory.h"
 #include "plain_read.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 #include "support/session_files.h"
-
-extern char** environ;
 
 namespace {
 
@@ -109,30 +103,6 @@ QByteArray flpPiece(qsizetype i) {
     return project.mid(22);  // the events alone, after the header and the data chunk's length
 }
 
-// Peak resident memory in bytes of one run of `tidewick-cli media path`; −1 on failure.
-qint64 peakMemoryOfMedia(const QString& path) {
-    QList<QByteArray> args = {QFile::encodeName(bench::cliProgram()), "media",
-                              QFile::encodeName(path)};
-    std::vector<char*> argv;
-    for (QByteArray& arg : args) {
-        argv.push_back(arg.data());
-    }
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    rusage usage{};
-    if (spawned != 0 || wait4(pid, &status, 0, &usage) != pid) {
-        return -1;
-    }
-    return qint64(usage.ru_maxrss) * 1024;
-}
-
 void readerRead(benchmark::State& state, const QString& path, SessionKindId id) {
     const SessionKind& kind = sessionKind(id);
     for (auto _ : state) {
@@ -172,7 +142,7 @@ int main(int argc, char** argv) {
         {"flp", flp, SessionKindId::Flp},
         {"mlt", mlt, SessionKindId::Mlt}};
     for (const auto& [label, path, id] : kinds) {
-        const qint64 peak = peakMemoryOfMedia(path);
+        const qint64 peak = bench::peakMemory(bench::cliProgram(), {QStringLiteral("media"), path});
         const double size = double(QFile(path).size());
         const double ratio = double(peak) / size;
         std::printf("%-8s media: %8.1f MiB peak / %8.1f MiB file = %.2fx (target 2.0x) %s\n", label,

@@ -54,14 +54,7 @@ QStringList pathsInAlias(QByteArrayView data) {
 // A Windows set's Data: the path as UTF-16LE text up to a NUL, with a drive ("D:\...") or a
 // network share ("\\server\...") at its start.
 QStringList pathsInUtf16(QByteArrayView data) {
-    QString text;
-    for (qsizetype at = 0; at + 1 < data.size(); at += 2) {
-        const char16_t unit = char16_t(quint8(data[at]) | quint8(data[at + 1]) << 8);
-        if (unit == 0) {
-            break;
-        }
-        text += QChar(unit);
-    }
+    const QString text = utf16LeText(data);
     const bool drive = text.size() > 2 && text[0].isLetter() && text[1] == u':';
     const bool share = text.startsWith(QLatin1String("\\\\"));
     return drive || share ? QStringList{text} : QStringList();
@@ -335,11 +328,7 @@ private:
 };
 
 SessionRead failedRead(ReadFailure failure, const QString& detail) {
-    SessionRead read;
-    read.outcome =
-        failure == ReadFailure::NotThisKind ? ReaderOutcome::Rejected : ReaderOutcome::Failed;
-    read.problem = ReadProblem{failure, SessionKindId::Als, ReadSeverity::Error, detail, {}};
-    return read;
+    return failedSessionRead(SessionKindId::Als, failure, detail);
 }
 
 }  // namespace

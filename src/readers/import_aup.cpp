@@ -19,11 +19,7 @@ namespace {
 constexpr qint64 kAudacityApplicationId = 0x41554459;
 
 SessionRead failedRead(ReadFailure failure, const QString& detail) {
-    SessionRead read;
-    read.outcome =
-        failure == ReadFailure::NotThisKind ? ReaderOutcome::Rejected : ReaderOutcome::Failed;
-    read.problem = ReadProblem{failure, SessionKindId::Aup, ReadSeverity::Error, detail, {}};
-    return read;
+    return failedSessionRead(SessionKindId::Aup, failure, detail);
 }
 
 // The references of one project, each file once.

@@ -26,15 +26,7 @@ QString decodedText(QByteArrayView data, bool utf16) {
         const qsizetype nul = data.indexOf('\0');
         return decodeSessionText(nul < 0 ? data : data.first(nul));
     }
-    QString text;
-    for (qsizetype at = 0; at + 1 < data.size(); at += 2) {
-        const char16_t unit = char16_t(quint8(data[at]) | quint8(data[at + 1]) << 8);
-        if (unit == 0) {
-            break;
-        }
-        text += QChar(unit);
-    }
-    return text;
+    return utf16LeText(data);
 }
 
 // Whether `text` reads as a path: no control character, and a root or a macro at its start.

@@ -389,4 +389,24 @@ std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name) 
     }
 }
 
+SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail) {
+    SessionRead read;
+    read.outcome =
+        failure == ReadFailure::NotThisKind ? ReaderOutcome::Rejected : ReaderOutcome::Failed;
+    read.problem = ReadProblem{failure, kind, ReadSeverity::Error, detail, {}};
+    return read;
+}
+
+QString utf16LeText(QByteArrayView bytes) {
+    QString text;
+    for (qsizetype at = 0; at + 1 < bytes.size(); at += 2) {
+        const char16_t unit = char16_t(quint8(bytes[at]) | quint8(bytes[at + 1]) << 8);
+        if (unit == 0) {
+            break;
+        }
+        text += QChar(unit);
+    }
+    return text;
+}
+
 }  // namespace tidewick

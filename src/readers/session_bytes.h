@@ -102,6 +102,11 @@ QByteArrayView startTagAt(QByteArrayView text, qsizetype at);
 /// The value of the attribute `name` of the start tag `tag` ("<a href='x' n=\"1\"/>"), in double or
 /// single quotes, its XML escapes decoded; nothing when the tag has no such attribute.
 std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name);
+/// A read that found no session it could use: `failure`'s problem of `kind` (a file of another
+/// kind is rejected, any other failure fails the read), with `detail` for its message.
+SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail);
+/// The text of UTF-16LE `bytes` up to their first NUL (a path a binary session holds so).
+QString utf16LeText(QByteArrayView bytes);
 /// `text` with every XML escape decoded in one pass from left to right: "&amp;", "&apos;",
 /// "&quot;", "&lt;", "&gt;" and the numeric "&#N;" and "&#xH;" (as UTF-8). So "&amp;lt;" gives
 /// "&lt;"; an ampersand that begins no escape stays as it is.

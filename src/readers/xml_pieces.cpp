@@ -144,12 +144,4 @@ QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit&
     return xml.error();
 }
 
-SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail) {
-    SessionRead read;
-    read.outcome =
-        failure == ReadFailure::NotThisKind ? ReaderOutcome::Rejected : ReaderOutcome::Failed;
-    read.problem = ReadProblem{failure, kind, ReadSeverity::Error, detail, {}};
-    return read;
-}
-
 }  // namespace tidewick

@@ -42,8 +42,4 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
                                            qint64* line);
 
-/// The read of a session of `kind` that failed for `failure`, with the problem's `detail`: a
-/// file of another kind is rejected, any other failure fails the read.
-SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail);
-
 }  // namespace tidewick
