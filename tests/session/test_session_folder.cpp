@@ -17,7 +17,7 @@ using enum SessionKindId;
 // A REAPER project cut short: its media cannot all be known.
 const QByteArray kCutProject = "<REAPER_PROJECT 0.1 \"6.0\"\n  <TRACK\n    <ITEM\n";
 
-// A session folder on disk: "spec" lines are "name:kind:path,path" for a session, or a bare
+// A session folder on disk: its lines are "name:kind:path,path" for a session, or a bare
 // name for a file of 10 bytes.
 class SessionFolderTest : public ::testing::Test {
 protected:

@@ -65,9 +65,9 @@ QString zshDescription(const QString& text) {
 QString zshOption(const OptionHelp& option) {
     const QString name = optionName(option.names.last());
     const bool repeated = option.description.contains(QLatin1String("may be repeated"));
-    QString spec = (repeated ? QStringLiteral("*") : QString()) + name;
+    QString written = (repeated ? QStringLiteral("*") : QString()) + name;
     if (option.valueName.isEmpty()) {
-        return spec + u'[' + zshDescription(option.description) + u']';
+        return written + u'[' + zshDescription(option.description) + u']';
     }
     const QStringList choices = valueChoices(option);
     const QString action =
@@ -75,8 +75,8 @@ QString zshOption(const OptionHelp& option) {
         : option.valueName == QLatin1String("PATH") || option.valueName == QLatin1String("TARGET")
             ? QStringLiteral("_files -/")
             : QString();
-    return spec + QStringLiteral("=[") + zshDescription(option.description) + QStringLiteral("]:") +
-           option.valueName + u':' + action;
+    return written + QStringLiteral("=[") + zshDescription(option.description) +
+           QStringLiteral("]:") + option.valueName + u':' + action;
 }
 
 }  // namespace
