@@ -152,14 +152,14 @@ QString zshCompletion() {
     for (const Command& command : commands()) {
         commandList += QStringLiteral("        ") +
                        quoted(command.name + u':' + firstSentence(command.summary)) + u'\n';
-        QStringList specs = {QStringLiteral("'(- *)'{-h,--help}'[Print this help]'")};
+        QStringList arguments = {QStringLiteral("'(- *)'{-h,--help}'[Print this help]'")};
         for (const OptionHelp& option : command.options) {
-            specs.append(quoted(zshOption(option)));
+            arguments.append(quoted(zshOption(option)));
         }
-        specs.append(QStringLiteral("'*:file:_files'"));
+        arguments.append(QStringLiteral("'*:file:_files'"));
         cases += QStringLiteral("    ") + command.name +
                  QStringLiteral(")\n        _arguments -s \\\n            ") +
-                 specs.join(QStringLiteral(" \\\n            ")) + QStringLiteral(" ;;\n");
+                 arguments.join(QStringLiteral(" \\\n            ")) + QStringLiteral(" ;;\n");
     }
     return QStringLiteral(
                "#compdef tidewick-cli\n# zsh completion for tidewick-cli\n"
