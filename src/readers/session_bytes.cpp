@@ -280,8 +280,8 @@ QByteArray decodeXmlEscapes(QByteArrayView text) {
 }
 
 qsizetype findBytes(QByteArrayView bytes, QByteArrayView needle, qsizetype from) {
-    if (from < 0 || from > bytes.size()) {
-        return -1;
+    if (from < 0 || bytes.size() - from < needle.size() || needle.isEmpty()) {
+        return -1;  // also an empty text, which may have no bytes at all to point at
     }
     const void* at = ::memmem(bytes.data() + from, size_t(bytes.size() - from), needle.data(),
                               size_t(needle.size()));
