@@ -76,15 +76,10 @@ SessionRead readArdourSession(QByteArrayView bytes, const SessionPlace& place) {
                                  QStringLiteral("</Session>"));
     }
     ArdourSources sources;
-    const auto visit = [&sources](QXmlStreamReader& xml) { sources.visit(xml); };
-    if (root.foreignEncoding || !visitElementPieces(bytes, {"Sources"}, visit)) {
-        // A document the byte search cannot cut is read whole, as XML.
-        sources = ArdourSources();
-        qint64 line = 0;
-        if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
-            return failedSessionRead(SessionKindId::Ardour, ReadFailure::Damaged,
-                                     QStringLiteral("its XML breaks off at line %1").arg(line));
-        }
+    if (const std::optional<qint64> broken =
+            readElements(bytes, root, {"Sources"}, sources, ArdourSources())) {
+        return failedSessionRead(SessionKindId::Ardour, ReadFailure::Damaged,
+                                 QStringLiteral("its XML breaks off at line %1").arg(*broken));
     }
     SessionRead read;
     read.paths = std::move(sources.texts);

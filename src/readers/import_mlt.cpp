@@ -179,17 +179,10 @@ SessionRead readMltSession(QByteArrayView bytes, const SessionPlace& place) {
                                  QStringLiteral("</mlt>"));
     }
     MltClips clips(root.attribute);
-    const auto visit = [&clips](QXmlStreamReader& xml) { clips.visit(xml); };
-    const bool pieces =
-        !root.foreignEncoding && visitElementPieces(bytes, {"producer", "chain"}, visit);
-    if (!pieces) {
-        // A document the byte search cannot cut is read whole, as XML.
-        clips = MltClips(root.attribute);
-        qint64 line = 0;
-        if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
-            return failedSessionRead(SessionKindId::Mlt, ReadFailure::Damaged,
-                                     QStringLiteral("its XML breaks off at line %1").arg(line));
-        }
+    if (const std::optional<qint64> broken =
+            readElements(bytes, root, {"producer", "chain"}, clips, MltClips(root.attribute))) {
+        return failedSessionRead(SessionKindId::Mlt, ReadFailure::Damaged,
+                                 QStringLiteral("its XML breaks off at line %1").arg(*broken));
     }
     SessionRead read;
     read.paths = std::move(clips.texts);

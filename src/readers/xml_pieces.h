@@ -5,6 +5,7 @@
 #include <QString>
 #include <QXmlStreamReader>
 #include <functional>
+#include <optional>
 
 #include "readers/reader_contract.h"
 
@@ -41,5 +42,25 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
 /// document is whole), with the line where it stopped in `line`.
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
                                            qint64* line);
+
+/// Reads the elements `names` of `bytes` into `found`, whose visit(xml) takes each of them: cut
+/// out by a byte search, or, where the document cannot be cut so (it declares another encoding,
+/// or a piece does not read alone), by reading the whole document into `found` made anew from
+/// `fresh`. The line where the document's XML breaks off; nothing when it read.
+template <typename Found>
+std::optional<qint64> readElements(QByteArrayView bytes, const XmlRoot& root,
+                                   const QList<QByteArrayView>& names, Found& found,
+                                   const Found& fresh) {
+    const auto visit = [&found](QXmlStreamReader& xml) { found.visit(xml); };
+    if (!root.foreignEncoding && visitElementPieces(bytes, names, visit)) {
+        return std::nullopt;
+    }
+    found = fresh;
+    qint64 line = 0;
+    if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
+        return line;
+    }
+    return std::nullopt;
+}
 
 }  // namespace tidewick

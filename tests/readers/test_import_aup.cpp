@@ -7,6 +7,7 @@
 
 #include "readers/import_aup.h"
 #include "readers/session_kinds.h"
+#include "support/database.h"
 #include "support/reader_fixture.h"
 
 namespace tidewick {
@@ -79,19 +80,6 @@ TEST(AupReader, RefusesWhatIsNoWholeProject) {
     }
 }
 
-// Writes an SQLite database with `statements` to `path`.
-void writeDatabase(const QString& path, const QStringList& statements) {
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "write");
-        db.setDatabaseName(path);
-        ASSERT_TRUE(db.open());
-        for (const QString& statement : statements) {
-            ASSERT_TRUE(QSqlQuery(db).exec(statement)) << statement.toStdString();
-        }
-    }
-    QSqlDatabase::removeDatabase("write");
-}
-
 // An Audacity 3 project names no file; a database of another program, or no database, is
 // damaged. None is changed by the check.
 TEST(AupReader, ChecksAnAudacity3ProjectReadOnly) {
@@ -100,10 +88,10 @@ TEST(AupReader, ChecksAnAudacity3ProjectReadOnly) {
     test::ReaderFixture f;
     const QString project = f.dir.filePath("song.aup3");
     const QString foreign = f.dir.filePath("other.aup3");
-    writeDatabase(project, {"PRAGMA application_id = 1096107097",
-                            "CREATE TABLE project (id INTEGER PRIMARY KEY, doc BLOB)",
-                            "CREATE TABLE sampleblocks (blockid INTEGER PRIMARY KEY)"});
-    writeDatabase(foreign, {"CREATE TABLE project (id INTEGER)"});
+    test::writeDatabase(project, {"PRAGMA application_id = 1096107097",
+                                  "CREATE TABLE project (id INTEGER PRIMARY KEY, doc BLOB)",
+                                  "CREATE TABLE sampleblocks (blockid INTEGER PRIMARY KEY)"});
+    test::writeDatabase(foreign, {"CREATE TABLE project (id INTEGER)"});
     const QString notDatabase = f.write("text.aup3", "no database");
     const QByteArray before = test::readFile(project);
     const SessionKind& aup = sessionKind(SessionKindId::Aup);

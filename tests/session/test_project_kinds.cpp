@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include "readers/import_als.h"
 #include "readers/import_aup.h"
 #include "session/session_folder.h"
+#include "support/database.h"
 #include "support/reader_fixture.h"
 #include "text/path_text.h"
 
@@ -201,11 +200,24 @@ INSTANTIATE_TEST_SUITE_P(
                     {}}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// What a load of the first session of `kind` in `folder` offers; nothing for a load that stopped.
+QStringList offeredOnLoad(SessionKindId kind, const QString& folder) {
+    const FileSystem disk;
+    SessionOptions options = startingOptions(sessionKind(kind), folder, disk);
+    options.selected = 0;
+    SessionFolder load(disk);
+    load.load(options);
+    QStringList offered;
+    for (const OtherFile& file : load.otherFiles()) {
+        offered.append(file.text);
+    }
+    return load.stopped() ? QStringList{"(stopped)"} : offered;
+}
+
 // A load of another kind beside them keeps what they use and never offers them, nor an
 // Audacity 3 project's database companions, nor the state Ardour keeps beside a session.
 TEST(ProjectGuard, AnotherKindsLoadKeepsTheirFiles) {
     QTemporaryDir dir;
-    FileSystem disk;
     const auto put = [&dir](const QString& name, const QByteArray& bytes = "x") {
         ASSERT_TRUE(test::writeFile(dir.filePath(name), bytes));
     };
@@ -224,31 +236,15 @@ TEST(ProjectGuard, AnotherKindsLoadKeepsTheirFiles) {
           "clip.mp4", "mix.history", "mix.pending", "mix.ardour.bak", "instant.xml"}) {
         put(name);
     }
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "make");
-        db.setDatabaseName(dir.filePath("new.aup3"));
-        ASSERT_TRUE(db.open());
-        QSqlQuery(db).exec("PRAGMA application_id = 1096107097");
-        QSqlQuery(db).exec("CREATE TABLE project (id INTEGER)");
-        QSqlQuery(db).exec("CREATE TABLE sampleblocks (id INTEGER)");
-    }
-    QSqlDatabase::removeDatabase("make");
-    SessionOptions options = startingOptions(sessionKind(SessionKindId::Rpp), dir.path(), disk);
-    options.selected = 0;
-    SessionFolder load(disk);
-    load.load(options);
-    ASSERT_FALSE(load.stopped());
-    QStringList offered;
-    for (const OtherFile& file : load.otherFiles()) {
-        offered.append(file.text);
-    }
-    EXPECT_EQ(offered, QStringList{"decoy.wav"});
+    test::writeDatabase(dir.filePath("new.aup3"),
+                        {"PRAGMA application_id = 1096107097", "CREATE TABLE project (id INTEGER)",
+                         "CREATE TABLE sampleblocks (id INTEGER)"});
+    EXPECT_EQ(offeredOnLoad(SessionKindId::Rpp, dir.path()), QStringList{"decoy.wav"});
 }
 
 // An image sequence keeps every frame of its pattern, and a proxy is kept with its clip.
 TEST(ProjectGuard, AnImageSequenceKeepsEveryFrame) {
     QTemporaryDir dir;
-    FileSystem disk;
     for (const char* name :
          {"shots/f_001.png", "shots/f_1000.png", "shots/g_001.png", "slides/a.jpg", "slides/b.JPG",
           "slides/c.png", "proxy/p.mkv", "proxy/old.mkv"}) {
@@ -259,16 +255,8 @@ TEST(ProjectGuard, AnImageSequenceKeepsEveryFrame) {
         "<mlt><producer><property name=\"resource\">shots/f_%03d.png</property>"
         "<property name=\"kdenlive:proxy\">proxy/p.mkv</property></producer>"
         "<chain><property name=\"resource\">slides/.all.jpg</property></chain></mlt>"));
-    SessionOptions options = startingOptions(sessionKind(SessionKindId::Mlt), dir.path(), disk);
-    options.selected = 0;
-    SessionFolder load(disk);
-    load.load(options);
-    ASSERT_FALSE(load.stopped());
-    QStringList offered;
-    for (const OtherFile& file : load.otherFiles()) {
-        offered.append(file.text);
-    }
-    EXPECT_EQ(offered, QStringList({"proxy/old.mkv", "shots/g_001.png", "slides/c.png"}));
+    EXPECT_EQ(offeredOnLoad(SessionKindId::Mlt, dir.path()),
+              QStringList({"proxy/old.mkv", "shots/g_001.png", "slides/c.png"}));
 }
 
 }  // namespace
