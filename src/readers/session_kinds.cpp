@@ -1,6 +1,6 @@
 #include "readers/session_kinds.h"
 
-#include <QStringTokenizer>
+#include <bitset>
 #include <exception>
 
 #include "readers/import_als.h"
@@ -108,19 +108,52 @@ const SessionKind* sessionKindForFile(const QString& fileName) {
     return nullptr;
 }
 
-const SessionKind* sessionKindForName(const QString& name, bool* backup) {
-    for (const SessionKind& kind : sessionKinds()) {
-        for (const QString* joined : {&kind.sessionPattern, &kind.backupPattern}) {
-            // A pattern text may hold several: "*.aup;*.aup3".
-            for (const QStringView pattern : QStringTokenizer{*joined, u';', Qt::SkipEmptyParts}) {
-                const QStringView ending = pattern.mid(1);  // ".rpp", ".rpp-bak"
-                if (name.size() > ending.size() && endsWithIgnoringCase(name, ending)) {
-                    if (backup) {
-                        *backup = joined == &kind.backupPattern;
-                    }
-                    return &kind;
+namespace {
+
+// One ending a session's name may have (".rpp", ".rpp-bak"), its kind and whether it is a
+// backup's.
+struct NameEnding {
+    QString ending;
+    const SessionKind* kind;
+    bool backup;
+};
+
+// Every kind's endings in the table's order, and the last characters they end in, ASCII
+// lower-cased: a name that ends otherwise (most media) is no session, told in one look.
+struct NameEndings {
+    QList<NameEnding> endings;
+    std::bitset<128> lastCharacters;
+
+    NameEndings() {
+        for (const SessionKind& kind : sessionKinds()) {
+            for (const QString* joined : {&kind.sessionPattern, &kind.backupPattern}) {
+                for (const QString& pattern : patternsOf(*joined)) {
+                    endings.append({pattern.mid(1), &kind, joined == &kind.backupPattern});
+                    lastCharacters.set(lowerCase(endings.last().ending).back().unicode() & 0x7f);
                 }
             }
+        }
+    }
+};
+
+}  // namespace
+
+const SessionKind* sessionKindForName(const QString& name, bool* backup) {
+    static const NameEndings table;
+    if (name.isEmpty()) {
+        return nullptr;
+    }
+    const char16_t last = name.back().unicode();
+    const char16_t lowered = last >= u'A' && last <= u'Z' ? char16_t(last + 32) : last;
+    if (lowered < 0x80 && !table.lastCharacters.test(lowered)) {
+        return nullptr;
+    }
+    for (const NameEnding& each : table.endings) {
+        if (name.size() > each.ending.size() && endsWithIgnoringCase(name, each.ending)) {
+            if (backup) {
+                *backup = each.backup;
+            }
+            return each.kind;
         }
     }
     return nullptr;

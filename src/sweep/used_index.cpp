@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include "sweep/sweep.h"
 #include "text/letter_case.h"
@@ -39,21 +40,27 @@ UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder,
 }
 
 void UsedIndex::notePeakOwner(const QString& path) {
-    static const QSet<QString> kMediaExtensions = {
-        QStringLiteral("wav"),  QStringLiteral("wv"),  QStringLiteral("ape"), QStringLiteral("aif"),
-        QStringLiteral("flac"), QStringLiteral("mp3"), QStringLiteral("ogg")};
-    // The name's base and extension, as GetBaseName and GetExtensionName give them.
+    static constexpr std::array<QLatin1StringView, 7> kMediaExtensions = {
+        QLatin1StringView("wav"), QLatin1StringView("wv"),   QLatin1StringView("ape"),
+        QLatin1StringView("aif"), QLatin1StringView("flac"), QLatin1StringView("mp3"),
+        QLatin1StringView("ogg")};
+    // The name's base and extension, as GetBaseName and GetExtensionName give them. Only an
+    // ASCII extension can be one of the media's.
     const QString name = GetFileName(path);
     const qsizetype dot = name.lastIndexOf(u'.');
     if (dot < 0) {
         return;  // no extension, no media
     }
     const QStringView extension = QStringView(name).sliced(dot + 1);
-    const bool wav =
-        extension.compare(QLatin1StringView("wav"), Qt::CaseInsensitive) == 0 && isAscii(extension);
-    if (wav || kMediaExtensions.contains(lowerCase(extension.toString()))) {
+    if (extension.size() > 4 || !isAscii(extension)) {
+        return;
+    }
+    const auto media = std::find_if(kMediaExtensions.begin(), kMediaExtensions.end(), [&](auto e) {
+        return extension.compare(e, Qt::CaseInsensitive) == 0;
+    });
+    if (media != kMediaExtensions.end()) {
         bool& ownedByWav = mediaOwners_[upperCase(name.left(dot))];
-        ownedByWav = ownedByWav || wav || lowerCase(extension.toString()) == QLatin1String("wav");
+        ownedByWav = ownedByWav || media == kMediaExtensions.begin();
     }
 }
 
