@@ -2,6 +2,7 @@
 
 #include <QSet>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/xml_pieces.h"
 
@@ -16,8 +17,7 @@ bool isRooted(const QString& path) {
 // The sources of the Sources elements met, each file once.
 class ArdourSources {
 public:
-    QList<FileReference> references;
-    QStringList texts;
+    ReferenceList found;
 
     void visit(QXmlStreamReader& xml) {
         const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
@@ -51,16 +51,11 @@ private:
                 midi ? QStringLiteral("midifiles/") : QStringLiteral("audiofiles/");
             reference = {FileReference::Base::Interchange, folder + name, {}};
         }
-        if (!seen_.contains(name)) {
-            seen_.insert(name);
-            references.append(std::move(reference));
-            texts.append(name);
-        }
+        found.add(std::move(reference), name);
     }
 
     int sources_ = 0;
     int nested_ = 0;
-    QSet<QString> seen_;
 };
 
 }  // namespace
@@ -82,8 +77,7 @@ SessionRead readArdourSession(QByteArrayView bytes, const SessionPlace& place) {
                                  QStringLiteral("its XML breaks off at line %1").arg(*broken));
     }
     SessionRead read;
-    read.paths = std::move(sources.texts);
-    read.references = std::move(sources.references);
+    sources.found.moveInto(read);
     return read;
 }
 

@@ -9,6 +9,7 @@
 #include <tuple>
 #include <utility>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 
 namespace tidewick {
@@ -22,50 +23,114 @@ SessionRead failedRead(ReadFailure failure, const QString& detail) {
     return failedSessionRead(SessionKindId::Aup, failure, detail);
 }
 
+// The text of an attribute's value: its bytes as they stand, or decoded where it holds an escape.
+QString attributeText(QByteArrayView tag, QByteArrayView attribute) {
+    const std::optional<QByteArrayView> text = tagAttributeText(tag, attribute);
+    if (!text) {
+        return {};
+    }
+    if (text->contains('&')) {
+        return QString::fromUtf8(decodeXmlEscapes(*text));
+    }
+    return QString::fromUtf8(*text);
+}
+
+// A character of a name given as ASCII bytes or as text.
+char16_t unitOf(char c) {
+    return char16_t(static_cast<unsigned char>(c));
+}
+char16_t unitOf(QChar c) {
+    return c.unicode();
+}
+
+// A blockfile is a name, never a path: one holding a separator or a step up names no file of the
+// data folder.
+template <typename Name>
+bool isBlockFileName(Name name) {
+    if (name.isEmpty() || name.size() > 255 ||
+        (name.size() == 2 && unitOf(name[0]) == u'.' && unitOf(name[1]) == u'.')) {
+        return false;
+    }
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        if (unitOf(name[i]) == u'/' || unitOf(name[i]) == u'\\') {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Where the blockfile `name` lies in its data folder: "e00/d00/e0000090.au", or the name alone
+// for the 1.x format (`flat`) and for a name too short to hold its folders.
+template <typename Name>
+QString blockFileLocationOf(Name name, bool flat) {
+    const bool foldered = !flat && name.size() >= 6;
+    QString location(name.size() + (foldered ? 8 : 0), Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(location.data());
+    const auto put = [&out, name](qsizetype from, qsizetype count) {
+        for (qsizetype i = from; i < from + count; ++i) {
+            *out++ = unitOf(name[i]);
+        }
+    };
+    if (foldered) {  // "e00/d5a/": characters 0-2, then "d" and characters 3-4
+        put(0, 3);
+        *out++ = u'/';
+        *out++ = u'd';
+        put(3, 2);
+        *out++ = u'/';
+    }
+    put(0, name.size());
+    return location;
+}
+
 // The references of one project, each file once.
 class AupReferences {
 public:
     bool flat = false;  // the 1.x format: blockfiles in the data folder itself
-    QList<FileReference> references;
-    QStringList texts;
+    ReferenceList found;
 
     // Makes room for about `count` files.
     void reserve(qsizetype count) {
-        references.reserve(count);
-        texts.reserve(count);
-        seen_.reserve(count);
+        references_.reserve(count);
+        texts_.reserve(count);
     }
 
     // The start tag `tag` of an element named `name`.
     void element(QByteArrayView name, QByteArrayView tag) {
-        const auto value = [tag](QByteArrayView attribute) {
-            return QString::fromUtf8(tagAttribute(tag, attribute).value_or(QByteArray()));
-        };
         if (name == "simpleblockfile") {
-            addBlockFile(value("filename"));
+            addBlockFile(tag, "filename");
         } else if (name == "pcmaliasblockfile" || name == "odpcmaliasblockfile") {
-            addBlockFile(value("summaryfile"));
-            addOutside(value("aliasfile"));
+            addBlockFile(tag, "summaryfile");
+            addOutside(attributeText(tag, "aliasfile"));
         } else if (name == "legacyblockfile") {
-            addBlockFile(value("name"));
+            addBlockFile(tag, "name");
         } else if (name == "legacyaliasblockfile") {
-            addBlockFile(value("name"));
-            addOutside(value("aliaspath"));
+            addBlockFile(tag, "name");
+            addOutside(attributeText(tag, "aliaspath"));
         } else if (name == "import") {
-            addOutside(value("filename"));  // a compressed copy's audio beside the project
+            addOutside(attributeText(tag, "filename"));  // a compressed copy's audio beside it
         }
     }
 
 private:
-    void addBlockFile(const QString& name) {
-        // A blockfile is a name, never a path: one holding a separator or a step up names no
-        // file of the data folder.
-        if (name.isEmpty() || name.contains(u'/') || name.contains(u'\\') || name == u".." ||
-            name.size() > 255) {
+    void addBlockFile(QByteArrayView tag, QByteArrayView attribute) {
+        const std::optional<QByteArrayView> text = tagAttributeText(tag, attribute);
+        if (!text || text->isEmpty()) {
             return;
         }
-        const QString location = blockFileLocation(name, flat);
-        add({FileReference::Base::DataFolder, location, {}}, location);
+        // Most names are ASCII without escapes ("e0000090.au"): their location is made from the
+        // bytes as they stand, with no text of the name alone.
+        if (QtPrivate::isAscii(QLatin1StringView(*text)) && !text->contains('&')) {
+            if (isBlockFileName(*text)) {
+                const QString location = blockFileLocationOf(*text, flat);
+                add({FileReference::Base::DataFolder, location, {}}, location);
+            }
+            return;
+        }
+        const QString name = attributeText(tag, attribute);
+        if (isBlockFileName(QStringView(name))) {
+            const QString location = blockFileLocationOf(QStringView(name), flat);
+            add({FileReference::Base::DataFolder, location, {}}, location);
+        }
     }
 
     void addOutside(const QString& path) {
@@ -81,32 +146,19 @@ private:
         }
     }
 
+    // Gathered first and added at the end, many at once (ReferenceList::addEach).
     void add(FileReference reference, const QString& text) {
-        const qsizetype before = seen_.size();
-        seen_.insert(text);
-        if (seen_.size() > before) {
-            references.append(std::move(reference));
-            texts.append(text);
-        }
+        references_.append(std::move(reference));
+        texts_.append(text);
     }
 
-    QSet<QString> seen_;
+public:
+    void finish() { found.addEach(std::exchange(references_, {}), std::exchange(texts_, {})); }
+
+private:
+    QList<FileReference> references_;
+    QStringList texts_;
 };
-
-}  // namespace
-
-QString blockFileLocation(const QString& name, bool flat) {
-    if (flat || name.size() < 6) {
-        return name;
-    }
-    QString location;
-    location.reserve(name.size() + 8);
-    location.append(QStringView(name).first(3)).append(QLatin1String("/d"));
-    location.append(QStringView(name).sliced(3, 2)).append(u'/').append(name);
-    return location;
-}
-
-namespace {
 
 constexpr QByteArrayView kBlockFile = "blockfile";
 constexpr QByteArrayView kImport = "<import";
@@ -180,10 +232,10 @@ SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
     if (!endsWithClosing(bytes, closing)) {
         return failedRead(ReadFailure::CutShort, QString::fromLatin1(closing));
     }
-    AupReferences found;
-    found.flat = flat;
-    // A project names a blockfile every few hundred bytes, most of them once.
-    found.reserve(std::min<qsizetype>(bytes.size() / 256, 1 << 22));
+    AupReferences project;
+    project.flat = flat;
+    // A project names a blockfile every hundred bytes or two, most of them once.
+    project.reserve(std::min<qsizetype>(bytes.size() / 128, 1 << 22));
     FileElements elements(bytes, root);
     for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
         const QByteArrayView tag = startTagAt(bytes, at);
@@ -192,11 +244,11 @@ SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
                 ReadFailure::Damaged,
                 QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
         }
-        found.element(name, tag);
+        project.element(name, tag);
     }
+    project.finish();
     SessionRead read;
-    read.paths = std::move(found.texts);
-    read.references = std::move(found.references);
+    project.found.moveInto(read);
     return read;
 }
 

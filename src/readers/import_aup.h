@@ -24,8 +24,4 @@ SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place);
 /// opened, fails as damaged. Nothing for a file of another extension, which is read as bytes.
 std::optional<SessionRead> readAup3File(const QString& fileName);
 
-/// Where the blockfile `name` lies in its data folder: "e00/d00/e0000090.au", or the name alone
-/// for the 1.x format (`flat`) and for a name too short to hold its folders.
-QString blockFileLocation(const QString& name, bool flat);
-
 }  // namespace tidewick

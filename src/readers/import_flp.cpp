@@ -2,6 +2,7 @@
 
 #include <QSet>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
 #include "readers/xml_pieces.h"
@@ -125,16 +126,14 @@ void addPrefixedStrings(QByteArrayView data, int unit, QStringList& paths) {
 // The references of the project's events, each path once.
 class FlpPaths {
 public:
-    QList<FileReference> references;
-    QStringList texts;
+    ReferenceList found;
     bool utf16 = false;
 
     void add(const QString& path) {
         if (path.isEmpty() || path.size() > kMaxPathBytes || isPluginModule(path) ||
-            seen_.contains(path)) {
+            found.contains(path)) {
             return;
         }
-        seen_.insert(path);
         FileReference reference;
         const bool rooted = path.startsWith(u'/') || path.startsWith(QLatin1String("\\\\")) ||
                             (path.size() > 2 && path[1] == u':');
@@ -146,12 +145,8 @@ public:
         } else {
             reference = {FileReference::Base::SessionFolder, path, {}};
         }
-        references.append(std::move(reference));
-        texts.append(path);
+        found.add(std::move(reference), path);
     }
-
-private:
-    QSet<QString> seen_;
 };
 
 // FL 12 and later write their texts in UTF-16LE.
@@ -191,7 +186,7 @@ SessionRead readFlpSession(QByteArrayView bytes, const SessionPlace& place) {
         return damaged(bytes.size());  // cut short: the events it lost may name samples
     }
     const QByteArrayView events = bytes.sliced(begin, qsizetype(declared));
-    FlpPaths found;
+    FlpPaths project;
     for (qsizetype at = 0; at < events.size();) {
         const quint8 id = quint8(events[at++]);
         quint64 length = id < 64 ? 1 : id < 128 ? 2 : id < 192 ? 4 : 0;
@@ -211,19 +206,18 @@ SessionRead readFlpSession(QByteArrayView bytes, const SessionPlace& place) {
         const QByteArrayView data = events.sliced(at, qsizetype(length));
         at += qsizetype(length);
         if (id == kVersion) {
-            found.utf16 = versionWritesUtf16(data);
+            project.utf16 = versionWritesUtf16(data);
         } else if (id == kSamplePath) {
             // A project without its version still shows UTF-16LE by the NUL after a character.
-            found.add(decodedText(data, found.utf16 || (data.size() > 1 && data[1] == '\0')));
+            project.add(decodedText(data, project.utf16 || (data.size() > 1 && data[1] == '\0')));
         } else if (id == kPluginNew || id == kPluginState) {
             for (const QString& path : pathsInPluginState(data)) {
-                found.add(path);
+                project.add(path);
             }
         }
     }
     SessionRead read;
-    read.paths = std::move(found.texts);
-    read.references = std::move(found.references);
+    project.found.moveInto(read);
     return read;
 }
 

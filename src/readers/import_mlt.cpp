@@ -2,6 +2,7 @@
 
 #include <QSet>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/xml_pieces.h"
 
@@ -65,8 +66,7 @@ class MltClips {
 public:
     explicit MltClips(const QString& root) : root_(root) {}
 
-    QList<FileReference> references;
-    QStringList texts;
+    ReferenceList found;
 
     void visit(QXmlStreamReader& xml) {
         const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
@@ -108,10 +108,9 @@ private:
     void add(const QString& value) {
         bool pattern = false;
         const QString path = mltResourcePath(value, &pattern);
-        if (path.isEmpty() || path.size() > kMaxPathBytes || seen_.contains(path)) {
+        if (path.isEmpty() || path.size() > kMaxPathBytes || found.contains(path)) {
             return;
         }
-        seen_.insert(path);
         FileReference reference;
         reference.pattern = pattern;
         if (isRooted(path)) {
@@ -123,14 +122,12 @@ private:
                 reference.absolute = {root_ + u'/' + path};
             }
         }
-        references.append(std::move(reference));
-        texts.append(path);
+        found.add(std::move(reference), path);
     }
 
     QString root_;
     int clipDepth_ = 0;
     Clip clip_;
-    QSet<QString> seen_;
 };
 
 }  // namespace
@@ -185,8 +182,7 @@ SessionRead readMltSession(QByteArrayView bytes, const SessionPlace& place) {
                                  QStringLiteral("its XML breaks off at line %1").arg(*broken));
     }
     SessionRead read;
-    read.paths = std::move(clips.texts);
-    read.references = std::move(clips.references);
+    clips.found.moveInto(read);
     return read;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QDir>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
 #include "text/path_text.h"

@@ -3,6 +3,7 @@
 #include <QXmlStreamReader>
 #include <cstring>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
 

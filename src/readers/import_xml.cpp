@@ -3,6 +3,7 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
+#include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
 

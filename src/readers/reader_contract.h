@@ -19,30 +19,6 @@ namespace tidewick {
 /// MLT projects of Kdenlive and Shotcut), which share one.
 enum class SessionKindId { Ses, Sesx, Xml, Rpp, Veg, Als, Aup, Ardour, Flp, Mlt };
 
-/// The media paths of a session, in the order first met, never the same text twice (letter
-/// case counts). The set beside the list keeps the duplicate test constant-time.
-class MediaPathList {
-public:
-    /// Appends `path` unless the list holds it already; returns whether it was appended.
-    bool appendUnique(const QString& path) {
-        if (seen_.contains(path)) {
-            return false;
-        }
-        seen_.insert(path);
-        paths_.append(path);
-        return true;
-    }
-    const QStringList& paths() const { return paths_; }
-    QStringList takePaths() {
-        seen_.clear();
-        return std::move(paths_);
-    }
-
-private:
-    QStringList paths_;
-    QSet<QString> seen_;
-};
-
 /// A 4-byte identifier of a binary session ("FILE", "LIST", "vers"), held without allocating.
 struct FourCC {
     char bytes[4] = {0, 0, 0, 0};

@@ -349,7 +349,7 @@ QByteArrayView startTagAt(QByteArrayView text, qsizetype at) {
     return {};
 }
 
-std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name) {
+std::optional<QByteArrayView> tagAttributeText(QByteArrayView tag, QByteArrayView name) {
     const auto skipSpace = [&tag](qsizetype at) {
         while (at < tag.size() && isXmlSpace(tag[at])) {
             ++at;
@@ -383,10 +383,15 @@ std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name) 
             return std::nullopt;
         }
         if (attribute == name) {
-            return decodeXmlEscapes(tag.sliced(at + 1, close - at - 1));
+            return tag.sliced(at + 1, close - at - 1);
         }
         at = close + 1;
     }
+}
+
+std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name) {
+    const std::optional<QByteArrayView> text = tagAttributeText(tag, name);
+    return text ? std::optional(decodeXmlEscapes(*text)) : std::nullopt;
 }
 
 SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail) {

@@ -102,6 +102,8 @@ QByteArrayView startTagAt(QByteArrayView text, qsizetype at);
 /// The value of the attribute `name` of the start tag `tag` ("<a href='x' n=\"1\"/>"), in double or
 /// single quotes, its XML escapes decoded; nothing when the tag has no such attribute.
 std::optional<QByteArray> tagAttribute(QByteArrayView tag, QByteArrayView name);
+/// The same value as written between its quotes, its escapes not decoded.
+std::optional<QByteArrayView> tagAttributeText(QByteArrayView tag, QByteArrayView name);
 /// A read that found no session it could use: `failure`'s problem of `kind` (a file of another
 /// kind is rejected, any other failure fails the read), with `detail` for its message.
 SessionRead failedSessionRead(SessionKindId kind, ReadFailure failure, const QString& detail);

@@ -56,6 +56,38 @@ TEST(AupReader, AliasBlockFilesNameTheirAudioAndSummary) {
                                     {Base::DataFolder, "e00/d00/e0000001.au", {}}}));
 }
 
+// Thousands of blockfiles, each named twice far apart (as tracks that share blocks do), among
+// names written with escapes or beyond ASCII and names that are paths: each file once, in the
+// order first met.
+TEST(AupReader, ListsEachOfManyBlockFilesOnceInOrder) {
+    QByteArray project = "<?xml version=\"1.0\"?><project version=\"1.3.0\">\n";
+    QStringList expected;
+    constexpr int kBlocks = 5000;
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < kBlocks; ++i) {
+            const QByteArray name =
+                "e" + QByteArray::number(i * 7919 % 0xFFFFF, 16).rightJustified(7, '0') + ".au";
+            project += "<simpleblockfile filename=\"" + name + "\"/>\n";
+            if (round == 0) {
+                expected.append(
+                    QString::fromLatin1(name.first(3) + "/d" + name.sliced(3, 2) + "/" + name));
+            }
+        }
+    }
+    project +=
+        "<simpleblockfile filename=\"e00&amp;0001.au\"/>"
+        "<simpleblockfile filename=\"é0000001.au\"/>"
+        "<simpleblockfile filename=\"../e0000001.au\"/><simpleblockfile filename=\"..\"/>"
+        "<simpleblockfile filename=\"b1.au\"/></project>\n";
+    expected += {"e00/d&0/e00&0001.au", QStringLiteral("é00/d00/é0000001.au"), "b1.au"};
+    const SessionRead read = readAupSession(project, {});
+    EXPECT_EQ(read.paths, expected);
+    ASSERT_EQ(read.references.size(), expected.size());
+    for (qsizetype i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(read.references[i].relative, expected[i]);
+    }
+}
+
 TEST(AupReader, RefusesWhatIsNoWholeProject) {
     const QByteArray project =
         "<?xml version=\"1.0\"?>\n<project version=\"1.3.0\">\n"

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+#include "readers/reader_contract.h"
+
+// The lists a reader gathers its paths in: each text once, in the order first met. A session may
+// name hundreds of thousands of files (an Audacity project's blockfiles), so the test "met
+// before?" costs one look into a table of the texts' hashes, with no allocation of its own.
+namespace tidewick {
+
+/// The media paths of a session, in the order first met, never the same text twice (letter
+/// case counts).
+class MediaPathList {
+public:
+    /// Makes room for about `count` paths.
+    void reserve(qsizetype count);
+    /// Appends `path` unless the list holds it already; returns whether it was appended.
+    bool appendUnique(const QString& path);
+    /// Appends each of `paths` that the list does not hold yet, in order; whether each was. Many
+    /// at once cost less than one at a time: the table is looked into ahead of each test.
+    std::vector<bool> appendEachUnique(QStringList paths);
+    bool contains(QStringView path) const { return slotOf(path, hashOf(path)) >= 0; }
+    const QStringList& paths() const { return paths_; }
+    QStringList takePaths();
+
+private:
+    static quint32 hashOf(QStringView text);
+    // The slot of `text` in `slots_`, or -1 when the list lacks it.
+    qsizetype slotOf(QStringView text, quint32 hash) const;
+    bool insert(const QString& path, quint32 hash);
+    // Puts the path numbered `number` (its index plus one), of hash `hash`, into the table.
+    void place(quint32 hash, qsizetype number);
+    void grow();
+
+    QStringList paths_;
+    // Open addressing: each slot is empty (0) or holds a path's hash (high half) and its index
+    // in `paths_` plus one (low half); the table is kept at most half full.
+    std::vector<quint64> slots_;
+};
+
+/// The references of a project kind's session, with the text of each as the session writes it
+/// (a read's `paths`), each text once.
+class ReferenceList {
+public:
+    void reserve(qsizetype count) {
+        texts_.reserve(count);
+        references_.reserve(count);
+    }
+    bool contains(QStringView text) const { return texts_.contains(text); }
+    /// Adds `reference`, written as `text`, unless a reference of that text is in already.
+    bool add(FileReference reference, const QString& text) {
+        if (!texts_.appendUnique(text)) {
+            return false;
+        }
+        references_.append(std::move(reference));
+        return true;
+    }
+    /// Adds each reference with its text, as add does one at a time.
+    void addEach(QList<FileReference> references, QStringList texts) {
+        const std::vector<bool> added = texts_.appendEachUnique(std::move(texts));
+        const qsizetype from = references_.size();
+        if (from == 0) {
+            references_ = std::move(references);
+        } else {
+            references_.append(std::move(references));
+        }
+        qsizetype kept = from;
+        for (qsizetype i = from; i < references_.size(); ++i) {
+            if (added[size_t(i - from)]) {
+                references_[kept++] = std::move(references_[i]);
+            }
+        }
+        references_.resize(kept);
+    }
+    qsizetype size() const { return references_.size(); }
+    /// Hands the references and their texts to `read`.
+    void moveInto(SessionRead& read) {
+        read.paths = texts_.takePaths();
+        read.references = std::move(references_);
+    }
+
+private:
+    MediaPathList texts_;
+    QList<FileReference> references_;
+};
+
+}  // namespace tidewick
