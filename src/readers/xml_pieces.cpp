@@ -1,7 +1,14 @@
 #include "readers/xml_pieces.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <tuple>
+#include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include "readers/session_bytes.h"
 
@@ -39,6 +46,61 @@ bool visitPiece(QXmlStreamReader& xml, const XmlVisit& visit) {
             return false;  // a closing tag of no element of the piece
         }
     }
+}
+
+// The next start tag at or after `from` of an element named one of `names`, and which: its "<"
+// and the name's index; -1 when there is none. Sixteen bytes at a time are tested for a "<" with
+// a name's last letter where it would stand (a search word's first and last characters, the way
+// vectorised searches go), and only those are compared whole.
+std::pair<qsizetype, qsizetype> nextStartTag(QByteArrayView bytes,
+                                             const QList<QByteArrayView>& names, qsizetype from) {
+    const char* data = bytes.data();
+    const qsizetype size = bytes.size();
+    const auto nameAt = [&](qsizetype at) {
+        for (qsizetype n = 0; n < names.size(); ++n) {
+            const QByteArrayView name = names[n];
+            const qsizetype after = at + 1 + name.size();
+            if (after < size && data[at] == '<' &&
+                std::memcmp(data + at + 1, name.data(), size_t(name.size())) == 0 &&
+                endsName(data[after])) {
+                return n;
+            }
+        }
+        return qsizetype(-1);
+    };
+#ifdef __SSE2__
+    qsizetype longest = 0;
+    for (const QByteArrayView name : names) {
+        longest = std::max(longest, name.size());
+    }
+    const __m128i open = _mm_set1_epi8('<');
+    for (; from + longest + 16 <= size; from += 16) {
+        const __m128i opens =
+            _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from)), open);
+        if (_mm_movemask_epi8(opens) == 0) {
+            continue;
+        }
+        unsigned hits = 0;
+        for (qsizetype n = 0; n < names.size(); ++n) {
+            const __m128i last =
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from + names[n].size()));
+            hits |= unsigned(_mm_movemask_epi8(
+                _mm_and_si128(opens, _mm_cmpeq_epi8(last, _mm_set1_epi8(names[n].back())))));
+        }
+        for (; hits != 0; hits &= hits - 1) {
+            const qsizetype at = from + std::countr_zero(hits);
+            if (const qsizetype n = nameAt(at); n >= 0) {
+                return {at, n};
+            }
+        }
+    }
+#endif
+    for (; from < size; ++from) {
+        if (const qsizetype n = nameAt(from); n >= 0) {
+            return {from, n};
+        }
+    }
+    return {-1, -1};
 }
 
 }  // namespace
@@ -85,25 +147,15 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
             return false;
         }
     }
-    // One pass from "<" to "<" (memchr) finds the start tags of every name at once.
-    for (qsizetype at = bytes.indexOf('<'); at >= 0; at = bytes.indexOf('<', at + 1)) {
-        // Most tags are of other elements: their first letter turns them away.
-        const auto named = std::find_if(names.cbegin(), names.cend(), [&](QByteArrayView name) {
-            const qsizetype after = at + 1 + name.size();
-            return after < bytes.size() && bytes[at + 1] == name[0] &&
-                   std::memcmp(bytes.data() + at + 1, name.data(), size_t(name.size())) == 0 &&
-                   endsName(bytes[after]);
-        });
-        if (named == names.cend()) {
-            continue;
-        }
+    for (auto [at, named] = nextStartTag(bytes, names, 0); at >= 0;
+         std::tie(at, named) = nextStartTag(bytes, names, at + 1)) {
         const qsizetype tagEnd = bytes.indexOf('>', at);
         if (tagEnd < 0) {
             return false;
         }
         qsizetype end = tagEnd + 1;
         if (bytes[tagEnd - 1] != '/') {
-            const QByteArray close = "</" + named->toByteArray() + '>';
+            const QByteArray close = "</" + names[named].toByteArray() + '>';
             const qsizetype closing = findBytes(bytes, close, tagEnd);
             if (closing < 0) {
                 return false;
