@@ -113,9 +113,9 @@ Statted statNamed(int fd, const char* name, const Named& named, quint64 device) 
     return {Statted::File, qint64(info.st_size), link, id};
 }
 
-// One readdir pass, then one stat per name, a large folder's shared among the cores. The folders
-// themselves (no links to them) go into `folders`, when given; both lists keep the reading's
-// order.
+// One readdir pass, then one stat per name, a large folder's shared among the cores; the files
+// sorted by name (sortByName), which this thread works out while the others stat. The folders
+// themselves (no links to them) go into `folders`, when given.
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
                               const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
     QList<FolderEntry> entries;
@@ -148,7 +148,13 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     constexpr size_t kShare = 1024;  // names a core takes at a time
     std::vector<Statted> statted(named.size());
     std::atomic<size_t> next{0};
-    onCores(qsizetype(named.size() / (4 * kShare)) + 1, [&](bool) {
+    std::vector<qsizetype> order;
+    onCores(qsizetype(named.size() / (4 * kShare)) + 1, [&](bool here) {
+        if (here) {
+            order = orderByName(qsizetype(named.size()), [&named](qsizetype at) -> const QString& {
+                return named[size_t(at)].name;
+            });
+        }
         for (size_t from = next.fetch_add(kShare); from < named.size();
              from = next.fetch_add(kShare)) {
             for (size_t i = from; i < std::min(from + kShare, named.size()); ++i) {
@@ -158,7 +164,8 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     });
     ::closedir(dir);
     entries.reserve(qsizetype(named.size()));
-    for (size_t i = 0; i < named.size(); ++i) {
+    for (const qsizetype at : order) {
+        const size_t i = size_t(at);
         if (statted[i].what == Statted::File) {
             entries.append(
                 {std::move(named[i].name), statted[i].size, statted[i].link, statted[i].id});
@@ -214,6 +221,7 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
         }
         entries.append({info.fileName(), info.size(), info.isSymLink(), {}});
     }
+    sortByName(entries);
     return entries;
 }
 
@@ -323,9 +331,7 @@ Error lastError() {
 
 QList<FolderEntry> FileSystem::listFiles(const QString& folder, bool withHidden,
                                          const NameTest& wanted) const {
-    QList<FolderEntry> entries = readFolder(folder, withHidden, wanted);
-    sortByName(entries);
-    return entries;
+    return readFolder(folder, withHidden, wanted);
 }
 
 QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
@@ -337,7 +343,6 @@ QList<SubFolder> FileSystem::listFolders(const QString& folder) const {
 FileSystem::Contents FileSystem::listContents(const QString& folder) const {
     Contents contents;
     contents.files = readFolder(folder, true, {}, &contents.folders);
-    sortByName(contents.files);
     contents.folders.sort(Qt::CaseInsensitive);
     return contents;
 }
