@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "readers/reader_contract.h"
+#include "text/text_index.h"
 
 // The lists a reader gathers its paths in: each text once, in the order first met. A session may
 // name hundreds of thousands of files (an Audacity project's blockfiles), so the test "met
-// before?" costs one look into a table of the texts' hashes, with no allocation of its own.
+// before?" costs one look into a table of the texts' hashes (TextIndex).
 namespace tidewick {
 
 /// The media paths of a session, in the order first met, never the same text twice (letter
@@ -17,29 +18,30 @@ namespace tidewick {
 class MediaPathList {
 public:
     /// Makes room for about `count` paths.
-    void reserve(qsizetype count);
+    void reserve(qsizetype count) {
+        paths_.reserve(count);
+        index_.reserve(count);
+    }
     /// Appends `path` unless the list holds it already; returns whether it was appended.
-    bool appendUnique(const QString& path);
+    bool appendUnique(const QString& path) { return insert(path, TextIndex::hashOf(path)); }
     /// Appends each of `paths` that the list does not hold yet, in order; whether each was. Many
     /// at once cost less than one at a time: the table is looked into ahead of each test.
     std::vector<bool> appendEachUnique(QStringList paths);
-    bool contains(QStringView path) const { return slotOf(path, hashOf(path)) >= 0; }
+    bool contains(QStringView path) const;
     const QStringList& paths() const { return paths_; }
-    QStringList takePaths();
+    QStringList takePaths() {
+        index_.clear();
+        return std::move(paths_);
+    }
 
 private:
-    static quint32 hashOf(QStringView text);
-    // The slot of `text` in `slots_`, or -1 when the list lacks it.
-    qsizetype slotOf(QStringView text, quint32 hash) const;
+    auto textAt() const {
+        return [this](qsizetype at) -> const QString& { return paths_[at]; };
+    }
     bool insert(const QString& path, quint32 hash);
-    // Puts the path numbered `number` (its index plus one), of hash `hash`, into the table.
-    void place(quint32 hash, qsizetype number);
-    void grow();
 
     QStringList paths_;
-    // Open addressing: each slot is empty (0) or holds a path's hash (high half) and its index
-    // in `paths_` plus one (low half); the table is kept at most half full.
-    std::vector<quint64> slots_;
+    TextIndex index_;
 };
 
 /// The references of a project kind's session, with the text of each as the session writes it

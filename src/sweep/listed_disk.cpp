@@ -18,13 +18,13 @@ ListedDisk::Held ListedDisk::listing(const QString& folder) const {
 }
 
 std::pair<ListedDisk::Held, qsizetype> ListedDisk::entryOf(const QString& path) const {
-    const auto [folder, name] = folderAndName(path);
+    const qsizetype cut = nameStart(path);
     Held listed;
     {
         const std::lock_guard lock(mutex_);
-        listed = listings_.value(folder);
+        listed = listings_.value(path.left(cut));
     }
-    const qsizetype at = listed ? listed->names().value(name, -1) : -1;
+    const qsizetype at = listed ? listed->positionOf(QStringView(path).sliced(cut)) : -1;
     return {at >= 0 ? std::move(listed) : nullptr, at};
 }
 
@@ -40,7 +40,7 @@ void ListedDisk::Listing::index() const {
     std::call_once(indexed_, [this] {
         names_.reserve(entries.size());
         for (qsizetype i = 0; i < entries.size(); ++i) {
-            names_.insert(entries[i].name, i);
+            names_.insert(TextIndex::hashOf(entries[i].name), i);
             if (!entries[i].name.startsWith(u'.')) {
                 visible_.append(entries[i]);
             }
@@ -53,9 +53,10 @@ const QList<FolderEntry>& ListedDisk::Listing::visible() const {
     return visible_;
 }
 
-const QHash<QString, qsizetype>& ListedDisk::Listing::names() const {
+qsizetype ListedDisk::Listing::positionOf(QStringView name) const {
     index();
-    return names_;
+    return names_.find(name, TextIndex::hashOf(name),
+                       [this](qsizetype at) -> const QString& { return entries[at].name; });
 }
 
 void ListedDisk::keep(const QString& folder, QList<FolderEntry> entries) {

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "platform/file_system.h"
+#include "text/text_index.h"
 
 // The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
 // known to exist without asking the disk again. A name the listing lacks (a file of another
@@ -42,13 +43,14 @@ private:
         // The view without hidden files and the position of each name in `entries`, made when
         // first asked for: a walk of a library keeps many listings that no one looks into.
         const QList<FolderEntry>& visible() const;
-        const QHash<QString, qsizetype>& names() const;
+        /// The position of the file `name` in `entries`, or -1.
+        qsizetype positionOf(QStringView name) const;
 
     private:
         void index() const;
         mutable std::once_flag indexed_;
         mutable QList<FolderEntry> visible_;
-        mutable QHash<QString, qsizetype> names_;
+        mutable TextIndex names_;
     };
     using Held = std::shared_ptr<const Listing>;
     // The listing of `folder`, read now when it was not yet.

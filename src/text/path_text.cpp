@@ -21,10 +21,6 @@ QChar hostSeparator() {
 #endif
 }
 
-bool isPathSeparator(QChar c) {
-    return c == u'\\' || c == u'/';
-}
-
 QString withSeparator(QString folder) {
     AddBackslash(folder);
     return folder;
@@ -103,7 +99,7 @@ qsizetype endWithoutTrailingSeparators(const QString& path) {
     return end;
 }
 
-qsizetype lastSeparator(const QString& path, qsizetype end) {
+qsizetype lastSeparator(QStringView path, qsizetype end) {
     for (qsizetype i = end - 1; i >= 0; --i) {
         if (isPathSeparator(path[i])) {
             return i;
@@ -141,8 +137,12 @@ QString GetParentFolderName(const QString& path) {
     return parent;
 }
 
+qsizetype nameStart(QStringView path) {
+    return lastSeparator(path, path.size()) + 1;
+}
+
 std::pair<QString, QString> folderAndName(const QString& path) {
-    const qsizetype cut = lastSeparator(path, path.size()) + 1;
+    const qsizetype cut = nameStart(path);
     return {path.left(cut), path.mid(cut)};
 }
 

@@ -11,7 +11,9 @@ namespace tidewick {
 QChar hostSeparator();
 
 /// True for "\" and "/".
-bool isPathSeparator(QChar c);
+inline bool isPathSeparator(QChar c) {
+    return c == u'\\' || c == u'/';
+}
 
 /// Appends the host separator to `path` itself when its last character is no separator, and
 /// returns the result. Callers rely on both effects; empty text becomes the separator alone.
@@ -36,6 +38,8 @@ QString GetFileName(const QString& path);
 /// `path` cut after its last separator, as it stands: the folder with that separator, and the
 /// name ("/x/" and "take.wav" for "/x/take.wav"; "" and the whole for a bare name).
 std::pair<QString, QString> folderAndName(const QString& path);
+/// Where the name of `path` begins: past its last separator (0 for a bare name).
+qsizetype nameStart(QStringView path);
 
 /// The last component without its extension ("take" for "C:\x\take.wav").
 QString GetBaseName(const QString& path);
