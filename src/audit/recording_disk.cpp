@@ -112,6 +112,7 @@ void answerNow(char kind, const QString& path, const FileSystem& disk, QCryptogr
 template <typename T>
 T RecordingDisk::noted(char kind, const QString& path, T value) const {
     QByteArray asked = question(kind, path);
+    const std::lock_guard lock(mutex_);
     if (seen_.contains(asked)) {
         return value;
     }
@@ -142,6 +143,7 @@ bool RecordingDisk::listed(const QString& path) const {
 }
 
 QByteArray RecordingDisk::questions() const {
+    const std::lock_guard lock(mutex_);
     QByteArray questions;
     for (const Noted& noted : noted_) {
         if (!noted.byListing || !listed(pathOf(noted.question))) {
@@ -152,6 +154,7 @@ QByteArray RecordingDisk::questions() const {
 }
 
 QByteArray RecordingDisk::signature() const {
+    const std::lock_guard lock(mutex_);
     QCryptographicHash hash(QCryptographicHash::Sha1);
     for (const Noted& noted : noted_) {
         if (!noted.byListing || !listed(pathOf(noted.question))) {

@@ -4,6 +4,7 @@
 #include <QCryptographicHash>
 #include <QHash>
 #include <QSet>
+#include <mutex>
 
 #include "platform/file_system.h"
 #include "platform/result.h"
@@ -14,7 +15,7 @@
 // audit is a function of these answers (a session's bytes are vouched for by its size and time
 // of change, which it asks), so nothing it depends on can change unseen. A question that a
 // listing asked answers (a file of a listed folder that is there, and no link) is not kept: the
-// listing's answer holds it.
+// listing's answer holds it. Threads may ask it side by side, as a load's do.
 namespace tidewick {
 
 class RecordingDisk : public FileSystem {
@@ -47,10 +48,11 @@ private:
     // gives back `value`.
     template <typename T>
     T noted(char kind, const QString& path, T value) const;
-    // Whether a listing asked holds the file `path` and no link to it.
+    // Whether a listing asked holds the file `path` and no link to it; under the lock.
     bool listed(const QString& path) const;
 
     const FileSystem& disk_;
+    mutable std::mutex mutex_;  // over what is noted
     mutable QList<Noted> noted_;
     mutable QSet<QByteArray> seen_;
     mutable QHash<QString, QSet<QString>> listed_;  // by folder: its files that are no links

@@ -67,6 +67,8 @@ struct SubFolder {
     bool operator==(const SubFolder&) const = default;
 };
 
+/// The disk as the core asks it. Threads may ask one disk side by side (a load builds its used
+/// index beside its guard): a disk that keeps anything of the questions guards it.
 class FileSystem {
 public:
     virtual ~FileSystem() = default;

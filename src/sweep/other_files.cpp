@@ -1,4 +1,8 @@
 #include <algorithm>
+#include <atomic>
+#include <vector>
+
+#include "platform/on_cores.h"
 
 #include "sweep/sweep.h"
 #include "text/letter_case.h"
@@ -89,39 +93,83 @@ private:
         }
         listedFolders_.insert(folder);
         const QList<FolderEntry> entries = fs_.listFiles(folder);
-        const QString ignoreUpper = upperCase(sessionToIgnore);
-        const QString usedFolderKey = usedKey(folder);
-        QString key = usedFolderKey;  // each file's key, made in place
-
+        const Verdicts verdicts = judge(entries, folder, sessionToIgnore);
         QList<const FolderEntry*> peakFiles;
-        for (const FolderEntry& entry : entries) {
-            // A name ending in the peak extension is exactly one that the peak pattern selects:
-            // such files have their own pass below.
-            if (kind_.projectScope && partOfProjectSession(entry.name)) {
-                continue;  // a set, a project or its database's companions: never offered
-            }
-            if (isPeakFile(entry.name)) {
-                if (request_.peaksListed) {
+        for (qsizetype i = 0; i < entries.size(); ++i) {
+            const FolderEntry& entry = entries[i];
+            switch (verdicts.each[size_t(i)]) {
+                case Verdict::Peak:
                     peakFiles.append(&entry);
-                }
-                continue;
-            }
-            if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
-                continue;
-            }
-            if (!ignoreUpper.isEmpty() &&
-                wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
-                continue;
-            }
-            keyInPlace(key, usedFolderKey.size(), entry.name);
-            if (!used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id) &&
-                !kept(folder, prefix, entry, key)) {
-                add(prefix.isEmpty() ? entry.name : prefix + entry.name, entry);
+                    break;
+                case Verdict::Kept:
+                    noteKept(folder, prefix, entry, *verdicts.keepers[size_t(i)]);
+                    break;
+                case Verdict::Other:
+                    add(prefix.isEmpty() ? entry.name : prefix + entry.name, entry);
+                    break;
+                case Verdict::Passed:
+                    break;
             }
         }
         if (request_.peaksListed) {
             addPeakFiles(folder, prefix, peakFiles);
         }
+    }
+
+    // What becomes of each file of a folder: passed over, a peak file for the peaks' own pass,
+    // used, kept by a session (and by which), or another file.
+    enum class Verdict : quint8 { Passed, Peak, Kept, Other };
+    struct Verdicts {
+        std::vector<Verdict> each;
+        std::vector<const QStringList*> keepers;
+    };
+
+    // The verdicts on `entries`, the files of `folder`, leaving out names that match
+    // `sessionToIgnore`. Each is a question to the used index alone, so a large folder's are
+    // shared among the cores.
+    Verdicts judge(const QList<FolderEntry>& entries, const QString& folder,
+                   const QString& sessionToIgnore) const {
+        const QString ignoreUpper = upperCase(sessionToIgnore);
+        const QString usedFolderKey = usedKey(folder);
+        Verdicts verdicts{std::vector<Verdict>(size_t(entries.size())),
+                          std::vector<const QStringList*>(size_t(entries.size()))};
+        constexpr qsizetype kShare = 4096;  // files a core takes at a time
+        std::atomic<qsizetype> next{0};
+        onCores(entries.size() / kShare + 1, [&](bool) {
+            QString key = usedFolderKey;  // each file's key, made in place
+            for (qsizetype from = next.fetch_add(kShare); from < entries.size();
+                 from = next.fetch_add(kShare)) {
+                for (qsizetype i = from; i < std::min(from + kShare, entries.size()); ++i) {
+                    verdicts.each[size_t(i)] = verdictOn(entries[i], usedFolderKey, ignoreUpper,
+                                                         key, verdicts.keepers[size_t(i)]);
+                }
+            }
+        });
+        return verdicts;
+    }
+
+    Verdict verdictOn(const FolderEntry& entry, const QString& usedFolderKey,
+                      const QString& ignoreUpper, QString& key, const QStringList*& keepers) const {
+        // A name ending in the peak extension is exactly one that the peak pattern selects:
+        // such files have their own pass.
+        if (kind_.projectScope && partOfProjectSession(entry.name)) {
+            return Verdict::Passed;  // a set, a project or its database's companions: never offered
+        }
+        if (isPeakFile(entry.name)) {
+            return request_.peaksListed ? Verdict::Peak : Verdict::Passed;
+        }
+        if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
+            return Verdict::Passed;
+        }
+        if (!ignoreUpper.isEmpty() && wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
+            return Verdict::Passed;
+        }
+        keyInPlace(key, usedFolderKey.size(), entry.name);
+        if (used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id)) {
+            return Verdict::Passed;
+        }
+        keepers = used_.keptBy(key, entry.id);
+        return keepers ? Verdict::Kept : Verdict::Other;
     }
 
     // The peak files' endings: the kind's own, or on the project kinds' shared tab those of
@@ -148,14 +196,18 @@ private:
     bool kept(const QString& folder, const QString& prefix, const FolderEntry& entry,
               const QString& key) {
         const QStringList* keepers = used_.keptBy(key, entry.id);
-        if (keepers == nullptr) {
-            return false;
+        if (keepers != nullptr) {
+            noteKept(folder, prefix, entry, *keepers);
         }
+        return keepers != nullptr;
+    }
+
+    void noteKept(const QString& folder, const QString& prefix, const FolderEntry& entry,
+                  const QStringList& keepers) {
         // A folder is listed once, so no file is noted twice.
         if (kept_ != nullptr) {
-            kept_->append({prefix + entry.name, folder + entry.name, entry.size, *keepers});
+            kept_->append({prefix + entry.name, folder + entry.name, entry.size, keepers});
         }
-        return true;
     }
 
     // A peak file belongs to the used media of the same base name: song.pk to song.wav, and

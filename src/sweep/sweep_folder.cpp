@@ -1,3 +1,5 @@
+#include <future>
+
 #include "sweep/listed_disk.h"
 #include "sweep/sweep.h"
 #include "text/path_text.h"
@@ -60,15 +62,21 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
         sweep.used.recordFolder.remove(u'"');
         listed.subFolder = reaperSubFolder(sweep.used.recordFolder, request.folder, disk);
     }
-    auto index =
-        std::make_shared<UsedIndex>(sweep.used.lines, request.folder, request.trimFolders, disk);
-    const QString folder = withSeparator(request.folder);
-    for (const UsedLine& line : sweep.used.lines) {
-        if (!line.keptFile.isEmpty()) {
-            index->keep(otherFilePath(folder, line.keptFile), line.sessions.value(0), disk);
+    // The load's own index is made beside the guard, on another core: both ask only the listed
+    // disk, which answers threads side by side.
+    auto indexed = std::async(request.guarded ? std::launch::async : std::launch::deferred, [&] {
+        auto index = std::make_shared<UsedIndex>(sweep.used.lines, request.folder,
+                                                 request.trimFolders, disk);
+        const QString folder = withSeparator(request.folder);
+        for (const UsedLine& line : sweep.used.lines) {
+            if (!line.keptFile.isEmpty()) {
+                index->keep(otherFilePath(folder, line.keptFile), line.sessions.value(0), disk);
+            }
         }
-    }
+        return index;
+    });
     sweep.folders = listedFolders(request, listed.subFolder, disk);
+    std::shared_ptr<const UsedIndex> guard;
     if (request.guarded) {
         const QStringList& folders = sweep.folders;
         for (const QString& each : folders) {
@@ -78,18 +86,22 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
         const Result<QList<SessionElsewhere>> elsewhere = request.sessionsElsewhere
                                                               ? request.sessionsElsewhere(folders)
                                                               : QList<SessionElsewhere>();
-        auto guard = elsewhere ? sessionGuard(folders, request.folder, disk, cache, events,
-                                              &stoppedAt, *elsewhere)
-                               : nullptr;
+        guard = elsewhere ? sessionGuard(folders, request.folder, disk, cache, events, &stoppedAt,
+                                         *elsewhere)
+                          : nullptr;
         if (!elsewhere) {
             stoppedAt = elsewhere.error().cause;
         }
         if (!guard) {
+            indexed.wait();  // it reads the lines that change now
             sweep.used.stopped = true;
             sweep.used.stoppedAt = stoppedAt;
             sweep.used.unread = 0;
             return sweep;
         }
+    }
+    const std::shared_ptr<UsedIndex> index = indexed.get();
+    if (guard) {
         index->addGuard(std::move(guard));
     }
     sweep.index = index;
