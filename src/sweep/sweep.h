@@ -12,6 +12,7 @@
 #include "platform/result.h"
 #include "readers/session_kinds.h"
 #include "sweep/project_files.h"
+#include "text/text_index.h"
 
 // The sweep of one session folder as plain values: which media its sessions use, and which
 // other files of the folder no session uses ("Files to be Moved"). The main window adapts its
@@ -171,11 +172,11 @@ public:
 
 private:
     bool trimmed_;
-    QSet<QString> files_, lines_;
-    QHash<QString, bool> mediaOwners_;  // the base names of media, each whether a "wav" has it
+    TextSet files_, lines_;
+    TextMap<bool> mediaOwners_;  // the base names of media, each whether a "wav" has it
     QSet<FileId> ids_;
     QList<QStringList> keepers_;  // by kept file
-    QHash<QString, qsizetype> keptKeys_;
+    TextMap<qsizetype> keptKeys_;
     QHash<FileId, qsizetype> keptIds_;
     QList<std::shared_ptr<const UsedIndex>> guards_;
 

@@ -65,8 +65,8 @@ void UsedIndex::notePeakOwner(const QString& path) {
 }
 
 bool UsedIndex::ownsPeak(const QString& base, bool anyMedia) const {
-    const auto owned = mediaOwners_.constFind(base);
-    return (owned != mediaOwners_.constEnd() && (anyMedia || *owned)) ||
+    const bool* owned = mediaOwners_.find(base);
+    return (owned != nullptr && (anyMedia || *owned)) ||
            std::any_of(guards_.cbegin(), guards_.cend(),
                        [&](const auto& guard) { return guard->ownsPeak(base, anyMedia); });
 }
@@ -94,7 +94,8 @@ bool UsedIndex::names(const QString& key, const QString& folderKey, const QStrin
 void UsedIndex::keep(const QString& path, const QString& session, const FileSystem& fs) {
     notePeakOwner(path);  // its peak files are kept with "Keep Used ... Files" too
     const QString key = usedKey(cleanHostPath(path));
-    qsizetype at = keptKeys_.value(key, -1);
+    const qsizetype* known = keptKeys_.find(key);
+    qsizetype at = known ? *known : -1;
     const QList<FileId> ids = fs.fileIds(path);
     for (const FileId& id : ids) {
         if (at < 0) {
@@ -105,7 +106,7 @@ void UsedIndex::keep(const QString& path, const QString& session, const FileSyst
         at = keepers_.size();
         keepers_.append(QStringList());
     }
-    keptKeys_.insert(key, at);
+    keptKeys_[key] = at;
     for (const FileId& id : ids) {
         keptIds_.insert(id, at);
     }
@@ -122,7 +123,8 @@ void UsedIndex::hide(const QString& path, const FileSystem& fs) {
 }
 
 const QStringList* UsedIndex::keptBy(const QString& key, FileId id) const {
-    qsizetype at = keptKeys_.value(key, -1);
+    const qsizetype* known = keptKeys_.find(key);
+    qsizetype at = known ? *known : -1;
     if (at < 0 && id.isKnown()) {
         at = keptIds_.value(id, -1);
     }

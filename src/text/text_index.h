@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QList>
+#include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <vector>
 
@@ -59,6 +62,62 @@ private:
     // half); the table is kept at most half full.
     std::vector<quint64> slots_;
     qsizetype count_ = 0;
+};
+
+/// Texts, each once, with a value each: a hash of strings in which a lookup by a view copies
+/// nothing and each text is hashed once.
+template <typename Value>
+class TextMap {
+    struct TextAt {
+        const QStringList& texts;
+        const QString& operator()(qsizetype at) const { return texts[at]; }
+    };
+
+public:
+    void reserve(qsizetype count) {
+        texts_.reserve(count);
+        values_.reserve(count);
+        index_.reserve(count);
+    }
+    qsizetype size() const { return texts_.size(); }
+    bool contains(QStringView text) const { return positionOf(text) >= 0; }
+    /// The value of `text`, or nullptr when the map lacks it.
+    const Value* find(QStringView text) const {
+        const qsizetype at = positionOf(text);
+        return at < 0 ? nullptr : &values_[at];
+    }
+    /// The value of `text`, a default one put in first when the map lacks it.
+    Value& operator[](const QString& text) {
+        const quint32 hash = TextIndex::hashOf(text);
+        qsizetype at = index_.find(text, hash, TextAt{texts_});
+        if (at < 0) {
+            at = texts_.size();
+            texts_.append(text);
+            values_.append(Value());
+            index_.insert(hash, at);
+        }
+        return values_[at];
+    }
+
+private:
+    qsizetype positionOf(QStringView text) const {
+        return index_.find(text, TextIndex::hashOf(text), TextAt{texts_});
+    }
+
+    QStringList texts_;
+    QList<Value> values_;
+    TextIndex index_;
+};
+
+/// Texts, each once (TextMap without values).
+class TextSet {
+public:
+    void reserve(qsizetype count) { map_.reserve(count); }
+    void insert(const QString& text) { map_[text]; }
+    bool contains(QStringView text) const { return map_.contains(text); }
+
+private:
+    TextMap<bool> map_;
 };
 
 }  // namespace tidewick
