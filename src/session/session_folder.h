@@ -152,6 +152,8 @@ public:
     QList<int> rowsOnDisk() const;
     /// How many sessions the last load read or meant to read.
     qsizetype scannedCount() const;
+    /// The disk the folder is read from.
+    const FileSystem& disk() const { return disk_; }
 
 private:
     const FileSystem& disk_;

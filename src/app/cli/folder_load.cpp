@@ -197,10 +197,9 @@ int loadFolder(const FolderArguments& arguments, SessionFolder& folder, QTextStr
             << '\n';
         return UsageError;
     }
-    const FileSystem disk;
     // The options a switch to the kind's tab leaves, then the session picked or "Check All".
     const SessionOptions& asked = arguments.options;
-    SessionOptions options = atFolder(asked, folderInfo.absoluteFilePath(), disk);
+    SessionOptions options = atFolder(asked, folderInfo.absoluteFilePath(), folder.disk());
     if (arguments.all) {
         options = withWholeFolder(options);
     } else {

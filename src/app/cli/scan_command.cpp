@@ -8,6 +8,7 @@
 #include "app/cli/folder_load.h"
 #include "forms/captions.h"
 #include "readers/session_kinds.h"
+#include "sweep/listed_disk.h"
 #include "sweep/media_types.h"
 #include "sweep/sweep.h"
 #include "text/path_text.h"
@@ -133,7 +134,9 @@ int runScan(const CommandLine& line, QTextStream& out, QTextStream& err) {
     if (!parsed) {
         return UsageError;
     }
-    const FileSystem disk;
+    // A scan changes nothing: each folder is listed once for the whole command.
+    const FileSystem real;
+    const ListedDisk disk(real);
     SessionFolder folder(disk);
     QStringList problems;
     const int exitCode = loadFolder(*parsed, folder, err, QStringLiteral("scan"), &problems);
