@@ -40,12 +40,14 @@ Captions captionsOf(const SessionFolder& folder) {
 void printFolder(const SessionFolder& folder, QTextStream& out) {
     const Captions captions = captionsOf(folder);
     out << "used: " << visibleText(captions.used) << '\n';
+    // A folder's lines run to tens of thousands: each is written as UTF-16 text, which the
+    // stream takes as it is, where a C string would be decoded first.
     for (const UsedLine& line : shownUsedLines(folder.used())) {
-        out << (line.exists ? "[x] " : "[ ] ") << visibleText(line.text) << '\n';
+        out << QStringView(line.exists ? u"[x] " : u"[ ] ") << visibleText(line.text) << u'\n';
     }
     out << "unused: " << captions.unused << '\n';
     for (const OtherFile& file : folder.otherFiles()) {
-        out << "[ ] " << visibleText(file.text) << '\n';
+        out << QStringView(u"[ ] ") << visibleText(file.text) << u'\n';
     }
     out << keptText(folder.keptFiles());
     out << "info: " << captions.sizes << '\n';
