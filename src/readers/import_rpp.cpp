@@ -236,13 +236,6 @@ private:
             return;  // no whole value: there is no path to cut out
         }
         const QByteArrayView inside = *quoted;
-        // The same bytes always give the same path, so a file that many items share is
-        // decoded once.
-        const QByteArray key = QByteArray::fromRawData(inside.data(), inside.size());
-        if (seenFileTexts_.contains(key)) {
-            return;
-        }
-        seenFileTexts_.insert(inside.toByteArray());
         QString path = textOf(inside);
         toHostSeparators(path);
         if (containsUrlPrefix(path)) {
@@ -285,7 +278,6 @@ private:
 
     LineReader lines_;
     qsizetype depth_ = 0;
-    QSet<QByteArray> seenFileTexts_;
     const FileSystem* fs_;
     QString projectFolder_;
     MediaPathList paths_;
