@@ -117,9 +117,7 @@ Sweep sweepProject(const SweepRequest& request, const FileSystem& fs, const Swee
         }
     }
     auto index = std::make_shared<UsedIndex>(inProject, tree.root, false, disk);
-    for (const auto& [file, session] : load.kept) {
-        index->keep(file, session, disk);
-    }
+    index->keepEach(load.kept, disk);
     for (const QString& path : paths) {
         for (const QString& own : sessionOwnFiles(path, disk)) {
             index->hide(own, disk);

@@ -173,7 +173,8 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
     auto table = std::make_shared<UsedIndex>(QList<UsedLine>(), sessionFolder, false, fs);
     const std::vector<QStringList> named = filesNamedByEach(guards, read);
     const QString folder = withSeparator(sessionFolder);
-    QHash<QString, ProjectTree> trees;  // the project kinds' trees, each walked once
+    QHash<QString, ProjectTree> trees;        // the project kinds' trees, each walked once
+    QList<std::pair<QString, QString>> kept;  // each file and the session that keeps it
     for (qsizetype i = 0; i < guards.size(); ++i) {
         const Guard& guard = guards[i];
         if (isForeignFile(read[i])) {
@@ -182,7 +183,7 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
         const QString name = namedFrom(folder, guard.path);
         if (read[i].outcome != ReaderOutcome::Read && guard.lastKnown != nullptr) {
             for (const QString& file : *guard.lastKnown) {
-                table->keep(file, name, fs);
+                kept.append({file, name});
             }
             continue;
         }
@@ -198,20 +199,21 @@ std::shared_ptr<UsedIndex> keptBy(const QList<Guard>& guards, const QList<Sessio
             // database companions and Ardour's state beside a session are part of it.
             for (const QString& file :
                  filesKeptByReferences(read[i], guard.path, guard.folders, fs, trees)) {
-                table->keep(file, name, fs);
+                kept.append({file, name});
             }
             for (const QString& own : sessionOwnFiles(guard.path, fs)) {
                 table->hide(own, fs);
             }
         } else {
             for (const QString& file : named[size_t(i)]) {
-                table->keep(file, name, fs);
+                kept.append({file, name});
             }
         }
         if (!guard.backup || guard.kind->projectScope) {
             table->hide(guard.path, fs);
         }
     }
+    table->keepEach(kept, fs);
     return table;
 }
 

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/file_system.h"
 #include "platform/result.h"
@@ -162,6 +163,8 @@ public:
 
     /// Keeps the file `path` (however it is reached) out of every listing: `session` uses it.
     void keep(const QString& path, const QString& session, const FileSystem& fs);
+    /// Keeps each file (a path and the session that uses it), as keep does one after the other.
+    void keepEach(const QList<std::pair<QString, QString>>& files, const FileSystem& fs);
     /// Keeps the file `path` out of every listing without a word: a session file.
     void hide(const QString& path, const FileSystem& fs);
     /// Takes in what the sessions of `guard` (sessionGuard) keep and hide.
@@ -180,7 +183,21 @@ private:
     QHash<FileId, qsizetype> keptIds_;
     QList<std::shared_ptr<const UsedIndex>> guards_;
 
-    void notePeakOwner(const QString& path);
+    // The base name (upper case) of a media file, and whether its extension is "wav".
+    struct PeakOwner {
+        QString base;
+        bool wav = false;
+    };
+    // What keeping a file takes in: its key, its identities, the media base name it owns.
+    struct Keeping {
+        QString key;
+        QList<FileId> ids;
+        std::optional<PeakOwner> peakOwner;
+    };
+    static std::optional<PeakOwner> peakOwnerOf(const QString& path);
+    static Keeping keepingOf(const QString& path, const FileSystem& fs);
+    void notePeakOwner(const std::optional<PeakOwner>& owner);
+    void apply(const Keeping& keeping, const QString& session);
 };
 
 /// The file a used line stands for: a line without a folder part, or any line shortened by

@@ -1,5 +1,9 @@
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <vector>
+
+#include "platform/on_cores.h"
 
 #include "sweep/sweep.h"
 #include "text/letter_case.h"
@@ -35,11 +39,11 @@ UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder,
                 ids_.insert(id);
             }
         }
-        notePeakOwner(text);
+        notePeakOwner(peakOwnerOf(text));
     }
 }
 
-void UsedIndex::notePeakOwner(const QString& path) {
+std::optional<UsedIndex::PeakOwner> UsedIndex::peakOwnerOf(const QString& path) {
     static constexpr std::array<QLatin1StringView, 7> kMediaExtensions = {
         QLatin1StringView("wav"), QLatin1StringView("wv"),   QLatin1StringView("ape"),
         QLatin1StringView("aif"), QLatin1StringView("flac"), QLatin1StringView("mp3"),
@@ -49,18 +53,25 @@ void UsedIndex::notePeakOwner(const QString& path) {
     const QString name = GetFileName(path);
     const qsizetype dot = name.lastIndexOf(u'.');
     if (dot < 0) {
-        return;  // no extension, no media
+        return std::nullopt;  // no extension, no media
     }
     const QStringView extension = QStringView(name).sliced(dot + 1);
     if (extension.size() > 4 || !isAscii(extension)) {
-        return;
+        return std::nullopt;
     }
     const auto media = std::find_if(kMediaExtensions.begin(), kMediaExtensions.end(), [&](auto e) {
         return extension.compare(e, Qt::CaseInsensitive) == 0;
     });
-    if (media != kMediaExtensions.end()) {
-        bool& ownedByWav = mediaOwners_[upperCase(name.left(dot))];
-        ownedByWav = ownedByWav || media == kMediaExtensions.begin();
+    if (media == kMediaExtensions.end()) {
+        return std::nullopt;
+    }
+    return PeakOwner{upperCase(name.left(dot)), media == kMediaExtensions.begin()};
+}
+
+void UsedIndex::notePeakOwner(const std::optional<PeakOwner>& owner) {
+    if (owner) {
+        bool& ownedByWav = mediaOwners_[owner->base];
+        ownedByWav = ownedByWav || owner->wav;
     }
 }
 
@@ -91,13 +102,39 @@ bool UsedIndex::names(const QString& key, const QString& folderKey, const QStrin
     });
 }
 
+UsedIndex::Keeping UsedIndex::keepingOf(const QString& path, const FileSystem& fs) {
+    // Its peak files are kept with "Keep Used ... Files" too.
+    return {usedKey(cleanHostPath(path)), fs.fileIds(path), peakOwnerOf(path)};
+}
+
 void UsedIndex::keep(const QString& path, const QString& session, const FileSystem& fs) {
-    notePeakOwner(path);  // its peak files are kept with "Keep Used ... Files" too
-    const QString key = usedKey(cleanHostPath(path));
-    const qsizetype* known = keptKeys_.find(key);
+    apply(keepingOf(path, fs), session);
+}
+
+void UsedIndex::keepEach(const QList<std::pair<QString, QString>>& files, const FileSystem& fs) {
+    // What keeping each file asks (its key, the disk's word on it) is worked out on the cores;
+    // the answers go in one after the other, in order.
+    std::vector<Keeping> keepings(size_t(files.size()));
+    constexpr qsizetype kShare = 512;  // files a core takes at a time
+    std::atomic<qsizetype> next{0};
+    onCores(files.size() / kShare + 1, [&](bool) {
+        for (qsizetype from = next.fetch_add(kShare); from < files.size();
+             from = next.fetch_add(kShare)) {
+            for (qsizetype i = from; i < std::min(from + kShare, files.size()); ++i) {
+                keepings[size_t(i)] = keepingOf(files[i].first, fs);
+            }
+        }
+    });
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        apply(keepings[size_t(i)], files[i].second);
+    }
+}
+
+void UsedIndex::apply(const Keeping& keeping, const QString& session) {
+    notePeakOwner(keeping.peakOwner);
+    const qsizetype* known = keptKeys_.find(keeping.key);
     qsizetype at = known ? *known : -1;
-    const QList<FileId> ids = fs.fileIds(path);
-    for (const FileId& id : ids) {
+    for (const FileId& id : keeping.ids) {
         if (at < 0) {
             at = keptIds_.value(id, -1);
         }
@@ -106,8 +143,8 @@ void UsedIndex::keep(const QString& path, const QString& session, const FileSyst
         at = keepers_.size();
         keepers_.append(QStringList());
     }
-    keptKeys_[key] = at;
-    for (const FileId& id : ids) {
+    keptKeys_[keeping.key] = at;
+    for (const FileId& id : keeping.ids) {
         keptIds_.insert(id, at);
     }
     if (!keepers_[at].contains(session)) {
