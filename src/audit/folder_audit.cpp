@@ -4,6 +4,7 @@
 
 #include "session/session_folder.h"
 #include "text/path_text.h"
+#include "text/text_index.h"
 
 namespace tidewick {
 
@@ -47,11 +48,11 @@ public:
         if (load.stopped()) {
             return false;
         }
-        QSet<QString> offeredHere;
+        TextSet offeredHere;
         for (const OtherFile& other : load.otherFiles()) {
             // The listings join a clean folder and a name: the path is clean as it stands.
             const QString path = otherFilePath(withSeparator(load.root()), other.text);
-            offered_.insert(path, other.size);
+            offered_[path] = other.size;
             offeredHere.insert(path);
         }
         if (!alone_) {
@@ -67,10 +68,10 @@ public:
     }
 
     void finish(FolderReport& report) const {
-        for (auto it = offered_.cbegin(); it != offered_.cend(); ++it) {
-            if (!kept_.contains(it.key())) {
-                report.reclaimable.append({it.key(), it.value()});
-                report.reclaimableBytes += it.value();
+        for (qsizetype i = 0; i < offered_.size(); ++i) {
+            if (!kept_.contains(offered_.texts()[i])) {
+                report.reclaimable.append({offered_.texts()[i], offered_.values()[i]});
+                report.reclaimableBytes += offered_.values()[i];
             }
         }
         std::sort(report.reclaimable.begin(), report.reclaimable.end());
@@ -79,9 +80,9 @@ public:
 private:
     const FileSystem& disk_;
     const bool alone_;
-    QSet<QString> lines_;
-    QHash<QString, qint64> offered_;
-    QSet<QString> kept_;
+    TextSet lines_;
+    TextMap<qint64> offered_;
+    TextSet kept_;
 };
 
 }  // namespace

@@ -121,7 +121,7 @@ T RecordingDisk::noted(char kind, const QString& path, T value) const {
     hashAnswer(kind, path, value, hash);
     bool byListing = false;
     if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
-        QSet<QString>& files = listed_[withSeparator(path)];
+        TextSet& files = listed_[withSeparator(path)];
         for (const FolderEntry& entry : value) {
             if (!entry.isLink && entry.id.isKnown()) {
                 files.insert(entry.name);

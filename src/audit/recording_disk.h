@@ -8,6 +8,7 @@
 
 #include "platform/file_system.h"
 #include "platform/result.h"
+#include "text/text_index.h"
 
 // The disk as one folder's audit asked it, over the listings of the library (ListedDisk). Each
 // question is noted once, and its answer goes into a hash; a later audit asks the same questions
@@ -55,7 +56,7 @@ private:
     mutable std::mutex mutex_;  // over what is noted
     mutable QList<Noted> noted_;
     mutable QSet<QByteArray> seen_;
-    mutable QHash<QString, QSet<QString>> listed_;  // by folder: its files that are no links
+    mutable QHash<QString, TextSet> listed_;  // by folder: its files that are no links
 };
 
 /// The hash of the answers that `disk` gives now to `questions` (RecordingDisk::questions):

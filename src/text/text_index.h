@@ -80,6 +80,9 @@ public:
         index_.reserve(count);
     }
     qsizetype size() const { return texts_.size(); }
+    /// The texts, in the order they came in, and the value of each.
+    const QStringList& texts() const { return texts_; }
+    const QList<Value>& values() const { return values_; }
     bool contains(QStringView text) const { return positionOf(text) >= 0; }
     /// The value of `text`, or nullptr when the map lacks it.
     const Value* find(QStringView text) const {
