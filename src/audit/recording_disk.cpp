@@ -38,6 +38,7 @@ public:
         return *this;
     }
     const QByteArray& bytes() const { return bytes_; }
+    void reserve(qsizetype size) { bytes_.reserve(size); }
 
 private:
     QByteArray bytes_;
@@ -55,6 +56,7 @@ void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHa
     answer << kind << path;
     if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
         // A listing is hashed whole (hidden files too), however the question narrowed it.
+        answer.reserve(answer.bytes().size() + value.size() * 96);
         for (const FolderEntry& entry : value) {
             answer << entry.name << entry.size << entry.isLink << entry.id.device << entry.id.inode;
         }
