@@ -40,14 +40,21 @@ Captions captionsOf(const SessionFolder& folder) {
 void printFolder(const SessionFolder& folder, QTextStream& out) {
     const Captions captions = captionsOf(folder);
     out << "used: " << visibleText(captions.used) << '\n';
-    // A folder's lines run to tens of thousands: each is written as UTF-16 text, which the
-    // stream takes as it is, where a C string would be decoded first.
+    // A folder's lines run to tens of thousands: each is made whole in one text and handed to
+    // the stream at once.
+    QString text;
+    const auto put = [&out, &text](bool checked, const QString& line) {
+        text.resize(0);
+        text.append(QStringView(checked ? u"[x] " : u"[ ] "));
+        text.append(visibleText(line)).append(u'\n');
+        out << text;
+    };
     for (const UsedLine& line : shownUsedLines(folder.used())) {
-        out << QStringView(line.exists ? u"[x] " : u"[ ] ") << visibleText(line.text) << u'\n';
+        put(line.exists, line.text);
     }
     out << "unused: " << captions.unused << '\n';
     for (const OtherFile& file : folder.otherFiles()) {
-        out << QStringView(u"[ ] ") << visibleText(file.text) << u'\n';
+        put(false, file.text);
     }
     out << keptText(folder.keptFiles());
     out << "info: " << captions.sizes << '\n';
