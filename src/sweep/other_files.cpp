@@ -280,7 +280,7 @@ private:
     const PatternList wanted_;
     const QStringList peakSuffixes_;
     QList<OtherFile> files_;
-    QSet<QString> texts_;
+    TextSet texts_;
     QSet<QString> listedFolders_;
 };
 
@@ -295,7 +295,7 @@ QList<OtherFile> otherFilesNotListed(const QStringList& listed, const QList<Othe
     const auto fileOf = [&sessionFolder](const QString& text) {
         return cleanHostPath(otherFilePath(sessionFolder, text));
     };
-    QSet<QString> files;
+    TextSet files;
     files.reserve(listed.size() + more.size());
     for (const QString& text : listed) {
         files.insert(fileOf(text));

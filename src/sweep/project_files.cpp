@@ -183,9 +183,9 @@ ReferenceFiles filesOfPattern(const QStringList& candidates, const ProjectTree& 
     }
     if (files.kept.isEmpty() && !candidates.isEmpty()) {
         const QString pattern = usedKey(hostFileName(candidates.constFirst()));
-        for (auto named = tree.byName.cbegin(); named != tree.byName.cend(); ++named) {
-            if (wildcardMatch(named.key(), pattern)) {
-                files.kept += named.value();
+        for (qsizetype i = 0; i < tree.byName.size(); ++i) {
+            if (wildcardMatch(tree.byName.texts()[i], pattern)) {
+                files.kept += tree.byName.values()[i];
             }
         }
     } else if (!files.kept.isEmpty()) {
@@ -264,7 +264,8 @@ ReferenceFiles filesOfReference(const FileReference& reference, const QString& s
     const QString name = GetFileName(
         hostForm(reference.relative.isEmpty() ? reference.absolute.value(0) : reference.relative));
     if (!name.isEmpty()) {
-        files.kept = tree.byName.value(usedKey(name));
+        const QStringList* named = tree.byName.find(usedKey(name));
+        files.kept = named ? *named : QStringList();
     }
     return files;
 }

@@ -7,6 +7,7 @@
 
 #include "platform/file_system.h"
 #include "readers/session_kinds.h"
+#include "text/text_index.h"
 
 // The project kinds (Ableton Live sets, Audacity projects, Ardour sessions, FL Studio and MLT
 // projects) name their files by references that may be read several ways; a reference keeps every
@@ -23,7 +24,7 @@ struct ProjectTree {
     /// "Samples/Recorded/"), the root first.
     QList<std::pair<QString, QString>> folders;
     /// The files of the tree by usedKey of their name, as full paths.
-    QHash<QString, QStringList> byName;
+    TextMap<QStringList> byName;
 
     /// The folders alone.
     QStringList folderPaths() const;

@@ -34,14 +34,14 @@ public:
             for (const QString& file : files.kept) {
                 kept.append({file, name});
             }
-            if (const auto seen = shown_.constFind(files.shown); seen != shown_.constEnd()) {
+            if (const qsizetype* seen = shown_.find(files.shown)) {
                 QStringList& sessions = media.lines[*seen].sessions;
                 if (!sessions.contains(name)) {
                     sessions.append(name);
                 }
                 continue;
             }
-            shown_.insert(files.shown, media.lines.size());
+            shown_[files.shown] = media.lines.size();
             UsedLine line{files.shown, files.exists, files.shown, {name}, {}, files.outside};
             if (!files.exists && !files.kept.isEmpty()) {
                 line.keptFile = files.kept.constFirst();  // found by its name: says why it stays
@@ -56,7 +56,7 @@ public:
 private:
     const ProjectTree& tree_;
     const FileSystem& fs_;
-    QHash<QString, qsizetype> shown_;
+    TextMap<qsizetype> shown_;
 };
 
 // Reads the sessions into `load`; false, with the load stopped, at one that cannot be read.

@@ -150,14 +150,14 @@ private:
         for (const QString& readPath : paths) {
             Resolved line = resolvePath(readPath, kind_, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);
-            if (const auto seen = shown_.constFind(line.shown); seen != shown_.constEnd()) {
+            if (const qsizetype* seen = shown_.find(line.shown)) {
                 QStringList& sessions = media_.lines[*seen].sessions;
                 if (!sessions.contains(session)) {
                     sessions.append(session);
                 }
                 continue;
             }
-            shown_.insert(line.shown, media_.lines.size());
+            shown_[line.shown] = media_.lines.size();
             const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
             const QString kept = exists ? QString() : keptInstead(toHostPath(readPath));
             media_.lines.append(
@@ -202,7 +202,7 @@ private:
     const SweepEvents& events_;
     const QString sessionFolder_;  // S: the session folder with its separator
     UsedMedia media_;
-    QHash<QString, qsizetype> shown_;  // each line's text, with its position
+    TextMap<qsizetype> shown_;  // each line's text, with its position
 };
 
 }  // namespace

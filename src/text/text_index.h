@@ -117,6 +117,7 @@ class TextSet {
 public:
     void reserve(qsizetype count) { map_.reserve(count); }
     void insert(const QString& text) { map_[text]; }
+    bool isEmpty() const { return map_.size() == 0; }
     bool contains(QStringView text) const { return map_.contains(text); }
 
 private:
