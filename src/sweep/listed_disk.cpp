@@ -8,13 +8,17 @@ ListedDisk::Held ListedDisk::listing(const QString& folder) const {
     const QString key = withSeparator(folder);
     {
         const std::lock_guard lock(mutex_);
-        if (const auto it = listings_.constFind(key); it != listings_.constEnd()) {
-            return *it;
+        if (const Held* known = listings_.find(key)) {
+            return *known;
         }
     }
-    Held read = listingOf(disk_.listFiles(folder, true));  // a thread that came first wins
+    Held read = listingOf(disk_.listFiles(folder, true));
     const std::lock_guard lock(mutex_);
-    return *listings_.insert(key, listings_.value(key, read));
+    Held& held = listings_[key];
+    if (!held) {
+        held = std::move(read);  // else a thread that came first won
+    }
+    return held;
 }
 
 std::pair<ListedDisk::Held, qsizetype> ListedDisk::entryOf(const QString& path) const {
@@ -22,7 +26,9 @@ std::pair<ListedDisk::Held, qsizetype> ListedDisk::entryOf(const QString& path) 
     Held listed;
     {
         const std::lock_guard lock(mutex_);
-        listed = listings_.value(path.left(cut));
+        if (const Held* known = listings_.find(QStringView(path).first(cut))) {
+            listed = *known;
+        }
     }
     const qsizetype at = listed ? listed->positionOf(QStringView(path).sliced(cut)) : -1;
     return {at >= 0 ? std::move(listed) : nullptr, at};
@@ -62,7 +68,7 @@ qsizetype ListedDisk::Listing::positionOf(QStringView name) const {
 void ListedDisk::keep(const QString& folder, QList<FolderEntry> entries) {
     Held listing = listingOf(std::move(entries));
     const std::lock_guard lock(mutex_);
-    listings_.insert(withSeparator(folder), std::move(listing));
+    listings_[withSeparator(folder)] = std::move(listing);
 }
 
 QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,

@@ -61,7 +61,7 @@ private:
 
     const FileSystem& disk_;
     mutable std::mutex mutex_;
-    mutable QHash<QString, Held> listings_;  // by folder, with its separator
+    mutable TextMap<Held> listings_;  // by folder, with its separator
 };
 
 }  // namespace tidewick
