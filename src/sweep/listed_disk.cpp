@@ -1,5 +1,8 @@
 #include "sweep/listed_disk.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -42,14 +45,18 @@ ListedDisk::Held ListedDisk::listingOf(QList<FolderEntry> entries) {
 
 void ListedDisk::Listing::index() const {
     // One reading with the hidden files, which the session lists want, and the view without
-    // them, which the other lists want.
+    // them, which the other lists want: the reading itself where it holds none.
     std::call_once(indexed_, [this] {
         names_.reserve(entries.size());
         for (qsizetype i = 0; i < entries.size(); ++i) {
             names_.insert(TextIndex::hashOf(entries[i].name), i);
-            if (!entries[i].name.startsWith(u'.')) {
-                visible_.append(entries[i]);
-            }
+        }
+        const auto hidden = [](const FolderEntry& entry) { return entry.name.startsWith(u'.'); };
+        if (std::any_of(entries.cbegin(), entries.cend(), hidden)) {
+            std::remove_copy_if(entries.cbegin(), entries.cend(), std::back_inserter(visible_),
+                                hidden);
+        } else {
+            visible_ = entries;  // shared, not copied
         }
     });
 }
