@@ -78,12 +78,22 @@ public:
                 finish();
             }
         } else if (start && name == u"property" && clipDepth_ > 0) {
+            // Most of a clip's properties (its length, streams, metadata) name no file: their
+            // text is passed over unread.
+            // The name is taken before the text is read, which moves the reader on.
             const QString property = xml.attributes().value(QLatin1String("name")).toString();
-            setProperty(property, xml.readElementText(QXmlStreamReader::SkipChildElements));
+            if (namesFileOrService(property)) {
+                setProperty(property, xml.readElementText(QXmlStreamReader::SkipChildElements));
+            }
         }
     }
 
 private:
+    static bool namesFileOrService(QStringView name) {
+        return name == u"mlt_service" || name == u"resource" || name == u"warp_resource" ||
+               name == u"kdenlive:originalurl" || name == u"kdenlive:proxy";
+    }
+
     void setProperty(const QString& name, const QString& value) {
         if (name == u"mlt_service") {
             clip_.service = value;

@@ -147,6 +147,10 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
             return false;
         }
     }
+    QByteArrayList closings;  // each name's end tag
+    for (const QByteArrayView name : names) {
+        closings.append("</" + name.toByteArray() + '>');
+    }
     for (auto [at, named] = nextStartTag(bytes, names, 0); at >= 0;
          std::tie(at, named) = nextStartTag(bytes, names, at + 1)) {
         const qsizetype tagEnd = bytes.indexOf('>', at);
@@ -155,7 +159,7 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
         }
         qsizetype end = tagEnd + 1;
         if (bytes[tagEnd - 1] != '/') {
-            const QByteArray close = "</" + names[named].toByteArray() + '>';
+            const QByteArray& close = closings[named];
             const qsizetype closing = findBytes(bytes, close, tagEnd);
             if (closing < 0) {
                 return false;
