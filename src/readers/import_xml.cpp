@@ -1,11 +1,12 @@
 #include "readers/import_xml.h"
 
-#include <QSet>
 #include <QXmlStreamReader>
 
 #include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/session_text.h"
+#include "readers/xml_pieces.h"
+#include "text/text_index.h"
 
 namespace tidewick {
 
@@ -104,15 +105,14 @@ private:
     // Adds the text that each wave entry holds directly (its path line), as an XML reader finds
     // it, where the lines did not give it already; reading stops at the first fault of the XML.
     void addXmlEntries() {
-        QSet<QString> known;
+        TextSet known;
         for (const QString& path : paths_.paths()) {
             known.insert(path.trimmed());
         }
-        QXmlStreamReader xml(QByteArray::fromRawData(bytes_.data(), bytes_.size()));
         int depthInEntry = 0;  // 1 directly inside a wave entry
         QString text;
-        while (!xml.atEnd()) {
-            const QXmlStreamReader::TokenType token = xml.readNext();
+        const auto visit = [&](QXmlStreamReader& xml) {
+            const QXmlStreamReader::TokenType token = xml.tokenType();
             if (token == QXmlStreamReader::StartElement) {
                 if (depthInEntry > 0) {
                     ++depthInEntry;
@@ -130,7 +130,8 @@ private:
                     paths_.appendUnique(path);
                 }
             }
-        }
+        };
+        visitWholeDocument(bytes_, visit, nullptr, true);  // up to the first fault of the XML
     }
 
     // How many wave entries the bytes hold, wherever they stand.

@@ -176,14 +176,15 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
 }
 
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
-                                           qint64* line) {
+                                           qint64* line, bool withText) {
     // Given a piece at a time, the reader never holds the whole document decoded.
     constexpr qsizetype kPiece = 256 * 1024;
     QXmlStreamReader xml;
     qsizetype fed = 0;
     for (;;) {
         const QXmlStreamReader::TokenType token = xml.readNext();
-        if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::EndElement) {
+        if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::EndElement ||
+            (withText && token == QXmlStreamReader::Characters)) {
             visit(xml);
         } else if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError &&
                    fed < bytes.size()) {

@@ -38,10 +38,12 @@ XmlRoot xmlRootOf(QByteArrayView bytes, QLatin1StringView attribute);
 bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names,
                         const XmlVisit& visit);
 
-/// Visits every element of the whole document; the reader's error at the end (NoError when the
-/// document is whole), with the line where it stopped in `line`.
+/// Visits every element of the whole document (its start and its end, and with `withText` each
+/// piece of text too), given to the reader a piece at a time so that it never holds the document
+/// decoded; the reader's error at the end (NoError when the document is whole), with the line
+/// where it stopped in `line`.
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
-                                           qint64* line);
+                                           qint64* line, bool withText = false);
 
 /// Reads the elements `names` of `bytes` into `found`, whose visit(xml) takes each of them: cut
 /// out by a byte search, or, where the document cannot be cut so (it declares another encoding,
