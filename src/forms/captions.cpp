@@ -67,9 +67,12 @@ QString keptText(const QList<KeptFile>& kept, qsizetype lines) {
     QString text = QStringLiteral("kept: ") + countText(kept.size(), "file") +
                    QStringLiteral(" used by other sessions\n");
     const qsizetype shown = lines < 0 ? kept.size() : std::min(lines, kept.size());
-    for (qsizetype i = 0; i < shown; ++i) {
-        text += visibleText(kept[i].text) + QStringLiteral("  <- ") +
-                visibleText(kept[i].usedBy.join(QStringLiteral(", "))) + u'\n';
+    for (qsizetype i = 0; i < shown; ++i) {  // a line a file, its pieces appended in place
+        const QStringList& users = kept[i].usedBy;
+        text += visibleText(kept[i].text);
+        text += QLatin1StringView("  <- ");
+        text += visibleText(users.size() == 1 ? users.front() : users.join(u", "));
+        text += u'\n';
     }
     if (shown < kept.size()) {
         text += QStringLiteral("... and %1 more\n").arg(kept.size() - shown);
