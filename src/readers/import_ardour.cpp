@@ -19,8 +19,14 @@ class ArdourSources {
 public:
     ReferenceList found;
 
+    // Takes in what a reading of the document's later elements found.
+    void merge(ArdourSources&& later) { found.addEach(std::move(later.found)); }
+
     void visit(QXmlStreamReader& xml) {
         const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
+        if (!start && xml.tokenType() != QXmlStreamReader::EndElement) {
+            return;  // text
+        }
         if (xml.name() == u"Sources") {
             sources_ += start ? 1 : -1;
         } else if (xml.name() == u"Source" && sources_ > 0) {

@@ -1,6 +1,8 @@
 #include "readers/import_mlt.h"
 
 #include <QSet>
+#include <optional>
+#include <utility>
 
 #include "readers/path_list.h"
 #include "readers/session_bytes.h"
@@ -68,22 +70,39 @@ public:
 
     ReferenceList found;
 
+    // Takes in what a reading of the document's later elements found.
+    void merge(MltClips&& later) { found.addEach(std::move(later.found)); }
+
+    // Each start, end and piece of text. A property's value is gathered from its pieces of
+    // text: given the document a piece at a time, the reader may give one text in two.
     void visit(QXmlStreamReader& xml) {
-        const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
+        const QXmlStreamReader::TokenType token = xml.tokenType();
+        if (property_) {
+            if (token == QXmlStreamReader::Characters && propertyDepth_ == 0) {
+                value_ += xml.text();
+            } else if (token == QXmlStreamReader::StartElement) {
+                ++propertyDepth_;  // an element inside the value, whose text is not its
+            } else if (token == QXmlStreamReader::EndElement && propertyDepth_-- == 0) {
+                setProperty(*std::exchange(property_, std::nullopt), value_);
+            }
+            return;
+        }
+        const bool start = token == QXmlStreamReader::StartElement;
         const QStringView name = xml.name();
         if (name == u"producer" || name == u"chain") {
             if (start && clipDepth_++ == 0) {
                 clip_ = {};
-            } else if (!start && --clipDepth_ == 0) {
+            } else if (token == QXmlStreamReader::EndElement && --clipDepth_ == 0) {
                 finish();
             }
         } else if (start && name == u"property" && clipDepth_ > 0) {
             // Most of a clip's properties (its length, streams, metadata) name no file: their
-            // text is passed over unread.
-            // The name is taken before the text is read, which moves the reader on.
-            const QString property = xml.attributes().value(QLatin1String("name")).toString();
+            // text is passed over.
+            const QStringView property = xml.attributes().value(QLatin1String("name"));
             if (namesFileOrService(property)) {
-                setProperty(property, xml.readElementText(QXmlStreamReader::SkipChildElements));
+                property_ = property.toString();
+                propertyDepth_ = 0;
+                value_.clear();
             }
         }
     }
@@ -138,6 +157,9 @@ private:
     QString root_;
     int clipDepth_ = 0;
     Clip clip_;
+    std::optional<QString> property_;  // the name of the property whose value is being read
+    int propertyDepth_ = 0;
+    QString value_;
 };
 
 }  // namespace

@@ -131,7 +131,7 @@ private:
                 }
             }
         };
-        visitWholeDocument(bytes_, visit, nullptr, true);  // up to the first fault of the XML
+        visitWholeDocument(bytes_, visit, nullptr);  // up to the first fault of the XML
     }
 
     // How many wave entries the bytes hold, wherever they stand.

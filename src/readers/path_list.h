@@ -78,6 +78,10 @@ public:
         }
         references_.resize(kept);
     }
+    /// Adds the references of `later` after these, as add does one at a time.
+    void addEach(ReferenceList later) {
+        addEach(std::move(later.references_), later.texts_.takePaths());
+    }
     qsizetype size() const { return references_.size(); }
     /// Hands the references and their texts to `read`.
     void moveInto(SessionRead& read) {

@@ -33,11 +33,10 @@ bool visitPiece(QXmlStreamReader& xml, const XmlVisit& visit) {
         if (token == QXmlStreamReader::StartElement) {
             ++depth;
             visit(xml);
-            if (xml.tokenType() == QXmlStreamReader::EndElement) {
-                --depth;  // the visitor read the element's text up to its end
-            }
         } else if (token == QXmlStreamReader::EndElement) {
             --depth;
+            visit(xml);
+        } else if (token == QXmlStreamReader::Characters) {
             visit(xml);
         } else if (token == QXmlStreamReader::Invalid) {
             return xml.error() == QXmlStreamReader::PrematureEndOfDocumentError && depth == 0;
@@ -136,8 +135,36 @@ XmlRoot xmlRootOf(QByteArrayView bytes, QLatin1StringView attribute) {
     return root;
 }
 
-bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names,
-                        const XmlVisit& visit) {
+std::optional<QList<QByteArrayView>> elementPieces(QByteArrayView bytes,
+                                                   const QList<QByteArrayView>& names) {
+    QByteArrayList closings;  // each name's end tag
+    for (const QByteArrayView name : names) {
+        closings.append("</" + name.toByteArray() + '>');
+    }
+    QList<QByteArrayView> pieces;
+    for (auto [at, named] = nextStartTag(bytes, names, 0); at >= 0;
+         std::tie(at, named) = nextStartTag(bytes, names, at + 1)) {
+        const qsizetype tagEnd = bytes.indexOf('>', at);
+        if (tagEnd < 0) {
+            return std::nullopt;
+        }
+        qsizetype end = tagEnd + 1;
+        if (bytes[tagEnd - 1] != '/') {
+            const QByteArray& close = closings[named];
+            const qsizetype closing = findBytes(bytes, close, tagEnd);
+            if (closing < 0) {
+                return std::nullopt;
+            }
+            end = closing + close.size();
+        }
+        pieces.append(bytes.sliced(at, end - at));
+        at = end - 1;
+    }
+    return pieces;
+}
+
+bool visitPieces(const QList<QByteArrayView>& pieces, qsizetype from, qsizetype to,
+                 const XmlVisit& visit) {
     // The pieces go to one reader, one after the other inside an element of their own: a reader
     // made (or cleared) for each piece would cost more than the piece.
     QXmlStreamReader xml;
@@ -147,36 +174,17 @@ bool visitElementPieces(QByteArrayView bytes, const QList<QByteArrayView>& names
             return false;
         }
     }
-    QByteArrayList closings;  // each name's end tag
-    for (const QByteArrayView name : names) {
-        closings.append("</" + name.toByteArray() + '>');
-    }
-    for (auto [at, named] = nextStartTag(bytes, names, 0); at >= 0;
-         std::tie(at, named) = nextStartTag(bytes, names, at + 1)) {
-        const qsizetype tagEnd = bytes.indexOf('>', at);
-        if (tagEnd < 0) {
-            return false;
-        }
-        qsizetype end = tagEnd + 1;
-        if (bytes[tagEnd - 1] != '/') {
-            const QByteArray& close = closings[named];
-            const qsizetype closing = findBytes(bytes, close, tagEnd);
-            if (closing < 0) {
-                return false;
-            }
-            end = closing + close.size();
-        }
-        xml.addData(rawBytes(bytes.sliced(at, end - at)));
+    for (qsizetype i = from; i < to; ++i) {
+        xml.addData(rawBytes(pieces[i]));
         if (!visitPiece(xml, visit)) {
             return false;
         }
-        at = end - 1;
     }
     return true;
 }
 
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
-                                           qint64* line, bool withText) {
+                                           qint64* line) {
     // Given a piece at a time, the reader never holds the whole document decoded.
     constexpr qsizetype kPiece = 256 * 1024;
     QXmlStreamReader xml;
@@ -184,7 +192,7 @@ QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit&
     for (;;) {
         const QXmlStreamReader::TokenType token = xml.readNext();
         if (token == QXmlStreamReader::StartElement || token == QXmlStreamReader::EndElement ||
-            (withText && token == QXmlStreamReader::Characters)) {
+            token == QXmlStreamReader::Characters) {
             visit(xml);
         } else if (xml.error() == QXmlStreamReader::PrematureEndOfDocumentError &&
                    fed < bytes.size()) {

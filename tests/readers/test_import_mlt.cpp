@@ -75,6 +75,35 @@ TEST(MltReader, NamesEveryFileOfAClipOnce) {
                               {Base::None, {}, {"/abs/b.wav"}}}));
 }
 
+// A project of many clips is read in two halves side by side: the files come out as one reading
+// gives them, in order and each once though both halves name it; a piece of the later half
+// that does not read alone sends the whole document to the XML reader, with the same result.
+TEST(MltReader, ReadsManyClipsInOrderEachFileOnce) {
+    QByteArray clips;
+    QStringList expected;
+    for (int i = 0; i < 1500; ++i) {
+        const QByteArray shared = "clips/shared " + QByteArray::number(i % 700) + ".mp4";
+        clips += "<producer id=\"p" + QByteArray::number(i) + "\"><property name=\"length\">9" +
+                 "</property><property name=\"resource\">" + shared +
+                 "</property><property name=\"kdenlive:proxy\">proxy/" + QByteArray::number(i) +
+                 ".mkv</property></producer>\n";
+        if (i < 700) {
+            expected.append(QString::fromLatin1(shared));
+        }
+        expected.append(QStringLiteral("proxy/%1.mkv").arg(i));
+    }
+    const QByteArray head = "<?xml version='1.0' encoding='utf-8'?>\n<mlt>\n";
+    const QByteArray comment = "<!-- <producer id=\"x\"> -->\n";
+    for (const QByteArray& project :
+         {head + clips + "</mlt>\n",
+          head + clips + comment + clips.first(clips.indexOf('\n') + 1) + "</mlt>\n"}) {
+        const SessionRead read = readMltSession(project, {});
+        ASSERT_EQ(read.outcome, ReaderOutcome::Read);
+        EXPECT_EQ(read.paths, expected);
+        EXPECT_EQ(read.references.size(), expected.size());
+    }
+}
+
 TEST(MltReader, RefusesWhatIsNoWholeProject) {
     const QByteArray project = test::sessionBytes(SessionKindId::Mlt, {"a.mp4"});
     const std::tuple<const char*, QByteArray, ReadFailure> cases[] = {
