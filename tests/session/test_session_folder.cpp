@@ -118,6 +118,33 @@ INSTANTIATE_TEST_SUITE_P(
                   {"s.wav <- b.rpp,c.xml"}}),
     [](const auto& info) { return std::string(info.param.name); });
 
+// A folder too large for one core: its files are judged on every core, and what the guard's
+// sessions keep is worked out there too; the verdicts are those of one core, file by file.
+TEST_F(SessionFolderTest, ALargeFolderIsJudgedAsASmallOneIs) {
+    QStringList entries, used, guarded, offered, kept;
+    for (int i = 0; i < 6000; ++i) {
+        const QString name = QStringLiteral("take %1.wav").arg(i, 4, 10, QLatin1Char('0'));
+        entries.append(name);
+        QStringList& named = i % 6 == 0 ? used : i % 6 == 1 ? guarded : offered;
+        named.append(name);
+    }
+    guarded.append(used.first());  // a file both use is the load's own
+    for (const QString& name : guarded.first(guarded.size() - 1)) {
+        kept.append(name + " <- band.rpp");
+    }
+    make(entries +
+         QStringList{"mix.sesx:sesx:" + used.join(u','), "band.rpp:rpp:" + guarded.join(u',')});
+    SessionFolder folder(disk);
+    folder.load(options(Sesx, "mix.sesx"));
+    ASSERT_FALSE(folder.stopped());
+    EXPECT_EQ(texts(folder.otherFiles()), offered);
+    QStringList keptNow;
+    for (const KeptFile& file : folder.keptFiles()) {
+        keptNow.append(file.text + " <- " + file.usedBy.join(u','));
+    }
+    EXPECT_EQ(keptNow, kept);  // in the listing's order
+}
+
 // The real disk, but for folders it cannot list (named by their last part), as a folder
 // without permission or on a failing disk is: listed as empty, and said so when asked.
 class UnlistableDisk : public FileSystem {
