@@ -1,7 +1,5 @@
 #include "readers/import_ardour.h"
 
-#include <QSet>
-
 #include "readers/path_list.h"
 #include "readers/session_bytes.h"
 #include "readers/xml_pieces.h"
@@ -68,23 +66,8 @@ private:
 
 SessionRead readArdourSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    const XmlRoot root = xmlRootOf(bytes, QLatin1StringView("version"));
-    if (root.name != u"Session") {
-        return failedSessionRead(SessionKindId::Ardour, ReadFailure::NotThisKind, {});
-    }
-    if (!endsWithClosing(bytes, "</Session>")) {
-        return failedSessionRead(SessionKindId::Ardour, ReadFailure::CutShort,
-                                 QStringLiteral("</Session>"));
-    }
-    ArdourSources sources;
-    if (const std::optional<qint64> broken =
-            readElements(bytes, root, {"Sources"}, sources, ArdourSources())) {
-        return failedSessionRead(SessionKindId::Ardour, ReadFailure::Damaged,
-                                 QStringLiteral("its XML breaks off at line %1").arg(*broken));
-    }
-    SessionRead read;
-    sources.found.moveInto(read);
-    return read;
+    return readXmlSession(bytes, SessionKindId::Ardour, u"Session", QLatin1StringView("version"),
+                          {"Sources"}, [](const XmlRoot&) { return ArdourSources(); });
 }
 
 }  // namespace tidewick

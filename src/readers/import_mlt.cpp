@@ -199,23 +199,10 @@ QString mltResourcePath(const QString& resource, bool* pattern) {
 
 SessionRead readMltSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    const XmlRoot root = xmlRootOf(bytes, QLatin1StringView("root"));
-    if (root.name != u"mlt") {
-        return failedSessionRead(SessionKindId::Mlt, ReadFailure::NotThisKind, {});
-    }
-    if (!endsWithClosing(bytes, "</mlt>")) {
-        return failedSessionRead(SessionKindId::Mlt, ReadFailure::CutShort,
-                                 QStringLiteral("</mlt>"));
-    }
-    MltClips clips(root.attribute);
-    if (const std::optional<qint64> broken =
-            readElements(bytes, root, {"producer", "chain"}, clips, MltClips(root.attribute))) {
-        return failedSessionRead(SessionKindId::Mlt, ReadFailure::Damaged,
-                                 QStringLiteral("its XML breaks off at line %1").arg(*broken));
-    }
-    SessionRead read;
-    clips.found.moveInto(read);
-    return read;
+    // The root's "root" attribute is the folder that relative paths start from.
+    return readXmlSession(bytes, SessionKindId::Mlt, u"mlt", QLatin1StringView("root"),
+                          {"producer", "chain"},
+                          [](const XmlRoot& root) { return MltClips(root.attribute); });
 }
 
 }  // namespace tidewick

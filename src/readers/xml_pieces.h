@@ -10,6 +10,7 @@
 
 #include "platform/on_cores.h"
 #include "readers/reader_contract.h"
+#include "readers/session_bytes.h"
 
 // The XML kinds whose media sit in a few elements of a large document (Ardour's Sources, MLT's
 // producers) find those elements with a byte search and give only their bytes to Qt's XML
@@ -52,42 +53,63 @@ bool visitPieces(const QList<QByteArrayView>& pieces, qsizetype from, qsizetype 
 QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit& visit,
                                            qint64* line);
 
-/// Reads the elements `names` of `bytes` into `found`, whose visit(xml) takes each of them: cut
-/// out by a byte search, or, where the document cannot be cut so (it declares another encoding,
-/// or a piece does not read alone), by reading the whole document into `found` made anew from
-/// `fresh`. The line where the document's XML breaks off; nothing when it read.
-template <typename Found>
-std::optional<qint64> readElements(QByteArrayView bytes, const XmlRoot& root,
-                                   const QList<QByteArrayView>& names, Found& found,
-                                   const Found& fresh) {
-    if (const auto pieces = root.foreignEncoding ? std::nullopt : elementPieces(bytes, names)) {
-        // Many pieces are read in two halves on the cores at hand, the later half into a `Found`
-        // of its own that then joins the first (merge).
-        constexpr qsizetype kHalvedFrom = 512;
-        const qsizetype middle = pieces->size() < kHalvedFrom ? pieces->size() : pieces->size() / 2;
-        Found later = fresh;
-        std::atomic<int> next{0};
-        bool read[2] = {false, false};
-        onCores(middle < pieces->size() ? 2 : 1, [&](bool) {
-            for (int half = next++; half < 2; half = next++) {
-                Found& into = half == 0 ? found : later;
-                const auto visit = [&into](QXmlStreamReader& xml) { into.visit(xml); };
-                read[half] = half == 0 ? visitPieces(*pieces, 0, middle, visit)
-                                       : visitPieces(*pieces, middle, pieces->size(), visit);
+/// Reads a session of `kind` whose document has the root element `rootName` and whose files sit
+/// in the elements `names`, into the visitor `make(root)` makes (`root` read with its attribute
+/// `rootAttribute`): its visit(xml) takes each element and text, merge() takes in what another
+/// visitor found in later elements, and its `found` (a ReferenceList) ends in the read. The
+/// elements are cut out by a byte search, many read in two halves on the cores at hand; where the
+/// document cannot be cut so (it declares another encoding, or a piece does not read alone), the
+/// whole document is read into a visitor made anew. Rejected for another root; failed as cut
+/// short without the root's end tag, as damaged where the XML breaks off.
+template <typename Make>
+SessionRead readXmlSession(QByteArrayView bytes, SessionKindId kind, QStringView rootName,
+                           QLatin1StringView rootAttribute, const QList<QByteArrayView>& names,
+                           const Make& make) {
+    const XmlRoot root = xmlRootOf(bytes, rootAttribute);
+    if (root.name != rootName) {
+        return failedSessionRead(kind, ReadFailure::NotThisKind, {});
+    }
+    const QString closing = QStringLiteral("</") + rootName.toString() + u'>';
+    if (!endsWithClosing(bytes, closing.toUtf8())) {
+        return failedSessionRead(kind, ReadFailure::CutShort, closing);
+    }
+    auto found = make(root);
+    const auto readInPieces = [&] {
+        if (const auto pieces = root.foreignEncoding ? std::nullopt : elementPieces(bytes, names)) {
+            // The later half goes into a visitor of its own that then joins the first (merge).
+            constexpr qsizetype kHalvedFrom = 512;
+            const qsizetype middle =
+                pieces->size() < kHalvedFrom ? pieces->size() : pieces->size() / 2;
+            auto later = make(root);
+            std::atomic<int> next{0};
+            bool read[2] = {false, false};
+            onCores(middle < pieces->size() ? 2 : 1, [&](bool) {
+                for (int half = next++; half < 2; half = next++) {
+                    auto& into = half == 0 ? found : later;
+                    const auto visit = [&into](QXmlStreamReader& xml) { into.visit(xml); };
+                    read[half] = half == 0 ? visitPieces(*pieces, 0, middle, visit)
+                                           : visitPieces(*pieces, middle, pieces->size(), visit);
+                }
+            });
+            if (read[0] && read[1]) {
+                found.merge(std::move(later));
+                return true;
             }
-        });
-        if (read[0] && read[1]) {
-            found.merge(std::move(later));
-            return std::nullopt;
+        }
+        return false;
+    };
+    if (!readInPieces()) {
+        found = make(root);
+        const auto visit = [&found](QXmlStreamReader& xml) { found.visit(xml); };
+        qint64 line = 0;
+        if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
+            return failedSessionRead(kind, ReadFailure::Damaged,
+                                     QStringLiteral("its XML breaks off at line %1").arg(line));
         }
     }
-    found = fresh;
-    const auto visit = [&found](QXmlStreamReader& xml) { found.visit(xml); };
-    qint64 line = 0;
-    if (visitWholeDocument(bytes, visit, &line) != QXmlStreamReader::NoError) {
-        return line;
-    }
-    return std::nullopt;
+    SessionRead read;
+    found.found.moveInto(read);
+    return read;
 }
 
 }  // namespace tidewick
