@@ -34,19 +34,14 @@ public:
             for (const QString& file : files.kept) {
                 kept.append({file, name});
             }
-            if (const qsizetype* seen = shown_.find(files.shown)) {
-                QStringList& sessions = media.lines[*seen].sessions;
-                if (!sessions.contains(name)) {
-                    sessions.append(name);
-                }
+            if (shown_.joined(media.lines, files.shown, name)) {
                 continue;
             }
-            shown_[files.shown] = media.lines.size();
             UsedLine line{files.shown, files.exists, files.shown, {name}, {}, files.outside};
             if (!files.exists && !files.kept.isEmpty()) {
                 line.keptFile = files.kept.constFirst();  // found by its name: says why it stays
             }
-            media.lines.append(std::move(line));
+            shown_.append(media.lines, std::move(line));
         }
     }
 
@@ -56,7 +51,7 @@ public:
 private:
     const ProjectTree& tree_;
     const FileSystem& fs_;
-    TextMap<qsizetype> shown_;
+    ShownLines shown_;
 };
 
 // Reads the sessions into `load`; false, with the load stopped, at one that cannot be read.

@@ -200,6 +200,19 @@ private:
     void apply(const Keeping& keeping, const QString& session);
 };
 
+/// The texts of a load's used lines as they are gathered, each with its line's position: a text
+/// that another session names again adds that session to its line, never a line of its own.
+class ShownLines {
+public:
+    /// Whether `lines` show `text` already; if so, `session` is now among that line's sessions.
+    bool joined(QList<UsedLine>& lines, const QString& text, const QString& session);
+    /// Appends `line`, whose text `lines` do not show yet.
+    void append(QList<UsedLine>& lines, UsedLine line);
+
+private:
+    TextMap<qsizetype> shown_;
+};
+
 /// The file a used line stands for: a line without a folder part, or any line shortened by
 /// "Ignore Leading Folder names", names the file of that name under the session folder
 /// `sessionFolder` (with its separator); any other line is the path itself.

@@ -150,18 +150,13 @@ private:
         for (const QString& readPath : paths) {
             Resolved line = resolvePath(readPath, kind_, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);
-            if (const qsizetype* seen = shown_.find(line.shown)) {
-                QStringList& sessions = media_.lines[*seen].sessions;
-                if (!sessions.contains(session)) {
-                    sessions.append(session);
-                }
+            if (shown_.joined(media_.lines, line.shown, session)) {
                 continue;
             }
-            shown_[line.shown] = media_.lines.size();
             const bool exists = driveRootExists(line.drive) && fs_.FileExists(line.tested);
             const QString kept = exists ? QString() : keptInstead(toHostPath(readPath));
-            media_.lines.append(
-                {std::move(line.shown), exists, std::move(line.tested), {session}, kept});
+            shown_.append(media_.lines,
+                          {std::move(line.shown), exists, std::move(line.tested), {session}, kept});
         }
     }
 
@@ -202,10 +197,27 @@ private:
     const SweepEvents& events_;
     const QString sessionFolder_;  // S: the session folder with its separator
     UsedMedia media_;
-    TextMap<qsizetype> shown_;  // each line's text, with its position
+    ShownLines shown_;
 };
 
 }  // namespace
+
+bool ShownLines::joined(QList<UsedLine>& lines, const QString& text, const QString& session) {
+    const qsizetype* seen = shown_.find(text);
+    if (seen == nullptr) {
+        return false;
+    }
+    QStringList& sessions = lines[*seen].sessions;
+    if (!sessions.contains(session)) {
+        sessions.append(session);
+    }
+    return true;
+}
+
+void ShownLines::append(QList<UsedLine>& lines, UsedLine line) {
+    shown_[line.text] = lines.size();
+    lines.append(std::move(line));
+}
 
 ScanRange scanRange(const SweepRequest& request) {
     // Every listed session counts, however many there are: a session past any limit would have
