@@ -52,6 +52,15 @@ protected:
         return names;
     }
 
+    // "file <- keepers" for each kept file, in the listing's order.
+    static QStringList keptLines(const QList<KeptFile>& files) {
+        QStringList lines;
+        for (const KeptFile& file : files) {
+            lines.append(file.text + " <- " + file.usedBy.join(u','));
+        }
+        return lines;
+    }
+
     QTemporaryDir dir;
     FileSystem disk;
 };
@@ -80,10 +89,7 @@ TEST_P(Guards, EverySessionInSightKeepsWhatItUses) {
     folder.load(options(c.kind, c.session));
     ASSERT_FALSE(folder.stopped());
     EXPECT_EQ(texts(folder.otherFiles()), c.offered);
-    QStringList kept;
-    for (const KeptFile& file : folder.keptFiles()) {
-        kept.append(file.text + " <- " + file.usedBy.join(u','));
-    }
+    QStringList kept = keptLines(folder.keptFiles());
     kept.sort();
     EXPECT_EQ(kept, c.kept);
 }
@@ -125,8 +131,7 @@ TEST_F(SessionFolderTest, ALargeFolderIsJudgedAsASmallOneIs) {
     for (int i = 0; i < 6000; ++i) {
         const QString name = QStringLiteral("take %1.wav").arg(i, 4, 10, QLatin1Char('0'));
         entries.append(name);
-        QStringList& named = i % 6 == 0 ? used : i % 6 == 1 ? guarded : offered;
-        named.append(name);
+        (i % 6 == 0 ? used : i % 6 == 1 ? guarded : offered).append(name);
     }
     guarded.append(used.first());  // a file both use is the load's own
     for (const QString& name : guarded.first(guarded.size() - 1)) {
@@ -138,11 +143,7 @@ TEST_F(SessionFolderTest, ALargeFolderIsJudgedAsASmallOneIs) {
     folder.load(options(Sesx, "mix.sesx"));
     ASSERT_FALSE(folder.stopped());
     EXPECT_EQ(texts(folder.otherFiles()), offered);
-    QStringList keptNow;
-    for (const KeptFile& file : folder.keptFiles()) {
-        keptNow.append(file.text + " <- " + file.usedBy.join(u','));
-    }
-    EXPECT_EQ(keptNow, kept);  // in the listing's order
+    EXPECT_EQ(keptLines(folder.keptFiles()), kept);
 }
 
 // The real disk, but for folders it cannot list (named by their last part), as a folder

@@ -5,7 +5,6 @@
 #include "text/letter_case.h"
 #include "text/path_text.h"
 #include "text/pattern_list.h"
-#include "text/text_index.h"
 #include "text/wildcard.h"
 
 namespace tidewick {
@@ -106,31 +105,6 @@ TEST(Wildcard, MatchesTheWholeText) {
         EXPECT_EQ(wildcardMatch(QString(text), QString(pattern)), matches)
             << text << " ~ " << pattern;
     }
-}
-
-// The table behind the listings' names and the used index: many texts, some differing only in
-// letter case or by a character beyond ASCII, each found by a view of it with its own value,
-// none it lacks found, and a text put in twice kept once.
-TEST(TextMap, FindsEachOfManyTextsAndNoOther) {
-    TextMap<qsizetype> map;
-    QStringList texts = {QString(), QStringLiteral("Take.wav"), QStringLiteral("take.wav"),
-                         QStringLiteral("tak\u00e9.wav"), QString(300, u'x')};
-    for (int i = 0; i < 20000; ++i) {
-        texts.append(QStringLiteral("/rec/take %1.wav").arg(i));
-    }
-    for (qsizetype i = 0; i < texts.size(); ++i) {
-        map[texts[i]] = i;
-    }
-    map[texts[7]] = 7;  // again: no second entry
-    ASSERT_EQ(map.size(), texts.size());
-    for (qsizetype i = 0; i < texts.size(); ++i) {
-        const QString copy = QString(texts[i].constData(), texts[i].size());  // not shared
-        const qsizetype* value = map.find(QStringView(copy));
-        ASSERT_NE(value, nullptr) << texts[i].toStdString();
-        EXPECT_EQ(*value, i);
-        EXPECT_FALSE(map.contains(QString(copy + u'x')));
-    }
-    EXPECT_FALSE(map.contains(u"TAKE.WAV"));
 }
 
 }  // namespace
