@@ -1,6 +1,7 @@
 #include "readers/import_aup.h"
 
 #include <QAtomicInteger>
+#include <QFileInfo>
 #include <QSet>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -216,46 +217,79 @@ private:
     qsizetype import_;
 };
 
-}  // namespace
+// A project read a piece at a time (or all at once): the elements that name files, each read
+// from its start tag; the rest of its XML (tracks, envelopes, labels) names none.
+class AupProjectScan {
+public:
+    // Makes room for the files of a project of about `size` bytes.
+    explicit AupProjectScan(qsizetype size) {
+        // A project names a blockfile every hundred bytes or two, most of them once.
+        project_.reserve(std::min<qsizetype>(size / 128, 1 << 22));
+    }
 
-SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
-    Q_UNUSED(place);
-    // The project is one scan for the elements that name files, each read from its start tag;
-    // the rest of its XML (tracks, envelopes, labels) names none.
-    const qsizetype root = rootElementStart(bytes);
-    const QByteArrayView rootTag = root < 0 ? QByteArrayView() : bytes.sliced(root);
-    const bool flat = startsElement(rootTag, "audacityproject");
-    if (!flat && !startsElement(rootTag, "project")) {
-        return failedRead(ReadFailure::NotThisKind, {});
-    }
-    const QByteArrayView closing = flat ? "</audacityproject>" : "</project>";
-    if (!endsWithClosing(bytes, closing)) {
-        return failedRead(ReadFailure::CutShort, QString::fromLatin1(closing));
-    }
-    AupReferences project;
-    project.flat = flat;
-    // A project names a blockfile every hundred bytes or two, most of them once.
-    project.reserve(std::min<qsizetype>(bytes.size() / 128, 1 << 22));
-    FileElements elements(bytes, root);
-    for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
-        const QByteArrayView tag = startTagAt(bytes, at);
-        if (tag.isEmpty()) {
-            return failedRead(
-                ReadFailure::Damaged,
-                QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
+    // Reads the elements of `bytes`, the project's bytes from where the last call stopped on
+    // (`atEnd` once they reach its end): how many bytes it read, the rest being an element whose
+    // start tag goes on past them, or −1 once the read has failed.
+    qsizetype take(QByteArrayView bytes, bool atEnd) {
+        qsizetype from = 0;
+        if (!rootRead_) {
+            from = rootElementStart(bytes);
+            if (!atEnd && (from < 0 || bytes.size() - from < 64)) {
+                return 0;  // the root, or its name, lies past these bytes
+            }
+            const QByteArrayView rootTag = from < 0 ? QByteArrayView() : bytes.sliced(from);
+            project_.flat = startsElement(rootTag, "audacityproject");
+            if (!project_.flat && !startsElement(rootTag, "project")) {
+                return fail(ReadFailure::NotThisKind, {});
+            }
+            rootRead_ = true;
         }
-        project.element(name, tag);
+        const QByteArrayView closing = project_.flat ? "</audacityproject>" : "</project>";
+        if (atEnd && !endsWithClosing(bytes, closing)) {
+            return fail(ReadFailure::CutShort, QString::fromLatin1(closing));
+        }
+        // Elements whose name begins before the last "<" are read now: their names are whole.
+        const qsizetype last = atEnd ? -1 : bytes.lastIndexOf('<');
+        const qsizetype limit = last < from ? bytes.size() : last;
+        FileElements elements(bytes.first(limit), from);
+        for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
+            const QByteArrayView tag = startTagAt(bytes, at);
+            if (tag.isEmpty()) {
+                if (!atEnd) {
+                    return at;  // read again with the bytes that follow
+                }
+                return fail(
+                    ReadFailure::Damaged,
+                    QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
+            }
+            project_.element(name, tag);
+        }
+        return limit;
     }
-    project.finish();
-    SessionRead read;
-    project.found.moveInto(read);
-    return read;
-}
 
-std::optional<SessionRead> readAup3File(const QString& fileName) {
-    if (!fileName.endsWith(QLatin1String(".aup3"), Qt::CaseInsensitive)) {
-        return std::nullopt;
+    SessionRead finish() {
+        if (failed_) {
+            return std::move(*failed_);
+        }
+        project_.finish();
+        SessionRead read;
+        project_.found.moveInto(read);
+        return read;
     }
+
+private:
+    qsizetype fail(ReadFailure failure, const QString& detail) {
+        failed_ = failedRead(failure, detail);
+        return -1;
+    }
+
+    AupReferences project_;
+    bool rootRead_ = false;
+    std::optional<SessionRead> failed_;
+};
+
+// Checks the ".aup3" project `fileName` with Qt SQL, opened read-only.
+SessionRead readAup3File(const QString& fileName) {
     // Each check has a connection of its own: sessions are read on several threads at once.
     static QAtomicInteger<quint64> checks;
     const QString connection = QStringLiteral("tidewick-aup3-%1").arg(++checks);
@@ -285,6 +319,31 @@ std::optional<SessionRead> readAup3File(const QString& fileName) {
         return failedRead(ReadFailure::Damaged, problem);
     }
     return SessionRead();
+}
+
+}  // namespace
+
+SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
+    Q_UNUSED(place);
+    AupProjectScan project(bytes.size());
+    project.take(bytes, true);
+    return project.finish();
+}
+
+std::optional<SessionRead> readAupFile(const QString& fileName) {
+    if (fileName.endsWith(QLatin1String(".aup3"), Qt::CaseInsensitive)) {
+        return readAup3File(fileName);
+    }
+    // A large project is many megabytes of XML, of which only the file elements are kept: it
+    // is read a megabyte at a time rather than held whole.
+    AupProjectScan project(QFileInfo(fileName).size());
+    const QString error = readSessionPieces(
+        fileName, 1 << 20,
+        [&project](QByteArrayView bytes, bool atEnd) { return project.take(bytes, atEnd); });
+    if (!error.isEmpty()) {
+        return failedRead(ReadFailure::Unreadable, error);
+    }
+    return project.finish();
 }
 
 }  // namespace tidewick

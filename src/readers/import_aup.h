@@ -19,9 +19,10 @@ namespace tidewick {
 /// "audacityproject" root); Failed as cut short or damaged when the XML ends early or breaks.
 SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place);
 
-/// Checks the ".aup3" project `fileName` with Qt SQL, opened read-only: a database holding an
-/// Audacity project reads as a session that names no file; any other file, or one that cannot be
-/// opened, fails as damaged. Nothing for a file of another extension, which is read as bytes.
-std::optional<SessionRead> readAup3File(const QString& fileName);
+/// Reads the project file `fileName`. A ".aup" is read a piece at a time, as readAupSession reads
+/// its bytes. A ".aup3" is checked with Qt SQL, opened read-only: a database holding an Audacity
+/// project reads as a session that names no file; any other file, or one that cannot be opened,
+/// fails as damaged.
+std::optional<SessionRead> readAupFile(const QString& fileName);
 
 }  // namespace tidewick

@@ -38,7 +38,9 @@ std::vector<bool> MediaPathList::appendEachUnique(QStringList paths) {
         }
         const qsizetype at = from + qsizetype(i);
         if (index_.find(paths_[at], hashes[i], textAt()) < 0) {  // among those kept so far
-            paths_[kept] = std::move(paths_[at]);
+            if (kept != at) {
+                paths_[kept] = std::move(paths_[at]);
+            }
             index_.insert(hashes[i], kept);
             ++kept;
             appended[i] = true;

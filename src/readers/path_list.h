@@ -73,7 +73,10 @@ public:
         qsizetype kept = from;
         for (qsizetype i = from; i < references_.size(); ++i) {
             if (added[size_t(i - from)]) {
-                references_[kept++] = std::move(references_[i]);
+                if (kept != i) {
+                    references_[kept] = std::move(references_[i]);
+                }
+                ++kept;
             }
         }
         references_.resize(kept);

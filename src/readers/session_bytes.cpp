@@ -15,6 +15,7 @@
 #endif
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
@@ -25,45 +26,84 @@
 
 namespace tidewick {
 
-FileBytes readSessionBytes(const QString& fileName) {
-    QFile file;
+namespace {
+
+// Opens `fileName` into `file` for reading as a session: an ordinary file of at most 2 GB. The
+// reason when it cannot be, empty when open.
+QString openSessionFile(const QString& fileName, QFile& file) {
 #ifdef Q_OS_UNIX
     // Opened by the name's own bytes, without waiting for a writer; what was opened is then
     // asked whether it is an ordinary file, so nothing can swap it in between.
     const int fd = ::open(encodeFileName(fileName).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) {
-        return {{},
-                errno == ENOENT ? QStringLiteral("The file does not exist.")
-                                : QString::fromLocal8Bit(std::strerror(errno))};
+        return errno == ENOENT ? QStringLiteral("The file does not exist.")
+                               : QString::fromLocal8Bit(std::strerror(errno));
     }
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
         ::close(fd);
         // A pipe would block the read and a device such as /dev/zero would never end it.
-        return {{}, QStringLiteral("It is not an ordinary file.")};
+        return QStringLiteral("It is not an ordinary file.");
     }
     if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(fd);
-        return {{}, file.errorString()};
+        return file.errorString();
     }
 #else
     if (!QFileInfo(fileName).isFile()) {
-        return {{}, QStringLiteral("It is not an ordinary file.")};
+        return QStringLiteral("It is not an ordinary file.");
     }
     file.setFileName(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
-        return {{}, file.errorString()};
+        return file.errorString();
     }
 #endif
     if (file.size() > qint64(std::numeric_limits<qint32>::max()) - 1024) {
         // Session positions are 32-bit; no real session comes near this.
-        return {{}, QStringLiteral("The file is larger than 2 GB.")};
+        return QStringLiteral("The file is larger than 2 GB.");
+    }
+    return {};
+}
+
+}  // namespace
+
+FileBytes readSessionBytes(const QString& fileName) {
+    QFile file;
+    if (QString error = openSessionFile(fileName, file); !error.isEmpty()) {
+        return {{}, error};
     }
     QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         return {{}, file.errorString()};
     }
     return {std::move(bytes), {}};
+}
+
+QString readSessionPieces(const QString& fileName, qsizetype pieceSize,
+                          const std::function<qsizetype(QByteArrayView, bool)>& take) {
+    QFile file;
+    if (QString error = openSessionFile(fileName, file); !error.isEmpty()) {
+        return error;
+    }
+    QByteArray buffer(pieceSize, Qt::Uninitialized);
+    qsizetype held = 0;
+    for (;;) {
+        if (held == buffer.size()) {
+            buffer.resize(buffer.size() * 2);  // what is held is one piece of text not yet whole
+        }
+        const qint64 got = file.read(buffer.data() + held, buffer.size() - held);
+        if (got < 0) {
+            return file.errorString();
+        }
+        held += got;
+        const bool atEnd = got == 0 || file.atEnd();
+        const qsizetype taken = take(QByteArrayView(buffer.constData(), held), atEnd);
+        if (taken < 0 || atEnd) {
+            return {};
+        }
+        std::memmove(buffer.data(), buffer.constData() + taken, size_t(held - taken));
+        held -= taken;
+    }
 }
 
 qsizetype LineReader::lineEndFrom(qsizetype from) const {
@@ -283,9 +323,34 @@ qsizetype findBytes(QByteArrayView bytes, QByteArrayView needle, qsizetype from)
     if (from < 0 || bytes.size() - from < needle.size() || needle.isEmpty()) {
         return -1;  // also an empty text, which may have no bytes at all to point at
     }
-    const void* at = ::memmem(bytes.data() + from, size_t(bytes.size() - from), needle.data(),
-                              size_t(needle.size()));
-    return at == nullptr ? -1 : static_cast<const char*>(at) - bytes.data();
+    const char* data = bytes.data();
+#ifdef __SSE2__
+    // A place where the needle's first and last bytes both stand, sixteen places a step, is then
+    // compared whole: few places pass both, where memmem weighs every one.
+    const qsizetype last = needle.size() - 1;
+    if (last > 0) {
+        const __m128i first = _mm_set1_epi8(needle[0]);
+        const __m128i final = _mm_set1_epi8(needle[last]);
+        for (; from + last + 16 <= bytes.size(); from += 16) {
+            const auto* at = reinterpret_cast<const __m128i*>(data + from);
+            const auto* atLast = reinterpret_cast<const __m128i*>(data + from + last);
+            const __m128i both = _mm_and_si128(_mm_cmpeq_epi8(_mm_loadu_si128(at), first),
+                                               _mm_cmpeq_epi8(_mm_loadu_si128(atLast), final));
+            for (auto mask = unsigned(_mm_movemask_epi8(both)); mask != 0; mask &= mask - 1) {
+                const qsizetype hit = from + std::countr_zero(mask);
+                if (std::memcmp(data + hit + 1, needle.data() + 1, size_t(last - 1)) == 0) {
+                    return hit;
+                }
+            }
+        }
+        if (bytes.size() - from < needle.size()) {
+            return -1;
+        }
+    }
+#endif
+    const void* at =
+        ::memmem(data + from, size_t(bytes.size() - from), needle.data(), size_t(needle.size()));
+    return at == nullptr ? -1 : static_cast<const char*>(at) - data;
 }
 
 bool endsWithClosing(QByteArrayView bytes, QByteArrayView closing) {
@@ -333,20 +398,91 @@ bool startsElement(QByteArrayView text, QByteArrayView name) {
            (text[after] == '>' || text[after] == '/' || isXmlSpace(text[after]));
 }
 
-QByteArrayView startTagAt(QByteArrayView text, qsizetype at) {
-    for (qsizetype next = at + 1; next < text.size(); ++next) {
-        const char c = text[next];
-        if (c == '>') {
-            return text.sliced(at, next + 1 - at);
-        }
-        if (c == '"' || c == '\'') {
-            next = text.indexOf(c, next + 1);
-            if (next < 0) {
-                break;
-            }
+namespace {
+
+// Where the first of `a`, `b` and `c` stands in `data` from `from` up to `size`, or `size`:
+// sixteen bytes a step where the processor compares them at once.
+qsizetype firstOf(const char* data, qsizetype from, qsizetype size, char a, char b, char c) {
+#ifdef __SSE2__
+    const __m128i wantA = _mm_set1_epi8(a);
+    const __m128i wantB = _mm_set1_epi8(b);
+    const __m128i wantC = _mm_set1_epi8(c);
+    for (; from + 16 <= size; from += 16) {
+        const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from));
+        const __m128i hits =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(chunk, wantA), _mm_cmpeq_epi8(chunk, wantB)),
+                         _mm_cmpeq_epi8(chunk, wantC));
+        if (const auto mask = unsigned(_mm_movemask_epi8(hits)); mask != 0) {
+            return from + std::countr_zero(mask);
         }
     }
-    return {};
+#endif
+    while (from < size && data[from] != a && data[from] != b && data[from] != c) {
+        ++from;
+    }
+    return from;
+}
+
+// 1 when an odd number of the bits of `bits` (sixteen) are set.
+unsigned oddCount(unsigned bits) {
+    bits ^= bits >> 8;
+    bits ^= bits >> 4;
+    bits ^= bits >> 2;
+    bits ^= bits >> 1;
+    return bits & 1;
+}
+
+// The end of the start tag at `at`, walked a quoted value at a time.
+QByteArrayView walkedStartTagAt(QByteArrayView text, qsizetype at) {
+    const char* data = text.data();
+    const qsizetype size = text.size();
+    for (qsizetype next = at + 1;;) {
+        next = firstOf(data, next, size, '>', '"', '\'');
+        if (next == size) {
+            return {};
+        }
+        if (data[next] == '>') {
+            return text.sliced(at, next + 1 - at);
+        }
+        const char quote = data[next];  // a quoted value, passed over whole
+        next = firstOf(data, next + 1, size, quote, quote, quote);
+        if (next == size) {
+            return {};
+        }
+        ++next;
+    }
+}
+
+}  // namespace
+
+QByteArrayView startTagAt(QByteArrayView text, qsizetype at) {
+#ifdef __SSE2__
+    // Most tags quote their values in double quotes and hold no ">" in one: the first ">" ends
+    // such a tag when an even number of double quotes stands before it. Others are walked.
+    const char* data = text.data();
+    const __m128i close = _mm_set1_epi8('>');
+    const __m128i doubleQuote = _mm_set1_epi8('"');
+    const __m128i singleQuote = _mm_set1_epi8('\'');
+    unsigned quotes = 0;  // 1 while an odd number of double quotes stands before
+    for (qsizetype from = at + 1; from + 16 <= text.size(); from += 16) {
+        const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data + from));
+        const auto ends = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(chunk, close)));
+        const auto doubles = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(chunk, doubleQuote)));
+        const auto singles = unsigned(_mm_movemask_epi8(_mm_cmpeq_epi8(chunk, singleQuote)));
+        const unsigned before = ends == 0 ? 0xFFFF : (ends & -ends) - 1;
+        if ((singles & before) != 0) {
+            break;
+        }
+        quotes ^= oddCount(doubles & before);
+        if (ends != 0) {
+            if (quotes != 0) {
+                break;  // the ">" stands inside a value
+            }
+            return text.sliced(at, from + std::countr_zero(ends) + 1 - at);
+        }
+    }
+#endif
+    return walkedStartTagAt(text, at);
 }
 
 std::optional<QByteArrayView> tagAttributeText(QByteArrayView tag, QByteArrayView name) {
@@ -356,8 +492,16 @@ std::optional<QByteArrayView> tagAttributeText(QByteArrayView tag, QByteArrayVie
         }
         return at;
     };
+    // The bytes that end a name: "=", ">", "/" and XML's white space.
+    static constexpr auto kNameEnds = [] {
+        std::array<bool, 256> ends{};
+        for (const unsigned char c : {'=', '>', '/', ' ', '\t', '\r', '\n'}) {
+            ends[c] = true;
+        }
+        return ends;
+    }();
     const auto endsName = [&tag](qsizetype at) {
-        return tag[at] == '=' || tag[at] == '>' || tag[at] == '/' || isXmlSpace(tag[at]);
+        return kNameEnds[static_cast<unsigned char>(tag[at])];
     };
     qsizetype at = 1;  // past the "<"
     while (at < tag.size() && !endsName(at)) {

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
+#include <functional>
 #include <optional>
 
 #include "readers/reader_contract.h"
@@ -17,6 +18,14 @@ struct FileBytes {
     QString error;  ///< empty when the file was read
 };
 FileBytes readSessionBytes(const QString& fileName);
+
+/// Reads the file a piece of about `pieceSize` bytes at a time, for a reader that need not hold
+/// all of it: `take(bytes, atEnd)` is handed the bytes it has not taken yet (those it left last
+/// time, then the new piece; `atEnd` once the file's end is among them) and returns how many of
+/// them, from the front, it took, or −1 to stop. The reason the file could not be read, as
+/// readSessionBytes gives it; empty when read (or stopped).
+QString readSessionPieces(const QString& fileName, qsizetype pieceSize,
+                          const std::function<qsizetype(QByteArrayView, bool)>& take);
 
 /// The 32-bit signed little-endian number at `pos`; none when it lies outside `bytes`.
 inline std::optional<qint32> readI32LE(QByteArrayView bytes, qint64 pos) {

@@ -51,7 +51,7 @@ constexpr KindRow kKinds[] = {
     {SessionKindId::Als, "als", "*.als", "asd", &readAlsSession, false, "", true, false, "", false,
      false, false, true},
     {SessionKindId::Aup, "aup", "*.aup;*.aup3", "", &readAupSession, false, "", false, false, "",
-     false, false, false, true, &readAup3File},
+     false, false, false, true, &readAupFile},
     // Ardour names a peak file after its source and channel: "take.wav%A0.peak".
     {SessionKindId::Ardour, "ardour", "*.ardour", "peak", &readArdourSession, false, "", true,
      false, "", false, false, false, true},

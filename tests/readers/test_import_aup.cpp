@@ -58,14 +58,17 @@ TEST(AupReader, AliasBlockFilesNameTheirAudioAndSummary) {
 
 // Thousands of blockfiles, each named twice far apart (as tracks that share blocks do), among
 // names written with escapes or beyond ASCII and names that are paths: each file once, in the
-// order first met.
+// order first met, whether the project is read whole or from its file a piece at a time (tags
+// cut between pieces, one longer than a piece, a ">" or quotes of the other kind in values).
 TEST(AupReader, ListsEachOfManyBlockFilesOnceInOrder) {
     QByteArray blocks;
     QStringList expected;
+    const QByteArray values = " min='\"' rms=\">" + QByteArray(200, ' ') + "\"";
     for (int i = 0; i < 5000; ++i) {
         const QByteArray name =
             "e" + QByteArray::number(i * 7919 % 0xFFFFF, 16).rightJustified(7, '0') + ".au";
-        blocks += "<simpleblockfile filename=\"" + name + "\"/>\n";
+        blocks += "<simpleblockfile filename=\"" + name + "\"" + values.sliced(i % 2 * 10) +
+                  (i == 2500 ? " x=\"" + QByteArray(3 << 19, '<') + "\"" : "") + "/>\n";
         expected.append(QString::fromLatin1(name.first(3) + "/d" + name.sliced(3, 2) + "/" + name));
     }
     QByteArray project = "<?xml version=\"1.0\"?><project version=\"1.3.0\">\n" + blocks + blocks;
@@ -81,6 +84,9 @@ TEST(AupReader, ListsEachOfManyBlockFilesOnceInOrder) {
     for (qsizetype i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(read.references[i].relative, expected[i]);
     }
+    test::ReaderFixture f;
+    const QString file = f.write("big.aup", project);
+    EXPECT_EQ(readSessionFile(sessionKind(SessionKindId::Aup), file, f.place()), read);
 }
 
 TEST(AupReader, RefusesWhatIsNoWholeProject) {
