@@ -6,7 +6,10 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QThread>
 #include <algorithm>
+#include <deque>
+#include <future>
 #include <tuple>
 #include <utility>
 
@@ -83,17 +86,13 @@ QString blockFileLocationOf(Name name, bool flat) {
     return location;
 }
 
-// The references of one project, each file once.
+// The references of a project, or of a piece of one, in the order met; repeats stay until
+// they join the project's list.
 class AupReferences {
 public:
-    bool flat = false;  // the 1.x format: blockfiles in the data folder itself
-    ReferenceList found;
+    explicit AupReferences(bool flat) : flat(flat) {}
 
-    // Makes room for about `count` files.
-    void reserve(qsizetype count) {
-        references_.reserve(count);
-        texts_.reserve(count);
-    }
+    bool flat = false;  // the 1.x format: blockfiles in the data folder itself
 
     // The start tag `tag` of an element named `name`.
     void element(QByteArrayView name, QByteArrayView tag) {
@@ -122,15 +121,15 @@ private:
         // bytes as they stand, with no text of the name alone.
         if (QtPrivate::isAscii(QLatin1StringView(*text)) && !text->contains('&')) {
             if (isBlockFileName(*text)) {
-                const QString location = blockFileLocationOf(*text, flat);
-                add({FileReference::Base::DataFolder, location, {}}, location);
+                add({FileReference::Base::DataFolder, blockFileLocationOf(*text, flat), {}});
             }
             return;
         }
         const QString name = attributeText(tag, attribute);
         if (isBlockFileName(QStringView(name))) {
-            const QString location = blockFileLocationOf(QStringView(name), flat);
-            add({FileReference::Base::DataFolder, location, {}}, location);
+            add({FileReference::Base::DataFolder,
+                 blockFileLocationOf(QStringView(name), flat),
+                 {}});
         }
     }
 
@@ -141,24 +140,36 @@ private:
         const bool rooted =
             path.startsWith(u'/') || path.startsWith(u'\\') || (path.size() > 1 && path[1] == u':');
         if (rooted) {
-            add({FileReference::Base::None, {}, {path}}, path);
+            add({FileReference::Base::None, {}, {path}});
         } else {
-            add({FileReference::Base::SessionFolder, path, {}}, path);
+            add({FileReference::Base::SessionFolder, path, {}});
         }
     }
 
-    // Gathered first and added at the end, many at once (ReferenceList::addEach).
-    void add(FileReference reference, const QString& text) {
+    // Gathered first and added at the end, many at once (ReferenceList::addEach), each written
+    // as its one path.
+    void add(FileReference reference) {
+        texts_.append(reference.absolute.isEmpty() ? reference.relative
+                                                   : reference.absolute.first());
         references_.append(std::move(reference));
-        texts_.append(text);
     }
 
 public:
-    void finish() { found.addEach(std::exchange(references_, {}), std::exchange(texts_, {})); }
+    // Works out the hashes of the references' texts ahead of addTo, such as on another thread.
+    void hashTexts() { hashes_ = MediaPathList::hashesOf(texts_); }
+
+    // Adds the references to `found` after those it holds, each file once.
+    void addTo(ReferenceList& found) {
+        if (hashes_.size() != size_t(texts_.size())) {
+            hashTexts();
+        }
+        found.addEach(std::exchange(references_, {}), std::exchange(texts_, {}), hashes_);
+    }
 
 private:
     QList<FileReference> references_;
     QStringList texts_;
+    std::vector<quint32> hashes_;
 };
 
 constexpr QByteArrayView kBlockFile = "blockfile";
@@ -217,73 +228,129 @@ private:
     qsizetype import_;
 };
 
+// Reads the elements of `bytes` that name files, those from `from` on that begin before `limit`,
+// into `references`: where one begins whose start tag does not end within `bytes`, and its name;
+// −1 when none does.
+std::pair<qsizetype, QByteArrayView> readElements(QByteArrayView bytes, qsizetype from,
+                                                  qsizetype limit, AupReferences& references) {
+    FileElements elements(bytes.first(limit), from);
+    for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
+        const QByteArrayView tag = startTagAt(bytes, at);
+        if (tag.isEmpty()) {
+            return {at, name};
+        }
+        references.element(name, tag);
+    }
+    return {-1, {}};
+}
+
 // A project read a piece at a time (or all at once): the elements that name files, each read
 // from its start tag; the rest of its XML (tracks, envelopes, labels) names none.
 class AupProjectScan {
 public:
-    // Makes room for the files of a project of about `size` bytes.
-    explicit AupProjectScan(qsizetype size) {
-        // A project names a blockfile every hundred bytes or two, most of them once.
-        project_.reserve(std::min<qsizetype>(size / 128, 1 << 22));
+    // With `onCores`, pieces are read on the cores at hand, each into a list of its own, and the
+    // lists joined in order.
+    // A project names a blockfile every hundred bytes or two, most of them once: room is made
+    // for those of a project of `size` bytes.
+    AupProjectScan(qsizetype size, bool onCores)
+        : cores_(onCores ? std::max(1, QThread::idealThreadCount()) : 0) {
+        found_.reserve(std::min<qsizetype>(size / 128, 1 << 22));
     }
 
     // Reads the elements of `bytes`, the project's bytes from where the last call stopped on
     // (`atEnd` once they reach its end): how many bytes it read, the rest being an element whose
     // start tag goes on past them, or −1 once the read has failed.
-    qsizetype take(QByteArrayView bytes, bool atEnd) {
+    qsizetype take(const QByteArray& bytes, bool atEnd) {
+        const QByteArrayView text(bytes);
         qsizetype from = 0;
         if (!rootRead_) {
-            from = rootElementStart(bytes);
-            if (!atEnd && (from < 0 || bytes.size() - from < 64)) {
+            from = rootElementStart(text);
+            if (!atEnd && (from < 0 || text.size() - from < 64)) {
                 return 0;  // the root, or its name, lies past these bytes
             }
-            const QByteArrayView rootTag = from < 0 ? QByteArrayView() : bytes.sliced(from);
-            project_.flat = startsElement(rootTag, "audacityproject");
-            if (!project_.flat && !startsElement(rootTag, "project")) {
+            const QByteArrayView rootTag = from < 0 ? QByteArrayView() : text.sliced(from);
+            flat_ = startsElement(rootTag, "audacityproject");
+            if (!flat_ && !startsElement(rootTag, "project")) {
                 return fail(ReadFailure::NotThisKind, {});
             }
             rootRead_ = true;
         }
-        const QByteArrayView closing = project_.flat ? "</audacityproject>" : "</project>";
-        if (atEnd && !endsWithClosing(bytes, closing)) {
+        const QByteArrayView closing = flat_ ? "</audacityproject>" : "</project>";
+        if (atEnd && !endsWithClosing(text, closing)) {
             return fail(ReadFailure::CutShort, QString::fromLatin1(closing));
         }
         // Elements whose name begins before the last "<" are read now: their names are whole.
-        const qsizetype last = atEnd ? -1 : bytes.lastIndexOf('<');
-        const qsizetype limit = last < from ? bytes.size() : last;
-        FileElements elements(bytes.first(limit), from);
-        for (auto [at, name] = elements.next(); at >= 0; std::tie(at, name) = elements.next()) {
-            const QByteArrayView tag = startTagAt(bytes, at);
-            if (tag.isEmpty()) {
-                if (!atEnd) {
-                    return at;  // read again with the bytes that follow
-                }
-                return fail(
-                    ReadFailure::Damaged,
-                    QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
-            }
-            project_.element(name, tag);
+        const qsizetype last = atEnd ? -1 : text.lastIndexOf('<');
+        const qsizetype limit = last < from ? text.size() : last;
+        if (cores_ > 0 && !atEnd) {
+            readOnCore(bytes, from, limit);
+            return limit;
+        }
+        joinPieces();
+        AupReferences piece(flat_);
+        const auto [unended, name] = readElements(text, from, limit, piece);
+        piece.addTo(found_);
+        if (unended >= 0 && !atEnd) {
+            return unended;  // read again with the bytes that follow
+        }
+        if (unended >= 0) {
+            return fail(ReadFailure::Damaged,
+                        QStringLiteral("a <%1> element never ends").arg(QString::fromLatin1(name)));
         }
         return limit;
     }
 
+    // Whether a piece read on a core held a start tag that went on past it (a "<" inside a
+    // value): such a project must be read one piece after another.
+    bool cutTag() const { return cutTag_; }
+
     SessionRead finish() {
+        joinPieces();
         if (failed_) {
             return std::move(*failed_);
         }
-        project_.finish();
         SessionRead read;
-        project_.found.moveInto(read);
+        found_.moveInto(read);
         return read;
     }
 
 private:
+    // Reads the elements from `from` to `limit` of `bytes` on another thread, which shares them.
+    void readOnCore(const QByteArray& bytes, qsizetype from, qsizetype limit) {
+        if (qsizetype(pieces_.size()) >= cores_) {
+            joinFirstPiece();
+        }
+        pieces_.push_back(std::async(std::launch::async, [bytes, from, limit, flat = flat_] {
+            AupReferences references(flat);
+            const bool cut = readElements(bytes, from, limit, references).first >= 0;
+            references.hashTexts();
+            return std::pair{std::move(references), cut};
+        }));
+    }
+
+    void joinFirstPiece() {
+        auto [references, cut] = pieces_.front().get();
+        pieces_.pop_front();
+        cutTag_ = cutTag_ || cut;
+        references.addTo(found_);
+    }
+
+    void joinPieces() {
+        while (!pieces_.empty()) {
+            joinFirstPiece();
+        }
+    }
+
     qsizetype fail(ReadFailure failure, const QString& detail) {
         failed_ = failedRead(failure, detail);
         return -1;
     }
 
-    AupReferences project_;
+    const qsizetype cores_;
+    std::deque<std::future<std::pair<AupReferences, bool>>> pieces_;
+    bool cutTag_ = false;
+    ReferenceList found_;
+    bool flat_ = false;
     bool rootRead_ = false;
     std::optional<SessionRead> failed_;
 };
@@ -325,8 +392,8 @@ SessionRead readAup3File(const QString& fileName) {
 
 SessionRead readAupSession(QByteArrayView bytes, const SessionPlace& place) {
     Q_UNUSED(place);
-    AupProjectScan project(bytes.size());
-    project.take(bytes, true);
+    AupProjectScan project(bytes.size(), false);
+    project.take(QByteArray::fromRawData(bytes.data(), bytes.size()), true);
     return project.finish();
 }
 
@@ -335,15 +402,21 @@ std::optional<SessionRead> readAupFile(const QString& fileName) {
         return readAup3File(fileName);
     }
     // A large project is many megabytes of XML, of which only the file elements are kept: it
-    // is read a megabyte at a time rather than held whole.
-    AupProjectScan project(QFileInfo(fileName).size());
-    const QString error = readSessionPieces(
-        fileName, 1 << 20,
-        [&project](QByteArrayView bytes, bool atEnd) { return project.take(bytes, atEnd); });
-    if (!error.isEmpty()) {
-        return failedRead(ReadFailure::Unreadable, error);
+    // is read a megabyte at a time rather than held whole, the pieces on the cores at hand.
+    for (const bool onCores : {QThread::idealThreadCount() > 1, false}) {
+        AupProjectScan project(QFileInfo(fileName).size(), onCores);
+        const QString error = readSessionPieces(
+            fileName, 1 << 20,
+            [&project](const QByteArray& bytes, bool atEnd) { return project.take(bytes, atEnd); });
+        if (!error.isEmpty()) {
+            return failedRead(ReadFailure::Unreadable, error);
+        }
+        SessionRead read = project.finish();
+        if (!project.cutTag()) {
+            return read;
+        }
     }
-    return project.finish();
+    Q_UNREACHABLE();
 }
 
 }  // namespace tidewick

@@ -15,15 +15,21 @@ bool MediaPathList::insert(const QString& path, quint32 hash) {
     return true;
 }
 
-std::vector<bool> MediaPathList::appendEachUnique(QStringList paths) {
+std::vector<quint32> MediaPathList::hashesOf(const QStringList& paths) {
     std::vector<quint32> hashes(size_t(paths.size()));
     for (qsizetype i = 0; i < paths.size(); ++i) {
         hashes[size_t(i)] = TextIndex::hashOf(paths[i]);
     }
+    return hashes;
+}
+
+std::vector<bool> MediaPathList::appendEachUnique(QStringList paths,
+                                                  const std::vector<quint32>& hashes) {
+    Q_ASSERT(hashes.size() == size_t(paths.size()));
     index_.reserve(paths_.size() + paths.size());  // the table grows no more while they go in
     // The paths join the list, which is then closed up over the repeats, in place.
     const qsizetype from = paths_.size();
-    if (from == 0) {
+    if (from == 0 && paths_.capacity() < paths.size()) {
         paths_ = std::move(paths);  // no second list of the same paths
     } else {
         paths_.append(std::move(paths));

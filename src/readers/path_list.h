@@ -26,7 +26,15 @@ public:
     bool appendUnique(const QString& path) { return insert(path, TextIndex::hashOf(path)); }
     /// Appends each of `paths` that the list does not hold yet, in order; whether each was. Many
     /// at once cost less than one at a time: the table is looked into ahead of each test.
-    std::vector<bool> appendEachUnique(QStringList paths);
+    std::vector<bool> appendEachUnique(QStringList paths) {
+        const std::vector<quint32> hashes = hashesOf(paths);
+        return appendEachUnique(std::move(paths), hashes);
+    }
+    /// The same, with the hashes of `paths` (hashesOf) worked out before, such as on another
+    /// thread.
+    std::vector<bool> appendEachUnique(QStringList paths, const std::vector<quint32>& hashes);
+    /// The hash of each of `paths`, as the list files it.
+    static std::vector<quint32> hashesOf(const QStringList& paths);
     bool contains(QStringView path) const;
     const QStringList& paths() const { return paths_; }
     QStringList takePaths() {
@@ -63,9 +71,15 @@ public:
     }
     /// Adds each reference with its text, as add does one at a time.
     void addEach(QList<FileReference> references, QStringList texts) {
-        const std::vector<bool> added = texts_.appendEachUnique(std::move(texts));
+        const std::vector<quint32> hashes = MediaPathList::hashesOf(texts);
+        addEach(std::move(references), std::move(texts), hashes);
+    }
+    /// The same, with the hashes of `texts` (MediaPathList::hashesOf) worked out before.
+    void addEach(QList<FileReference> references, QStringList texts,
+                 const std::vector<quint32>& hashes) {
+        const std::vector<bool> added = texts_.appendEachUnique(std::move(texts), hashes);
         const qsizetype from = references_.size();
-        if (from == 0) {
+        if (from == 0 && references_.capacity() < references.size()) {
             references_ = std::move(references);
         } else {
             references_.append(std::move(references));

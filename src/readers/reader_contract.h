@@ -144,6 +144,10 @@ struct FileReference {
 
     bool operator==(const FileReference&) const = default;
 };
+}  // namespace tidewick
+// A list of references grows by moving its memory, not each reference.
+Q_DECLARE_TYPEINFO(tidewick::FileReference, Q_RELOCATABLE_TYPE);
+namespace tidewick {
 
 /// Everything one read of one session file found.
 struct SessionRead {

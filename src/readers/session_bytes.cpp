@@ -80,29 +80,37 @@ FileBytes readSessionBytes(const QString& fileName) {
 }
 
 QString readSessionPieces(const QString& fileName, qsizetype pieceSize,
-                          const std::function<qsizetype(QByteArrayView, bool)>& take) {
+                          const std::function<qsizetype(const QByteArray&, bool)>& take) {
     QFile file;
     if (QString error = openSessionFile(fileName, file); !error.isEmpty()) {
         return error;
     }
-    QByteArray buffer(pieceSize, Qt::Uninitialized);
-    qsizetype held = 0;
+    QByteArray bytes;
+    qsizetype taken = 0;
     for (;;) {
-        if (held == buffer.size()) {
-            buffer.resize(buffer.size() * 2);  // what is held is one piece of text not yet whole
+        // The next piece goes after the bytes not taken yet: in the same buffer, unless `take`
+        // kept a copy of it (which shares its bytes). While they are one piece of text not yet
+        // whole, the room doubles.
+        const qsizetype held = bytes.size() - taken;
+        const qsizetype room = std::max(pieceSize, held);
+        if (bytes.isDetached() && bytes.capacity() >= held + room) {
+            std::memmove(bytes.data(), bytes.constData() + taken, size_t(held));
+            bytes.resize(held + room);
+        } else {
+            QByteArray next(held + room, Qt::Uninitialized);
+            std::memcpy(next.data(), bytes.constData() + taken, size_t(held));
+            bytes = std::move(next);
         }
-        const qint64 got = file.read(buffer.data() + held, buffer.size() - held);
+        const qint64 got = file.read(bytes.data() + held, room);
         if (got < 0) {
             return file.errorString();
         }
-        held += got;
+        bytes.resize(held + got);
         const bool atEnd = got == 0 || file.atEnd();
-        const qsizetype taken = take(QByteArrayView(buffer.constData(), held), atEnd);
+        taken = take(bytes, atEnd);
         if (taken < 0 || atEnd) {
             return {};
         }
-        std::memmove(buffer.data(), buffer.constData() + taken, size_t(held - taken));
-        held -= taken;
     }
 }
 

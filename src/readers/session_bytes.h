@@ -22,10 +22,11 @@ FileBytes readSessionBytes(const QString& fileName);
 /// Reads the file a piece of about `pieceSize` bytes at a time, for a reader that need not hold
 /// all of it: `take(bytes, atEnd)` is handed the bytes it has not taken yet (those it left last
 /// time, then the new piece; `atEnd` once the file's end is among them) and returns how many of
-/// them, from the front, it took, or −1 to stop. The reason the file could not be read, as
-/// readSessionBytes gives it; empty when read (or stopped).
+/// them, from the front, it took, or −1 to stop. It may keep a copy of `bytes` (another thread
+/// may read them on): the next piece then goes elsewhere. The reason the file could not be read,
+/// as readSessionBytes gives it; empty when read (or stopped).
 QString readSessionPieces(const QString& fileName, qsizetype pieceSize,
-                          const std::function<qsizetype(QByteArrayView, bool)>& take);
+                          const std::function<qsizetype(const QByteArray&, bool)>& take);
 
 /// The 32-bit signed little-endian number at `pos`; none when it lies outside `bytes`.
 inline std::optional<qint32> readI32LE(QByteArrayView bytes, qint64 pos) {
