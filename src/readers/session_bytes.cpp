@@ -67,16 +67,24 @@ QString openSessionFile(const QString& fileName, QFile& file) {
 
 }  // namespace
 
-FileBytes readSessionBytes(const QString& fileName) {
+QString readSessionBytes(const QString& fileName, QByteArray& bytes) {
     QFile file;
     if (QString error = openSessionFile(fileName, file); !error.isEmpty()) {
-        return {{}, error};
+        return error;
     }
-    QByteArray bytes = file.readAll();
+    bytes.resize(file.size());
+    const qint64 read = file.read(bytes.data(), bytes.size());
+    if (read < 0) {
+        return file.errorString();
+    }
+    bytes.resize(read);                // the file was cut while being read
+    if (!file.atEnd() || read == 0) {  // it grew, or its size is not told (as in /proc)
+        bytes += file.readAll();
+    }
     if (file.error() != QFileDevice::NoError) {
-        return {{}, file.errorString()};
+        return file.errorString();
     }
-    return {std::move(bytes), {}};
+    return {};
 }
 
 QString readSessionPieces(const QString& fileName, qsizetype pieceSize,

@@ -12,12 +12,9 @@
 // and the lines of a text session.
 namespace tidewick {
 
-/// The whole of a file, read in one go, or why it could not be read.
-struct FileBytes {
-    QByteArray bytes;
-    QString error;  ///< empty when the file was read
-};
-FileBytes readSessionBytes(const QString& fileName);
+/// Reads the whole of a file into `bytes`, in one go, into the memory `bytes` holds already
+/// where it has room; the reason it could not be read, empty when it was.
+QString readSessionBytes(const QString& fileName, QByteArray& bytes);
 
 /// Reads the file a piece of about `pieceSize` bytes at a time, for a reader that need not hold
 /// all of it: `take(bytes, atEnd)` is handed the bytes it has not taken yet (those it left last

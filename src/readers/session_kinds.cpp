@@ -1,5 +1,7 @@
 #include "readers/session_kinds.h"
 
+#include <QScopeGuard>
+
 #include <bitset>
 #include <exception>
 
@@ -213,11 +215,20 @@ SessionRead readSessionFile(const SessionKind& kind, const QString& fileName,
                 return *read;
             }
         }
-        const FileBytes file = readSessionBytes(fileName);
-        if (!file.error.isEmpty()) {
-            return failed(ReadFailure::Unreadable, file.error);
+        // Each thread reads its sessions into a memory of its own, kept between reads while
+        // it is small: a load reads hundreds of sessions, and fresh memory for each of them costs
+        // more than the copy of its bytes.
+        constexpr qsizetype kKept = 4 << 20;
+        thread_local QByteArray bytes;
+        const auto dropLarge = qScopeGuard([] {
+            if (bytes.capacity() > kKept) {
+                bytes = QByteArray();
+            }
+        });
+        if (const QString error = readSessionBytes(fileName, bytes); !error.isEmpty()) {
+            return failed(ReadFailure::Unreadable, error);
         }
-        SessionRead read = kind.reader(file.bytes, place);
+        SessionRead read = kind.reader(bytes, place);
         if (read.problem) {
             read.problem->file = fileName;
         }
