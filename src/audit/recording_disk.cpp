@@ -1,5 +1,6 @@
 #include "audit/recording_disk.h"
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -23,25 +24,39 @@ enum Question : char {
 };
 
 // The bytes of answers, as the hash takes them in: each value's own bytes, a text after its
-// length. Nothing here outlives the run that wrote it but the hash.
+// length. Nothing here outlives the run that wrote it but the hash. A listing's answer is
+// thousands of values: each is copied in place, the room made ahead.
 class Answer {
 public:
     template <typename T>
     Answer& operator<<(T value) {
         static_assert(std::is_arithmetic_v<T>);
-        bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
+        put(&value, sizeof value);
         return *this;
     }
     Answer& operator<<(const QString& text) {
         *this << text.size();
-        bytes_.append(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        put(text.utf16(), text.size() * 2);
         return *this;
     }
-    const QByteArray& bytes() const { return bytes_; }
-    void reserve(qsizetype size) { bytes_.reserve(size); }
+    QByteArrayView bytes() const { return {bytes_.constData(), size_}; }
+    void reserve(qsizetype size) {
+        if (size > bytes_.size()) {
+            bytes_.resize(size);
+        }
+    }
 
 private:
-    QByteArray bytes_;
+    void put(const void* data, qsizetype size) {
+        if (size_ + size > bytes_.size()) {
+            reserve(std::max(size_ + size, 2 * bytes_.size()));
+        }
+        std::memcpy(bytes_.data() + size_, data, size_t(size));
+        size_ += size;
+    }
+
+    QByteArray bytes_;  // room, of which the first `size_` bytes are written
+    qsizetype size_ = 0;
 };
 
 // A question as the record keeps it: its kind, the length of its path and the path.
