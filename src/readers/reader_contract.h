@@ -144,10 +144,6 @@ struct FileReference {
 
     bool operator==(const FileReference&) const = default;
 };
-}  // namespace tidewick
-// A list of references grows by moving its memory, not each reference.
-Q_DECLARE_TYPEINFO(tidewick::FileReference, Q_RELOCATABLE_TYPE);
-namespace tidewick {
 
 /// Everything one read of one session file found.
 struct SessionRead {
@@ -189,3 +185,7 @@ struct SessionPlace {
 };
 
 }  // namespace tidewick
+
+// Lists of records and references grow by moving their memory, not each element.
+Q_DECLARE_TYPEINFO(tidewick::SesMediaRecord, Q_RELOCATABLE_TYPE);
+Q_DECLARE_TYPEINFO(tidewick::FileReference, Q_RELOCATABLE_TYPE);
