@@ -16,12 +16,19 @@ void CheckListModel::addItems(const QList<CheckItem>& items) {
     const int first = count();
     beginInsertRows({}, first, first + static_cast<int>(items.size()) - 1);
     items_.append(items);
+    firstRows_.reserve(items_.size());
     for (int row = first; row < count(); ++row) {
-        if (!firstRow_.contains(items_.at(row).text)) {  // a repeated text keeps its first row
-            firstRow_.insert(items_.at(row).text, row);
+        const QString& text = items_.at(row).text;
+        const quint32 hash = TextIndex::hashOf(text);
+        if (firstRows_.find(text, hash, rowTexts()) < 0) {  // a repeated text keeps its first row
+            firstRows_.insert(hash, row);
         }
     }
     endInsertRows();
+}
+
+int CheckListModel::indexOf(const QString& text) const {
+    return int(firstRows_.find(text, TextIndex::hashOf(text), rowTexts()));
 }
 
 void CheckListModel::setChecked(int row, bool checked) {
@@ -61,7 +68,7 @@ void CheckListModel::setTooltip(int row, const QString& text) {
 void CheckListModel::clear() {
     beginResetModel();
     items_.clear();
-    firstRow_.clear();
+    firstRows_.clear();
     tooltips_.clear();
     endResetModel();
 }

@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+#include "text/text_index.h"
+
 // A list of check-box lines: the data of UsedFiles and UnusedFiles. A QListView shows it
 // directly, also with a hundred thousand lines.
 namespace tidewick {
@@ -29,8 +31,8 @@ public:
     bool isChecked(int row) const { return items_.at(row).checked; }
 
     /// The row of the first line whose text equals `text` exactly, or −1.
-    int indexOf(const QString& text) const { return firstRow_.value(text, -1); }
-    bool contains(const QString& text) const { return firstRow_.contains(text); }
+    int indexOf(const QString& text) const;
+    bool contains(const QString& text) const { return indexOf(text) >= 0; }
 
     /// Appends one line.
     void addItem(const QString& text, bool checked = false);
@@ -62,8 +64,12 @@ Q_SIGNALS:
     void itemCheck(int row);
 
 private:
+    auto rowTexts() const {
+        return [this](qsizetype row) -> const QString& { return items_.at(row).text; };
+    }
+
     QList<CheckItem> items_;
-    QHash<QString, int> firstRow_;
+    TextIndex firstRows_;  // the first row of each text
     QString tooltipFolder_;
     QHash<int, QString> tooltips_;
 };
