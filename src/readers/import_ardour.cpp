@@ -17,9 +17,6 @@ class ArdourSources {
 public:
     ReferenceList found;
 
-    // Takes in what a reading of the document's later elements found.
-    void merge(ArdourSources&& later) { found.addEach(std::move(later.found)); }
-
     void visit(QXmlStreamReader& xml) {
         const bool start = xml.tokenType() == QXmlStreamReader::StartElement;
         if (!start && xml.tokenType() != QXmlStreamReader::EndElement) {

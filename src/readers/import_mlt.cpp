@@ -70,9 +70,6 @@ public:
 
     ReferenceList found;
 
-    // Takes in what a reading of the document's later elements found.
-    void merge(MltClips&& later) { found.addEach(std::move(later.found)); }
-
     // Each start, end and piece of text. A property's value is gathered from its pieces of
     // text: given the document a piece at a time, the reader may give one text in two.
     void visit(QXmlStreamReader& xml) {

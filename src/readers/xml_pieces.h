@@ -55,9 +55,9 @@ QXmlStreamReader::Error visitWholeDocument(QByteArrayView bytes, const XmlVisit&
 
 /// Reads a session of `kind` whose document has the root element `rootName` and whose files sit
 /// in the elements `names`, into the visitor `make(root)` makes (`root` read with its attribute
-/// `rootAttribute`): its visit(xml) takes each element and text, merge() takes in what another
-/// visitor found in later elements, and its `found` (a ReferenceList) ends in the read. The
-/// elements are cut out by a byte search, many read in two halves on the cores at hand; where the
+/// `rootAttribute`): its visit(xml) takes each element and text, and its `found` (a
+/// ReferenceList) ends in the read. The elements are cut out by a byte search, many read in two
+/// halves on the cores at hand, the later half's references joining the first's; where the
 /// document cannot be cut so (it declares another encoding, or a piece does not read alone), the
 /// whole document is read into a visitor made anew. Rejected for another root; failed as cut
 /// short without the root's end tag, as damaged where the XML breaks off.
@@ -76,7 +76,7 @@ SessionRead readXmlSession(QByteArrayView bytes, SessionKindId kind, QStringView
     auto found = make(root);
     const auto readInPieces = [&] {
         if (const auto pieces = root.foreignEncoding ? std::nullopt : elementPieces(bytes, names)) {
-            // The later half goes into a visitor of its own that then joins the first (merge).
+            // The later half goes into a visitor of its own whose references then join the first's.
             constexpr qsizetype kHalvedFrom = 512;
             const qsizetype middle =
                 pieces->size() < kHalvedFrom ? pieces->size() : pieces->size() / 2;
@@ -92,7 +92,7 @@ SessionRead readXmlSession(QByteArrayView bytes, SessionKindId kind, QStringView
                 }
             });
             if (read[0] && read[1]) {
-                found.merge(std::move(later));
+                found.found.addEach(std::move(later.found));
                 return true;
             }
         }
