@@ -73,7 +73,7 @@ QByteArray packRead(const SessionRead& read) {
     const SesFacts ses = read.ses.value_or(SesFacts());
     const QList<RecordPathLine> lines =
         read.reaper ? read.reaper->recordPaths : QList<RecordPathLine>();
-    out << qint32(read.outcome) << read.paths << ses.version << ses.versionFound
+    out << qint32(read.outcome) << read.paths.toList() << ses.version << ses.versionFound
         << qint32(lines.size());
     for (const RecordPathLine& line : lines) {
         out << line.hasValue << line.value;

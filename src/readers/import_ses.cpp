@@ -1,5 +1,6 @@
 #include "readers/import_ses.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -49,8 +50,8 @@ public:
     SesWalk(QByteArrayView bytes, SesFacts& facts) : bytes_(bytes), facts_(facts) {}
 
     QString error;
-    /// The path of each record read so far, blanks trimmed.
-    QStringList paths;
+    /// The path of each record read so far: its name, cut to 255 characters, blanks trimmed.
+    PathTexts paths;
 
     bool fail(const char* description) {
         error = QString::fromLatin1(description);
@@ -127,6 +128,10 @@ public:
         if (!add(position, 4, entry)) {
             return false;
         }
+        // The names take at most the list's bytes, and each entry at least 17 of them.
+        const auto room = qsizetype(std::clamp<qint64>(listSize, 0, bytes_.size() - entry));
+        paths.reserveBlock(room / 17, room);
+        facts_.records.reserve(facts_.records.size() + room / 17);
         qint64 consumed = 0;
         for (;;) {
             SesChunkHeader header;
@@ -148,11 +153,8 @@ public:
             // The name is every non-zero byte of the buffer, in order, even those after a zero.
             QByteArray scratch;
             const QByteArrayView nameBytes = nonZeroBytes(buffer, scratch);
-            QString name = decodeSessionText(nameBytes);
-            name.truncate(kFileNameLength);
-            // Its path, blanks trimmed, is taken now, while the name is at hand.
-            paths.append(trimBlanks(name));
-            facts_.records.append({value, std::move(name), header.ChunkID});
+            appendPath(nameBytes);
+            facts_.records.append({value, header.ChunkID});
 
             // The next entry starts right after the name and its terminating zero, not at the
             // end of the buffer; the later layout keeps 8 more bytes before it.
@@ -169,6 +171,18 @@ public:
     }
 
 private:
+    // Nearly every name is ASCII, which is cut and trimmed as it stands; any other is decoded.
+    void appendPath(QByteArrayView nameBytes) {
+        if (isAscii(nameBytes)) {
+            paths.appendUtf8(
+                trimmedLine(nameBytes.first(std::min(nameBytes.size(), kFileNameLength))));
+            return;
+        }
+        QString name = decodeSessionText(nameBytes);
+        name.truncate(kFileNameLength);
+        paths.append(trimBlanks(name));
+    }
+
     // The non-zero bytes of `data`, in order. Almost always they are a text followed by zeros
     // only, and then they are a view into `data`; otherwise they are gathered in `scratch`.
     static QByteArrayView nonZeroBytes(QByteArrayView data, QByteArray& scratch) {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "platform/file_system.h"
+#include "readers/path_texts.h"
 
 // What every session reader hands back. A reader is a function of the file's bytes (and, for
 // REAPER's record path, of the project folder on disk): it asks and tells the user nothing and
@@ -35,10 +36,10 @@ struct FourCC {
     bool operator==(QByteArrayView text) const { return view() == text; }
 };
 
-/// One file entry of a binary session, in file order; duplicates stay.
+/// One file entry of a binary session, in file order; duplicates stay. Its file name, cut to 255
+/// characters and trimmed of blanks, is the read's path of the same place.
 struct SesMediaRecord {
     qint32 EntryValue = 0;  ///< the value that follows the entry's header
-    QString FileName;       ///< the name, cut to 255 characters; readers of it trim blanks
     FourCC ChunkID;         ///< the entry's identifier
 
     bool operator==(const SesMediaRecord&) const = default;
@@ -150,7 +151,7 @@ struct SessionRead {
     ReaderOutcome outcome = ReaderOutcome::Read;
     /// The media paths in the order the session names them. Every kind but the binary one
     /// drops repeats; the binary kind gives one path per record (its trimmed file name).
-    QStringList paths;
+    PathTexts paths;
     /// The binary kind's own part, for a file that begins as a binary session does.
     std::optional<SesFacts> ses;
     /// REAPER's own part, for a file that begins with a project's header.

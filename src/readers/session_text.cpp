@@ -4,8 +4,6 @@
 
 namespace tidewick {
 
-namespace {
-
 // Paths are nearly always plain ASCII; testing 8 bytes at a time finds that quickly.
 bool isAscii(QByteArrayView bytes) {
     const char* p = bytes.data();
@@ -24,8 +22,6 @@ bool isAscii(QByteArrayView bytes) {
     }
     return true;
 }
-
-}  // namespace
 
 bool isValidUtf8(QByteArrayView bytes) {
     const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());

@@ -7,6 +7,9 @@
 // sessions were written in the Windows ANSI code page.
 namespace tidewick {
 
+/// True when every byte of `bytes` is ASCII.
+bool isAscii(QByteArrayView bytes);
+
 /// True when `bytes` are well-formed UTF-8 (no overlong forms, no surrogates, nothing past
 /// U+10FFFF).
 bool isValidUtf8(QByteArrayView bytes);

@@ -146,7 +146,7 @@ private:
         return read;
     }
 
-    void addLines(const QStringList& paths, const QString& session) {
+    void addLines(const PathTexts& paths, const QString& session) {
         for (const QString& readPath : paths) {
             Resolved line = resolvePath(readPath, kind_, sessionFolder_, request_.trimFolders,
                                         media_.recordFolder);

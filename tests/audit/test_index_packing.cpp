@@ -15,7 +15,7 @@ namespace tidewick {
 namespace {
 
 QString described(const SessionRead& read) {
-    QStringList parts = {QString::number(int(read.outcome)), read.paths.join('|')};
+    QStringList parts = {QString::number(int(read.outcome)), read.paths.toList().join('|')};
     if (read.ses) {
         parts << read.ses->version << (read.ses->versionFound ? "found" : "-");
     }

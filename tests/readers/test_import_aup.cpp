@@ -37,7 +37,7 @@ TEST(AupReader, ReadsTheBlockFilesOfRealProjects) {
             EXPECT_EQ(reference.base, Base::DataFolder) << name;
         }
         if (sample) {
-            EXPECT_TRUE(read.paths.contains(QString::fromLatin1(sample))) << name;
+            EXPECT_TRUE(read.paths.toList().contains(QString::fromLatin1(sample))) << name;
         }
     }
 }

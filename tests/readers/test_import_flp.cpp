@@ -42,7 +42,7 @@ TEST(FlpReader, ReadsTheSamplesOfRealProjects) {
         ASSERT_EQ(read.outcome, ReaderOutcome::Read) << name;
         EXPECT_EQ(read.references.size(), count) << name;
         EXPECT_EQ(libraryCount(read), library) << name;
-        EXPECT_TRUE(read.paths.contains(QString::fromUtf8(sample))) << name;
+        EXPECT_TRUE(read.paths.toList().contains(QString::fromUtf8(sample))) << name;
     }
 }
 

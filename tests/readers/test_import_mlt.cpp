@@ -26,7 +26,7 @@ TEST(MltReader, ReadsTheResourcesOfRealProjects) {
             test::readFile(test::corpusPath(QStringLiteral("mlt/") + QLatin1String(name))), {});
         ASSERT_EQ(read.outcome, ReaderOutcome::Read) << name;
         EXPECT_EQ(read.references.size(), count) << name;
-        EXPECT_TRUE(read.paths.contains(QString::fromUtf8(sample))) << name;
+        EXPECT_TRUE(read.paths.toList().contains(QString::fromUtf8(sample))) << name;
     }
 }
 

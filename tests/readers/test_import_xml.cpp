@@ -24,7 +24,7 @@ TEST(XmlReader, SecondLineMustBeginWithTheSessionTag) {
     for (const auto& [name, bytes, shownLine] : cases) {
         const SessionRead r = readXmlSession(bytes, {});
         EXPECT_EQ(r.outcome, shownLine ? ReaderOutcome::Rejected : ReaderOutcome::Read) << name;
-        EXPECT_EQ(r.paths.join(u'|'), shownLine || bytes.isEmpty() ? "" : "a.wav") << name;
+        EXPECT_EQ(r.paths.toList().join(u'|'), shownLine || bytes.isEmpty() ? "" : "a.wav") << name;
         if (shownLine) {
             EXPECT_EQ(r.problem, (ReadProblem{ReadFailure::NotThisKind,
                                               SessionKindId::Xml,

@@ -43,7 +43,7 @@ inline QStringList texts(const char* list) {
 
 /// The paths the reader of `kind` finds in `bytes`, joined with "|".
 inline QString pathsRead(SessionKindId kind, QByteArrayView bytes) {
-    return sessionKind(kind).reader(bytes, {}).paths.join(u'|');
+    return sessionKind(kind).reader(bytes, {}).paths.toList().join(u'|');
 }
 
 /// A file of the real session files kept beside the project (shared/corpus); a clone without
