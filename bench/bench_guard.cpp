@@ -19,6 +19,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "median.h"
 #include "readers/session_kinds.h"
 #include "support/ses_writer.h"
 #include "support/session_files.h"
@@ -27,6 +28,7 @@
 namespace {
 
 using namespace tidewick;
+using bench::median;
 
 constexpr int kFiles = 20000;
 constexpr int kSessions = 100;
@@ -130,11 +132,6 @@ double secondsOf(Work work) {
     timer.start();
     work();
     return double(timer.nsecsElapsed()) / 1e9;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0.0 : values[values.size() / 2];
 }
 
 void plainReads() {

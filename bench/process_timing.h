@@ -5,8 +5,8 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
-#include <algorithm>
-#include <vector>
+
+#include "median.h"
 
 // Whole processes timed as a user runs them, for the benchmarks that pair a Tidewick command
 // with the system's own tool.
@@ -27,11 +27,6 @@ inline double timeRun(
         return -1;
     }
     return double(timer.nsecsElapsed()) / 1e9;
-}
-
-inline double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 }  // namespace tidewick::bench

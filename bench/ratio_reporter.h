@@ -8,10 +8,13 @@
 #include <utility>
 #include <vector>
 
+#include "median.h"
+
 namespace tidewick::bench {
 
-/// Prints Google Benchmark's usual table, remembers each run's mean time per iteration, and at
-/// the end prints each measured figure as a ratio to its baseline from the same run.
+/// Prints Google Benchmark's usual table, remembers each run's mean time per iteration (the
+/// median of a benchmark's repetitions, when it repeats), and at the end prints each measured
+/// figure as a ratio to its baseline from the same run.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
     void ReportRuns(const std::vector<Run>& runs) override {
@@ -20,8 +23,8 @@ public:
                 // Keyed by the name as registered and its arguments ("BM_Load/25000"), without
                 // "/min_time:..." and similar suffixes.
                 const std::string& args = run.run_name.args;
-                seconds_[run.run_name.function_name + (args.empty() ? "" : "/" + args)] =
-                    run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+                runs_[run.run_name.function_name + (args.empty() ? "" : "/" + args)].push_back(
+                    run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit));
             }
         }
         ConsoleReporter::ReportRuns(runs);
@@ -29,8 +32,11 @@ public:
 
     /// Seconds per iteration of a benchmark by its full name; 0 when it did not run.
     double seconds(const std::string& name) const {
-        const auto it = seconds_.find(name);
-        return it == seconds_.end() ? 0.0 : it->second;
+        const auto it = runs_.find(name);
+        if (it == runs_.end()) {
+            return 0.0;
+        }
+        return median(it->second);
     }
 
     /// Prints "label: measured X, baseline Y, ratio Z x (target T x)".
@@ -48,7 +54,7 @@ public:
     }
 
 private:
-    std::map<std::string, double> seconds_;
+    std::map<std::string, std::vector<double>> runs_;
 };
 
 }  // namespace tidewick::bench
