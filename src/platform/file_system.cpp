@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -68,11 +69,11 @@ qsizetype utf8SequenceLength(QByteArrayView bytes) {
     return length;
 }
 
-// A name of a folder's reading, before the stat that tells what it is: its text, where its bytes
-// begin in the reading's buffer, and what the directory entry says of it.
+// A name of a folder's reading, before the stat that tells what it is: where its bytes begin in
+// the reading's buffer and how many there are, and what the directory entry says of it.
 struct Named {
-    QString name;
     size_t bytesAt;
+    size_t length;
     unsigned char type;
     quint64 inode;
 };
@@ -114,8 +115,10 @@ Statted statNamed(int fd, const char* name, const Named& named, quint64 device) 
 }
 
 // One readdir pass, then one stat per name, a large folder's shared among the cores; the files
-// sorted by name (sortByName), which this thread works out while the others stat. The folders
-// themselves (no links to them) go into `folders`, when given.
+// sorted by name (orderByName), which this thread works out while the others stat. The folders
+// themselves (no links to them) go into `folders`, when given. A folder of ASCII names, nearly
+// every one, is sorted on their bytes, and each name made a QString in the sorted order: the
+// later passes over the names then walk memory in order.
 QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
                               const FileSystem::NameTest& wanted, QStringList* folders = nullptr) {
     QList<FolderEntry> entries;
@@ -128,37 +131,54 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     const quint64 device = ::fstat(fd, &self) == 0 ? quint64(self.st_dev) : 0;
     std::string bytes;  // every name kept, each ending in its NUL
     std::vector<Named> named;
+    bool ascii = true;
     QString decoded;  // written over while the names it held are passed over
     while (const dirent* entry = ::readdir(dir)) {
         const char* name = entry->d_name;
         if (name[0] == '.' && (!withHidden || name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
             continue;  // hidden, and "." and ".."
         }
-        if (QtPrivate::isAscii(QLatin1StringView(name))) {
-            decoded = QLatin1StringView(name);  // the same text as decodeFileName gives
-        } else {
-            decoded = decodeFileName(name);
+        const size_t length = std::strlen(name);
+        const bool asciiName = QtPrivate::isAscii(QLatin1StringView(name, qsizetype(length)));
+        if (wanted) {
+            decoded = asciiName ? QString(QLatin1StringView(name, qsizetype(length)))
+                                : decodeFileName(name);
+            if (!wanted(decoded)) {
+                continue;
+            }
         }
-        if (wanted && !wanted(decoded)) {
-            continue;
+        ascii = ascii && asciiName;
+        named.push_back({bytes.size(), length, entry->d_type, quint64(entry->d_ino)});
+        bytes.append(name, length).push_back('\0');
+    }
+    // An ASCII name is the same text as decodeFileName gives.
+    const auto bytesOf = [&](size_t at) {
+        return std::string_view(bytes.data() + named[at].bytesAt, named[at].length);
+    };
+    std::vector<QString> names;  // a folder with other names: each, in the order read
+    if (!ascii) {
+        names.reserve(named.size());
+        for (size_t i = 0; i < named.size(); ++i) {
+            names.push_back(decodeFileName(bytesOf(i).data()));
         }
-        named.push_back({decoded, bytes.size(), entry->d_type, quint64(entry->d_ino)});
-        bytes.append(name).push_back('\0');
     }
     constexpr size_t kShare = 1024;  // names a core takes at a time
     std::vector<Statted> statted(named.size());
     std::atomic<size_t> next{0};
     std::vector<qsizetype> order;
     onCores(qsizetype(named.size() / (4 * kShare)) + 1, [&](bool here) {
-        if (here) {
-            order = orderByName(qsizetype(named.size()), [&named](qsizetype at) -> const QString& {
-                return named[size_t(at)].name;
+        if (here && ascii) {
+            order = orderByAsciiName(qsizetype(named.size()),
+                                     [&](qsizetype at) { return bytesOf(size_t(at)); });
+        } else if (here) {
+            order = orderByName(qsizetype(names.size()), [&names](qsizetype at) -> const QString& {
+                return names[size_t(at)];
             });
         }
         for (size_t from = next.fetch_add(kShare); from < named.size();
              from = next.fetch_add(kShare)) {
             for (size_t i = from; i < std::min(from + kShare, named.size()); ++i) {
-                statted[i] = statNamed(fd, bytes.data() + named[i].bytesAt, named[i], device);
+                statted[i] = statNamed(fd, bytesOf(i).data(), named[i], device);
             }
         }
     });
@@ -166,11 +186,17 @@ QList<FolderEntry> readFolder(const QString& folder, bool withHidden,
     entries.reserve(qsizetype(named.size()));
     for (const qsizetype at : order) {
         const size_t i = size_t(at);
+        if (statted[i].what == Statted::Nothing ||
+            (statted[i].what == Statted::Folder && !folders)) {
+            continue;
+        }
+        QString name =
+            ascii ? QString(QLatin1StringView(bytesOf(i).data(), qsizetype(named[i].length)))
+                  : std::move(names[i]);
         if (statted[i].what == Statted::File) {
-            entries.append(
-                {std::move(named[i].name), statted[i].size, statted[i].link, statted[i].id});
-        } else if (statted[i].what == Statted::Folder && folders != nullptr) {
-            folders->append(std::move(named[i].name));
+            entries.append({std::move(name), statted[i].size, statted[i].link, statted[i].id});
+        } else {
+            folders->append(std::move(name));
         }
     }
     return entries;

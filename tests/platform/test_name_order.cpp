@@ -2,6 +2,8 @@
 
 #include <QStringList>
 #include <algorithm>
+#include <string_view>
+#include <vector>
 
 #include "platform/name_order.h"
 
@@ -32,6 +34,22 @@ TEST(NameOrder, IsTheLowerCasedNamesOrder) {
             sorted.append(names[at]);
         }
         EXPECT_EQ(sorted, expected) << names.join(u'|').toStdString();
+        // A folder's ASCII names are sorted on their bytes.
+        if (std::all_of(names.begin(), names.end(),
+                        [](const QString& n) { return QtPrivate::isAscii(n); })) {
+            std::vector<QByteArray> bytes;
+            for (const QString& name : names) {
+                bytes.push_back(name.toLatin1());
+            }
+            QStringList byBytes;
+            for (const qsizetype at : orderByAsciiName(names.size(), [&](qsizetype i) {
+                     return std::string_view(bytes[size_t(i)].constData(),
+                                             size_t(bytes[size_t(i)].size()));
+                 })) {
+                byBytes.append(names[at]);
+            }
+            EXPECT_EQ(byBytes, expected) << names.join(u'|').toStdString();
+        }
     }
 }
 
