@@ -2,6 +2,7 @@
 
 #include "sweep/sweep.h"
 #include "text/path_text.h"
+#include "text/text_index.h"
 
 namespace tidewick {
 
@@ -9,23 +10,25 @@ QStringList usedElsewhere(const QString& session, const SessionKind& kind,
                           const SessionRead& read) {
     const QString folder = withSeparator(hostParentFolder(session));
     QStringList files;
+    TextSet seen;  // a session may name hundreds of thousands of files elsewhere
+    const auto note = [&](const QString& named) {
+        const QString file = cleanHostPath(named);
+        if (withSeparator(hostParentFolder(file)) != folder && !seen.contains(file)) {
+            seen.insert(file);
+            files.append(file);
+        }
+    };
     if (kind.projectScope) {
         QHash<QString, ProjectTree> trees;
         for (const QString& named :
              filesKeptByReferences(read, session, {folder}, FileSystem(), trees)) {
-            const QString file = cleanHostPath(named);
-            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
-                files.append(file);
-            }
+            note(named);
         }
         return files;
     }
     for (const QString& written : read.paths) {
         for (const QString& named : filesNamedBy(written, folder, kind)) {
-            const QString file = cleanHostPath(named);
-            if (withSeparator(hostParentFolder(file)) != folder && !files.contains(file)) {
-                files.append(file);
-            }
+            note(named);
         }
     }
     return files;
