@@ -16,14 +16,11 @@ void CheckListModel::addItems(const QList<CheckItem>& items) {
     const int first = count();
     beginInsertRows({}, first, first + static_cast<int>(items.size()) - 1);
     items_.append(items);
-    firstRows_.reserve(items_.size());
-    for (int row = first; row < count(); ++row) {
-        const QString& text = items_.at(row).text;
-        const quint32 hash = TextIndex::hashOf(text);
-        if (firstRows_.find(text, hash, rowTexts()) < 0) {  // a repeated text keeps its first row
-            firstRows_.insert(hash, row);
-        }
+    std::vector<quint32> hashes(size_t(items.size()));
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        hashes[size_t(i)] = TextIndex::hashOf(items[i].text);
     }
+    firstRows_.insertEachNew(hashes, first, rowTexts());  // a repeated text keeps its first row
     endInsertRows();
 }
 

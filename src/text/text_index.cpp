@@ -14,14 +14,21 @@ quint32 TextIndex::hashOf(QStringView text) {
 }
 
 void TextIndex::reserve(qsizetype count) {
-    while (qsizetype(slots_.size()) < 2 * count) {
-        grow();
+    size_t size = std::max<size_t>(16, slots_.size());
+    while (qsizetype(size) < 2 * count) {
+        size *= 2;
+    }
+    if (2 * count > qsizetype(slots_.size())) {
+        rehash(size);
     }
 }
 
 void TextIndex::grow() {
-    std::vector<quint64> old =
-        std::exchange(slots_, std::vector<quint64>(std::max<size_t>(16, 2 * slots_.size())));
+    rehash(std::max<size_t>(16, 2 * slots_.size()));
+}
+
+void TextIndex::rehash(size_t size) {
+    std::vector<quint64> old = std::exchange(slots_, std::vector<quint64>(size));
     const size_t mask = slots_.size() - 1;
     for (const quint64 slot : old) {
         if (slot != 0) {

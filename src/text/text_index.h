@@ -40,6 +40,23 @@ public:
     }
     /// Files `position` under `hash`; the caller knows that no position of its text is in yet.
     void insert(quint32 hash, qsizetype position);
+    /// Files the positions `from`, `from` + 1, ... under `hashes`, in order, each unless a
+    /// position of its text (`textAt`) is in already. Many at once cost less than one at a time:
+    /// a large table's slot is far away in memory, and each is asked for a few texts ahead.
+    template <typename TextAt>
+    void insertEachNew(const std::vector<quint32>& hashes, qsizetype from, const TextAt& textAt) {
+        reserve(count_ + qsizetype(hashes.size()));
+        constexpr size_t kAhead = 16;
+        for (size_t i = 0; i < hashes.size(); ++i) {
+            if (i + kAhead < hashes.size()) {
+                prefetch(hashes[i + kAhead]);
+            }
+            const qsizetype position = from + qsizetype(i);
+            if (find(textAt(position), hashes[i], textAt) < 0) {
+                insert(hashes[i], position);
+            }
+        }
+    }
     /// Asks the memory for the slot of `hash` ahead of a find or insert.
     void prefetch(quint32 hash) const {
 #if defined(__GNUC__) || defined(__clang__)
@@ -57,6 +74,8 @@ public:
 
 private:
     void grow();
+    // Files every slot anew in a table of `size` slots, a power of two.
+    void rehash(size_t size);
 
     // Each slot is empty (0) or holds a text's hash (high half) and its position plus one (low
     // half); the table is kept at most half full.
