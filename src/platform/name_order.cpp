@@ -44,9 +44,54 @@ size_t sharedStart(const std::vector<std::pair<std::string_view, std::string_vie
     return shared.size();
 }
 
-// The order of ASCII names, each given as its lower-cased and its written form.
-std::vector<qsizetype> orderOfAsciiNames(
-    const std::vector<std::pair<std::string_view, std::string_view>>& names) {
+// The same order when every name is ASCII (else empty), worked out on the names' bytes.
+std::vector<qsizetype> orderByAsciiBytes(qsizetype count, const NameAt& nameAt) {
+    qsizetype total = 0;
+    for (qsizetype i = 0; i < count; ++i) {
+        if (!QtPrivate::isAscii(nameAt(i))) {
+            return {};
+        }
+        total += nameAt(i).size();
+    }
+    std::string bytes(size_t(total), '\0');
+    std::vector<std::string_view> written;
+    written.reserve(size_t(count));
+    char* out = bytes.data();
+    for (qsizetype i = 0; i < count; ++i) {
+        const QString& name = nameAt(i);
+        std::transform(name.cbegin(), name.cend(), out, [](QChar c) { return char(c.unicode()); });
+        written.emplace_back(out, size_t(name.size()));
+        out += name.size();
+    }
+    return orderByAsciiName(count, [&written](qsizetype at) { return written[size_t(at)]; });
+}
+
+}  // namespace
+
+std::vector<qsizetype> orderByName(qsizetype count, const NameAt& nameAt) {
+    std::vector<qsizetype> order = orderByAsciiBytes(count, nameAt);
+    return order.empty() ? orderByLowered(count, nameAt) : order;
+}
+
+// A byte of an ASCII name compares as its code unit does, and each name lower-cased, held in one
+// buffer, is its bytes with A-Z moved.
+std::vector<qsizetype> orderByAsciiName(qsizetype count,
+                                        const std::function<std::string_view(qsizetype)>& nameAt) {
+    qsizetype total = 0;
+    for (qsizetype i = 0; i < count; ++i) {
+        total += qsizetype(nameAt(i).size());
+    }
+    std::string bytes(size_t(total), '\0');
+    std::vector<std::pair<std::string_view, std::string_view>> names;  // lowered, as written
+    names.reserve(size_t(count));
+    char* out = bytes.data();
+    for (qsizetype i = 0; i < count; ++i) {
+        const std::string_view name = nameAt(i);
+        std::transform(name.begin(), name.end(), out,
+                       [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+        names.emplace_back(std::string_view(out, name.size()), name);
+        out += name.size();
+    }
     // Names of one folder tend to share their start ("Take 0012.wav"): past the part that all
     // share, sixteen bytes of each, as two numbers, order nearly every pair without a comparison
     // of the bytes. A name that ends within them is padded with zeros, which sorts it before
@@ -82,64 +127,6 @@ std::vector<qsizetype> orderOfAsciiNames(
         order.push_back(key.at);
     }
     return order;
-}
-
-char lowered(char c) {
-    return c >= 'A' && c <= 'Z' ? char(c + 32) : c;
-}
-
-// The same order when every name is ASCII (else empty): then a byte compares as its code unit
-// does, and each name lower-cased is its bytes with A-Z moved, held in one buffer.
-std::vector<qsizetype> orderByAsciiBytes(qsizetype count, const NameAt& nameAt) {
-    qsizetype total = 0;
-    for (qsizetype i = 0; i < count; ++i) {
-        if (!QtPrivate::isAscii(nameAt(i))) {
-            return {};
-        }
-        total += 2 * nameAt(i).size();
-    }
-    std::string bytes(size_t(total), '\0');
-    std::vector<std::pair<std::string_view, std::string_view>> names;  // lowered, as written
-    names.reserve(size_t(count));
-    char* out = bytes.data();
-    for (qsizetype i = 0; i < count; ++i) {
-        const QString& name = nameAt(i);
-        const auto size = size_t(name.size());
-        for (size_t at = 0; at < size; ++at) {
-            const char c = char(name[qsizetype(at)].unicode());
-            out[size + at] = c;
-            out[at] = lowered(c);
-        }
-        names.emplace_back(std::string_view(out, size), std::string_view(out + size, size));
-        out += 2 * size;
-    }
-    return orderOfAsciiNames(names);
-}
-
-}  // namespace
-
-std::vector<qsizetype> orderByName(qsizetype count, const NameAt& nameAt) {
-    std::vector<qsizetype> order = orderByAsciiBytes(count, nameAt);
-    return order.empty() ? orderByLowered(count, nameAt) : order;
-}
-
-std::vector<qsizetype> orderByAsciiName(qsizetype count,
-                                        const std::function<std::string_view(qsizetype)>& nameAt) {
-    qsizetype total = 0;
-    for (qsizetype i = 0; i < count; ++i) {
-        total += qsizetype(nameAt(i).size());
-    }
-    std::string bytes(size_t(total), '\0');
-    std::vector<std::pair<std::string_view, std::string_view>> names;  // lowered, as written
-    names.reserve(size_t(count));
-    char* out = bytes.data();
-    for (qsizetype i = 0; i < count; ++i) {
-        const std::string_view name = nameAt(i);
-        std::transform(name.begin(), name.end(), out, lowered);
-        names.emplace_back(std::string_view(out, name.size()), name);
-        out += name.size();
-    }
-    return orderOfAsciiNames(names);
 }
 
 }  // namespace tidewick
