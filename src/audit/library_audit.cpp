@@ -190,11 +190,23 @@ void LibraryAudit::readSessions(bool auditingAgain) {
 // Every use of a file outside its session's folder, by session: from the sessions read now, and
 // from the index for the others (which learns the sessions read and forgets those gone).
 QHash<QString, QStringList> LibraryAudit::usesElsewhere() {
-    QHash<QString, QStringList> elsewhere;
+    // Each session's uses are a function of its read alone: they are worked out on the cores.
+    std::vector<QHash<QString, SessionCache::Entry>::const_iterator> read;
     for (auto it = cache_.entries().cbegin(); it != cache_.entries().cend(); ++it) {
         if (it->read.outcome == ReaderOutcome::Read) {
-            elsewhere.insert(it.key(), usedElsewhere(it.key(), sessionKind(it->kind), it->read));
+            read.push_back(it);
         }
+    }
+    std::vector<QStringList> uses(read.size());
+    std::atomic<size_t> next = 0;
+    onCores(qsizetype(read.size()), [&](bool) {
+        for (size_t at = next++; at < read.size(); at = next++) {
+            uses[at] = usedElsewhere(read[at].key(), sessionKind(read[at]->kind), read[at]->read);
+        }
+    });
+    QHash<QString, QStringList> elsewhere;
+    for (size_t at = 0; at < read.size(); ++at) {
+        elsewhere.insert(read[at].key(), std::move(uses[at]));
     }
     if (index_ == nullptr) {
         return elsewhere;
