@@ -55,8 +55,10 @@ SessionFolder::SessionFolder(const FileSystem& disk, SessionCache& cache)
 
 SweepRequest SessionFolder::requestFor(const SessionOptions& options) const {
     SweepRequest request = sweepRequest(options);
-    // A cache shared between folders is an audit's: it reads each session once for all loads.
+    // A cache shared between folders is an audit's: it reads each session once for all loads,
+    // and its folders are loaded side by side on the cores.
     request.reuseReads = !ownCache_;
+    request.coresShared = !ownCache_;
     request.sessionsElsewhere = elsewhere_;
     return request;
 }

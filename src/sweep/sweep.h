@@ -63,6 +63,9 @@ struct SweepRequest {
     /// then (an audit, which reads each session once for every kind's load); a load the user
     /// asks for reads them afresh.
     bool reuseReads = false;
+    /// The load is one of many that share the cores already (an audit's folders): its own index
+    /// is made in its thread, not beside the guard on another.
+    bool coresShared = false;
     /// The sessions of other folders that use files of the load's folders (each with its
     /// separator); they guard the load like its own, named by their paths.
     /// When they cannot be known (the library's index cannot say), the load stops at what the

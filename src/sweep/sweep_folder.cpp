@@ -64,7 +64,8 @@ Sweep sweepFolder(const SweepRequest& request, const FileSystem& fs, const Sweep
     }
     // The load's own index is made beside the guard, on another core: both ask only the listed
     // disk, which answers threads side by side.
-    auto indexed = std::async(request.guarded ? std::launch::async : std::launch::deferred, [&] {
+    const bool beside = request.guarded && !request.coresShared;
+    auto indexed = std::async(beside ? std::launch::async : std::launch::deferred, [&] {
         auto index = std::make_shared<UsedIndex>(sweep.used.lines, request.folder,
                                                  request.trimFolders, disk);
         const QString folder = withSeparator(request.folder);
