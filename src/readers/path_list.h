@@ -24,14 +24,10 @@ public:
     }
     /// Appends `path` unless the list holds it already; returns whether it was appended.
     bool appendUnique(const QString& path) { return insert(path, TextIndex::hashOf(path)); }
-    /// Appends each of `paths` that the list does not hold yet, in order; whether each was. Many
-    /// at once cost less than one at a time: the table is looked into ahead of each test.
-    std::vector<bool> appendEachUnique(QStringList paths) {
-        const std::vector<quint32> hashes = hashesOf(paths);
-        return appendEachUnique(std::move(paths), hashes);
-    }
-    /// The same, with the hashes of `paths` (hashesOf) worked out before, such as on another
-    /// thread.
+    /// Appends each of `paths`, whose hashes (hashesOf) are `hashes`, that the list does not
+    /// hold yet, in order; whether each was. Many at once cost less than one at a time: the
+    /// table is looked into ahead of each test, and the hashes may be worked out elsewhere, such
+    /// as on another thread.
     std::vector<bool> appendEachUnique(QStringList paths, const std::vector<quint32>& hashes);
     /// The hash of each of `paths`, as the list files it.
     static std::vector<quint32> hashesOf(const QStringList& paths);

@@ -12,9 +12,9 @@
 namespace tidewick {
 
 /// A list of path texts. A reader that gathers its texts as QStrings hands them over as they
-/// are; a binary session, which may name hundreds of thousands of files, keeps its texts as
-/// UTF-8 in one block, each made a QString when it is asked for: one allocation for them all, at
-/// half the size.
+/// are (the list is then made of them and takes no more); a binary session, which may name
+/// hundreds of thousands of files, appends its texts, which are kept as UTF-8 in one block, each
+/// made a QString when it is asked for: one allocation for them all, at half the size.
 class PathTexts {
 public:
     class const_iterator {
@@ -55,7 +55,7 @@ public:
     /// Appends a text given as UTF-8.
     void appendUtf8(QByteArrayView text);
     /// Appends a text.
-    void append(const QString& text);
+    void append(const QString& text) { appendUtf8(text.toUtf8()); }
 
     qsizetype size() const { return texts_.size() + ends_.size(); }
     bool isEmpty() const { return size() == 0; }
@@ -70,9 +70,8 @@ public:
     }
 
 private:
-    QStringList texts_;     // texts handed over as QStrings
-    bool inBlock_ = false;  // or every text in UTF-8, one after the other,
-    QByteArray block_;
+    QStringList texts_;      // the texts handed over as QStrings, or
+    QByteArray block_;       // every text appended, in UTF-8, one after the other,
     QList<qsizetype> ends_;  // each ending here
 };
 

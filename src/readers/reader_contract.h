@@ -187,6 +187,5 @@ struct SessionPlace {
 
 }  // namespace tidewick
 
-// Lists of records and references grow by moving their memory, not each element.
-Q_DECLARE_TYPEINFO(tidewick::SesMediaRecord, Q_RELOCATABLE_TYPE);
+// Lists of references grow by moving their memory, not each element.
 Q_DECLARE_TYPEINFO(tidewick::FileReference, Q_RELOCATABLE_TYPE);

@@ -460,12 +460,13 @@ QByteArrayView walkedStartTagAt(QByteArrayView text, qsizetype at) {
         if (data[next] == '>') {
             return text.sliced(at, next + 1 - at);
         }
-        const char quote = data[next];  // a quoted value, passed over whole
-        next = firstOf(data, next + 1, size, quote, quote, quote);
-        if (next == size) {
+        // A quoted value, passed over whole.
+        const auto* end = static_cast<const char*>(
+            std::memchr(data + next + 1, data[next], size_t(size - next - 1)));
+        if (end == nullptr) {
             return {};
         }
-        ++next;
+        next = end - data + 1;
     }
 }
 
