@@ -6,6 +6,19 @@
 
 namespace tidewick {
 
+namespace {
+
+// Whether the clean path `file` names a file right in `folder` (with its separator).
+bool liesIn(const QString& file, const QString& folder) {
+    if (file.startsWith(u'/')) {  // a rooted path, quickly
+        return file.size() > folder.size() && file.startsWith(folder) &&
+               file.indexOf(u'/', folder.size()) < 0;
+    }
+    return withSeparator(hostParentFolder(file)) == folder;
+}
+
+}  // namespace
+
 QStringList usedElsewhere(const QString& session, const SessionKind& kind,
                           const SessionRead& read) {
     const QString folder = withSeparator(hostParentFolder(session));
@@ -13,7 +26,7 @@ QStringList usedElsewhere(const QString& session, const SessionKind& kind,
     TextSet seen;  // a session may name hundreds of thousands of files elsewhere
     const auto note = [&](const QString& named) {
         const QString file = cleanHostPath(named);
-        if (withSeparator(hostParentFolder(file)) != folder && !seen.contains(file)) {
+        if (!liesIn(file, folder) && !seen.contains(file)) {
             seen.insert(file);
             files.append(file);
         }
@@ -26,9 +39,13 @@ QStringList usedElsewhere(const QString& session, const SessionKind& kind,
         }
         return files;
     }
+    const QString recordFolder = kind.startingRecordFolder(folder);
+    QStringList named;
     for (const QString& written : read.paths) {
-        for (const QString& named : filesNamedBy(written, folder, kind)) {
-            note(named);
+        named.clear();
+        appendFilesNamedBy(written, folder, recordFolder, named);
+        for (const QString& file : named) {
+            note(file);
         }
     }
     return files;

@@ -69,23 +69,35 @@ QString hostForm(QString path) {
     return path;
 }
 
+// Whether `text` is `folder` followed by `tail`, without joining them.
+bool isJoined(QStringView text, QStringView folder, QStringView tail) {
+    return text.size() == folder.size() + tail.size() && text.startsWith(folder) &&
+           text.sliced(folder.size()) == tail;
+}
+
 }  // namespace
 
-QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind) {
+void appendFilesNamedBy(const QString& written, const QString& folder, const QString& recordFolder,
+                        QStringList& files) {
     const QString path = hostForm(written);
     const bool rooted = path.contains(u':') || (!path.isEmpty() && isPathSeparator(path[0]));
-    QStringList files = {rooted ? path : folder + path};
-    for (const QString& shortened :
-         {trimFolders(path, kind.startingRecordFolder(folder)), GetFileName(path)}) {
+    const qsizetype first = files.size();
+    files.append(rooted ? path : folder + path);
+    const auto addShortened = [&](QStringView shortened) {
         if (shortened.isEmpty()) {
-            continue;
+            return;
         }
-        QString file = folder + shortened;
-        if (!files.contains(file)) {
-            files.append(std::move(file));
+        for (qsizetype i = first; i < files.size(); ++i) {
+            if (isJoined(files[i], folder, shortened)) {
+                return;  // most paths name one file all three ways
+            }
         }
-    }
-    return files;
+        QString file;
+        file.reserve(folder.size() + shortened.size());
+        files.append(file.append(folder).append(shortened));
+    };
+    addShortened(QStringView(path).sliced(trimmedStart(path, recordFolder)));
+    addShortened(fileNameView(path));
 }
 
 QList<SessionRead> SessionCache::readAll(const QList<std::pair<const SessionKind*, QString>>& files,
@@ -155,9 +167,10 @@ std::vector<QStringList> filesNamedByEach(const QList<Guard>& guards,
             if (read[i].outcome != ReaderOutcome::Read || guards[i].kind->projectScope) {
                 continue;  // a project kind keeps by its references
             }
-            for (const QString& path : read[i].paths) {
-                for (const QString& from : guards[i].folders) {
-                    named[size_t(i)] += filesNamedBy(path, from, *guards[i].kind);
+            for (const QString& from : guards[i].folders) {
+                const QString recordFolder = guards[i].kind->startingRecordFolder(from);
+                for (const QString& path : read[i].paths) {
+                    appendFilesNamedBy(path, from, recordFolder, named[size_t(i)]);
                 }
             }
         }

@@ -254,6 +254,8 @@ ScanRange scanRange(const SweepRequest& request);
 /// `path` reduced to its file name, or to the `recordFolder` level and the file name:
 /// D:\Audio\Song_Recorded\Take 1.wav gives Song_Recorded\Take 1.wav with "_Recorded".
 QString trimFolders(const QString& path, const QString& recordFolder);
+/// Where that result begins in `path` (0: the whole path).
+qsizetype trimmedStart(const QString& path, const QString& recordFolder);
 
 class SessionCache;
 
@@ -360,11 +362,13 @@ private:
     QHash<QString, Guard> guards_;
 };
 
-/// The files the path `written` of a session of `kind` in `folder` (with its separator) may
-/// name, as a load resolves it with "Ignore Leading Folder names" and without: as written (a
-/// bare or relative one in the session's folder), its last folder and name there, its name
-/// there. Every use of a file by a session is judged by these.
-QStringList filesNamedBy(const QString& written, const QString& folder, const SessionKind& kind);
+/// Appends to `files` the files the path `written` of a session in `folder` (with its
+/// separator) may name, as a load resolves it with "Ignore Leading Folder names" and without:
+/// as written (a bare or relative one in the session's folder), its last folder and name there
+/// (up to the kind's record folder for that session folder, `recordFolder`), its name there;
+/// each once. Every use of a file by a session is judged by these.
+void appendFilesNamedBy(const QString& written, const QString& folder, const QString& recordFolder,
+                        QStringList& files);
 
 /// What the sessions of every kind in `folders` (and in their "Backups" and "Backup" folders)
 /// keep, as a used test of its own: the files each one uses, kept with its name as the session

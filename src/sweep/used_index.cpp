@@ -50,12 +50,12 @@ std::optional<UsedIndex::PeakOwner> UsedIndex::peakOwnerOf(const QString& path) 
         QLatin1StringView("ogg")};
     // The name's base and extension, as GetBaseName and GetExtensionName give them. Only an
     // ASCII extension can be one of the media's.
-    const QString name = GetFileName(path);
+    const QStringView name = fileNameView(path);
     const qsizetype dot = name.lastIndexOf(u'.');
     if (dot < 0) {
         return std::nullopt;  // no extension, no media
     }
-    const QStringView extension = QStringView(name).sliced(dot + 1);
+    const QStringView extension = name.sliced(dot + 1);
     if (extension.size() > 4 || !isAscii(extension)) {
         return std::nullopt;
     }
@@ -65,7 +65,7 @@ std::optional<UsedIndex::PeakOwner> UsedIndex::peakOwnerOf(const QString& path) 
     if (media == kMediaExtensions.end()) {
         return std::nullopt;
     }
-    return PeakOwner{upperCase(name.left(dot)), media == kMediaExtensions.begin()};
+    return PeakOwner{upperCase(name.first(dot)), media == kMediaExtensions.begin()};
 }
 
 void UsedIndex::notePeakOwner(const std::optional<PeakOwner>& owner) {

@@ -233,6 +233,10 @@ ScanRange scanRange(const SweepRequest& request) {
 }
 
 QString trimFolders(const QString& path, const QString& recordFolder) {
+    return path.mid(trimmedStart(path, recordFolder));
+}
+
+qsizetype trimmedStart(const QString& path, const QString& recordFolder) {
     QString folder = GetParentFolderName(path);
     // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
     // record folder the test always holds, so one folder level always stays.
@@ -244,11 +248,11 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
     qsizetype cut = folder.size();
     if (folder.isEmpty() || !isPathSeparator(folder.back())) {
         if (cut >= path.size() || !isPathSeparator(path[cut])) {
-            return path;
+            return 0;
         }
         ++cut;
     }
-    return path.startsWith(folder) ? path.mid(cut) : path;
+    return path.startsWith(folder) ? cut : 0;
 }
 
 QHash<QString, QString> usedFileOwners(const QList<UsedLine>& lines, const QList<KeptFile>& kept) {

@@ -33,27 +33,41 @@ void shifted(QStringView text, char16_t first, char16_t last, int shift, char16_
 }
 
 // Both conversions: Qt's own for text beyond ASCII, else a copy only when a letter changes.
+// `whole`, when given, is `text` as a string of its own, shared rather than copied.
 template <typename Convert>
-QString converted(const QString& text, char16_t first, char16_t last, int shift, Convert convert) {
+QString converted(QStringView text, const QString* whole, char16_t first, char16_t last, int shift,
+                  Convert convert) {
     if (!isAscii(text)) {
-        return convert(text);
+        return convert(whole != nullptr ? *whole : text.toString());
     }
     if (!holdsAny(text, first, last)) {
-        return text;
+        return whole != nullptr ? *whole : text.toString();
     }
     QString out(text.size(), Qt::Uninitialized);
     shifted(text, first, last, shift, reinterpret_cast<char16_t*>(out.data()));
     return out;
 }
 
+QString qtUpper(const QString& text) {
+    return text.toUpper();
+}
+
+QString qtLower(const QString& text) {
+    return text.toLower();
+}
+
 }  // namespace
 
 QString upperCase(const QString& text) {
-    return converted(text, u'a', u'z', -32, [](const QString& t) { return t.toUpper(); });
+    return converted(text, &text, u'a', u'z', -32, qtUpper);
+}
+
+QString upperCase(QStringView text) {
+    return converted(text, nullptr, u'a', u'z', -32, qtUpper);
 }
 
 QString lowerCase(const QString& text) {
-    return converted(text, u'A', u'Z', 32, [](const QString& t) { return t.toLower(); });
+    return converted(text, &text, u'A', u'Z', 32, qtLower);
 }
 
 bool sameUpperCase(QStringView a, QStringView b) {

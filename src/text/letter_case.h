@@ -14,6 +14,7 @@ bool isAscii(QStringView text);
 
 /// `text` upper-cased as QString::toUpper() does it.
 QString upperCase(const QString& text);
+QString upperCase(QStringView text);
 /// `text` lower-cased as QString::toLower() does it.
 QString lowerCase(const QString& text);
 

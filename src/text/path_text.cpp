@@ -91,7 +91,7 @@ QString ReplaceAll(const QString& findText, QString& text, const QString& replac
 namespace {
 
 // The end of the path once trailing separators are dropped, though never the root's own.
-qsizetype endWithoutTrailingSeparators(const QString& path) {
+qsizetype endWithoutTrailingSeparators(QStringView path) {
     qsizetype end = path.size();
     while (end > 1 && isPathSeparator(path[end - 1])) {
         --end;
@@ -146,10 +146,10 @@ std::pair<QString, QString> folderAndName(const QString& path) {
     return {path.left(cut), path.mid(cut)};
 }
 
-QString GetFileName(const QString& path) {
+QStringView fileNameView(QStringView path) {
     const qsizetype end = endWithoutTrailingSeparators(path);
     const qsizetype sep = lastSeparator(path, end);
-    const QString name = path.mid(sep + 1, end - sep - 1);
+    const QStringView name = path.sliced(sep + 1, end - sep - 1);
     if (name.size() == 1 && isPathSeparator(name[0])) {
         return {};
     }
@@ -157,6 +157,11 @@ QString GetFileName(const QString& path) {
         return {};
     }
     return name;
+}
+
+QString GetFileName(const QString& path) {
+    const QStringView name = fileNameView(path);
+    return name.size() == path.size() ? path : name.toString();
 }
 
 QString GetBaseName(const QString& path) {

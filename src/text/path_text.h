@@ -34,6 +34,8 @@ QString GetParentFolderName(const QString& path);
 
 /// The last component of a path ("take.wav" for "C:\x\take.wav").
 QString GetFileName(const QString& path);
+/// The same, as a view into `path`.
+QStringView fileNameView(QStringView path);
 
 /// `path` cut after its last separator, as it stands: the folder with that separator, and the
 /// name ("/x/" and "take.wav" for "/x/take.wav"; "" and the whole for a bare name).

@@ -384,6 +384,24 @@ TEST_F(SweepTest, TheSubFolderRowListsEachFileOnceByAPathThatLeadsToIt) {
 }
 
 #ifdef Q_OS_UNIX
+// A path names up to three files of the session folder, each once: as written (a relative one
+// there), from its last folder there (kept when it is named after the recordings), by its name.
+TEST(FilesNamedBy, AsWrittenFromItsLastFolderAndByItsName) {
+    const QStringList before = {"/s/take.wav"};  // a call adds to the list, judging its own
+    for (const auto& [written, files] : std::initializer_list<std::pair<QString, QStringList>>{
+             {"take.wav", {"/s/take.wav"}},
+             {"/s/take.wav", {"/s/take.wav"}},
+             {"Audio/take.wav", {"/s/Audio/take.wav", "/s/take.wav"}},
+             {"D:\\Old\\Audio\\take.wav", {"D:/Old/Audio/take.wav", "/s/take.wav"}},
+             {"/x/Song_Recorded/take.wav",
+              {"/x/Song_Recorded/take.wav", "/s/Song_Recorded/take.wav", "/s/take.wav"}}}) {
+        SCOPED_TRACE(written.toStdString());
+        QStringList named = before;
+        appendFilesNamedBy(written, "/s/", "_Recorded", named);
+        EXPECT_EQ(named, before + files);
+    }
+}
+
 // A pipe would block a read and /dev/zero would never end one: neither is listed as a session,
 // and one named outright is refused, by name, before it is opened.
 TEST_F(SweepTest, OnlyOrdinaryFilesAreSessions) {
