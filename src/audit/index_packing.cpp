@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QIODevice>
+#include <QStringEncoder>
 #include <algorithm>
 
 #include "platform/file_system.h"
@@ -174,13 +175,23 @@ QByteArray packReport(const FolderReport& report) {
     const QString folder = withSeparator(report.folder);
     QByteArray names;
     QList<qint64> sizes;
+    sizes.reserve(report.reclaimable.size());
+    QStringEncoder utf8(QStringEncoder::Utf8);
+    const auto appendLine = [&names, &utf8](QStringView text) {
+        const qsizetype at = names.size();
+        names.resize(at + utf8.requiredSpace(text.size()) + 1);
+        char* end = utf8.appendToBuffer(names.data() + at, text);
+        *end++ = '\n';
+        names.resize(end - names.constData());
+    };
     for (const auto& [path, size] : report.reclaimable) {
         if (!isUtf8Line(path)) {
             names += QByteArray(2, '\0') + encodeFileName(path).toPercentEncoding() + '\n';
         } else if (path.startsWith(folder)) {
-            names += QStringView(path).sliced(folder.size()).toUtf8() + '\n';
+            appendLine(QStringView(path).sliced(folder.size()));
         } else {
-            names += '\0' + path.toUtf8() + '\n';
+            names += '\0';
+            appendLine(path);
         }
         sizes.append(size);
     }

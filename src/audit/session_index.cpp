@@ -204,6 +204,18 @@ QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
     return stamps;
 }
 
+struct SessionIndex::Statements {
+    explicit Statements(const QSqlDatabase& db)
+        : forgetSession(db), forgetMedia(db), insertSession(db), insertMedia(db) {
+        // A statement that cannot be made fails when it runs, and so does its transaction.
+        forgetSession.prepare(QStringLiteral("DELETE FROM sessions WHERE path = ?"));
+        forgetMedia.prepare(QStringLiteral("DELETE FROM media WHERE session = ?"));
+        insertSession.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
+        insertMedia.prepare(QStringLiteral("INSERT INTO media VALUES (?, ?, ?)"));
+    }
+    QSqlQuery forgetSession, forgetMedia, insertSession, insertMedia;
+};
+
 void SessionIndex::store(const QString& root, const SessionCache& cache,
                          const QHash<QString, QStringList>& elsewhere,
                          const QSet<QString>& present) {
@@ -211,14 +223,15 @@ void SessionIndex::store(const QString& root, const SessionCache& cache,
     const QHash<QString, FileStamp> held = stamps(root);
     const QString from = under(root).first;
     const auto work = [&] {
+        Statements sql(db);
         for (auto it = cache.entries().cbegin(); it != cache.entries().cend(); ++it) {
             if (it.key().startsWith(from) && held.value(it.key(), {-1, -1}) != it->stamp &&
-                !keep(db, it.key(), *it, elsewhere.value(it.key()))) {
+                !keep(sql, it.key(), *it, elsewhere.value(it.key()))) {
                 return false;
             }
         }
         for (auto it = held.cbegin(); it != held.cend(); ++it) {
-            if (!present.contains(it.key()) && !forget(db, it.key())) {
+            if (!present.contains(it.key()) && !forget(sql, it.key())) {
                 return false;
             }
         }
@@ -316,16 +329,18 @@ void SessionIndex::update(const QString& path, const SessionCache::Entry& entry,
                           const QStringList& elsewhere) {
     QSqlDatabase db = QSqlDatabase::database(connection_, false);
     // A session that cannot be kept is read again where it is used next.
-    (void)write([&] { return keep(db, path, entry, elsewhere); });
+    (void)write([&] {
+        Statements sql(db);
+        return keep(sql, path, entry, elsewhere);
+    });
 }
 
-bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
+bool SessionIndex::keep(Statements& sql, const QString& path, const SessionCache::Entry& entry,
                         const QStringList& elsewhere) {
-    if (!forget(db, path)) {
+    if (!forget(sql, path)) {
         return false;
     }
-    QSqlQuery insert(db);
-    insert.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
+    QSqlQuery& insert = sql.insertSession;
     insert.addBindValue(path);
     insert.addBindValue(entry.stamp.size);
     insert.addBindValue(entry.stamp.modified);
@@ -335,25 +350,21 @@ bool SessionIndex::keep(QSqlDatabase& db, const QString& path, const SessionCach
     if (!insert.exec()) {
         return false;
     }
-    insert.prepare(QStringLiteral("INSERT INTO media VALUES (?, ?, ?)"));
     for (const QString& file : elsewhere) {
-        insert.addBindValue(path);
-        insert.addBindValue(withSeparator(hostParentFolder(file)));
-        insert.addBindValue(file);
-        if (!insert.exec()) {
+        sql.insertMedia.addBindValue(path);
+        sql.insertMedia.addBindValue(withSeparator(hostParentFolder(file)));
+        sql.insertMedia.addBindValue(file);
+        if (!sql.insertMedia.exec()) {
             return false;
         }
     }
     return true;
 }
 
-bool SessionIndex::forget(QSqlDatabase& db, const QString& path) {
-    QSqlQuery remove(db);
-    for (const char* statement :
-         {"DELETE FROM sessions WHERE path = ?", "DELETE FROM media WHERE session = ?"}) {
-        remove.prepare(QString::fromLatin1(statement));
-        remove.addBindValue(path);
-        if (!remove.exec()) {
+bool SessionIndex::forget(Statements& sql, const QString& path) {
+    for (QSqlQuery* remove : {&sql.forgetSession, &sql.forgetMedia}) {
+        remove->addBindValue(path);
+        if (!remove->exec()) {
             return false;
         }
     }

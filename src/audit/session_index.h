@@ -85,9 +85,11 @@ private:
     /// Sets the file aside, as it cannot be used for the reason `why`, and starts a new one (in
     /// memory, when no file can be made).
     void rebuild(const Error& why);
-    static bool keep(QSqlDatabase& db, const QString& path, const SessionCache::Entry& entry,
+    /// The statements that keep and forget sessions, made once for a transaction's many.
+    struct Statements;
+    static bool keep(Statements& sql, const QString& path, const SessionCache::Entry& entry,
                      const QStringList& elsewhere);
-    static bool forget(QSqlDatabase& db, const QString& path);
+    static bool forget(Statements& sql, const QString& path);
 
     QString file_;
     QString connection_;
