@@ -32,13 +32,16 @@ public:
     // `alone`: the folder holds sessions of one kind, whose one load says all.
     FolderLoads(const FileSystem& disk, bool alone) : disk_(disk), alone_(alone) {}
 
-    // False when the load stopped at a session it could not read.
+    // False when the load stopped at a session it could not read. A load names each used file
+    // on one line and offers each other file once: a folder's only load is taken as it is.
     bool add(const SessionFolder& load, FolderReport& report) {
         for (const UsedLine& line : load.usedLines()) {
-            if (lines_.contains(line.path)) {
+            if (!alone_ && lines_.contains(line.path)) {
                 continue;
             }
-            lines_.insert(line.path);
+            if (!alone_) {
+                lines_.insert(line.path);
+            }
             if (line.exists || !line.keptFile.isEmpty()) {
                 ++report.used;
             } else if (!line.outside) {  // an editor's library is not the folder's to relink
@@ -48,19 +51,26 @@ public:
         if (load.stopped()) {
             return false;
         }
+        // The listings join a clean folder and a name: each path is clean as it stands.
+        const QString root = withSeparator(load.root());
+        if (alone_) {
+            report.reclaimable.reserve(load.otherFiles().size());
+            for (const OtherFile& other : load.otherFiles()) {
+                report.reclaimable.append({otherFilePath(root, other.text), other.size});
+                report.reclaimableBytes += other.size;
+            }
+            return true;
+        }
         TextSet offeredHere;
         for (const OtherFile& other : load.otherFiles()) {
-            // The listings join a clean folder and a name: the path is clean as it stands.
-            const QString path = otherFilePath(withSeparator(load.root()), other.text);
+            const QString path = otherFilePath(root, other.text);
             offered_[path] = other.size;
             offeredHere.insert(path);
         }
-        if (!alone_) {
-            for (const QString& listed : load.folders()) {
-                for (const FolderEntry& entry : disk_.listFiles(listed)) {
-                    if (const QString path = listed + entry.name; !offeredHere.contains(path)) {
-                        kept_.insert(path);
-                    }
+        for (const QString& listed : load.folders()) {
+            for (const FolderEntry& entry : disk_.listFiles(listed)) {
+                if (const QString path = listed + entry.name; !offeredHere.contains(path)) {
+                    kept_.insert(path);
                 }
             }
         }
@@ -74,7 +84,9 @@ public:
                 report.reclaimableBytes += offered_.values()[i];
             }
         }
-        std::sort(report.reclaimable.begin(), report.reclaimable.end());
+        if (!std::is_sorted(report.reclaimable.cbegin(), report.reclaimable.cend())) {
+            std::sort(report.reclaimable.begin(), report.reclaimable.end());
+        }
     }
 
 private:

@@ -85,7 +85,7 @@ void FolderLists::showChecks(bool trimFolders, bool checkAllFiles) {
 // Media types.
 
 void FolderLists::SetFileTypeArrays() {
-    const MediaTypeTable table = mediaTypeTable();
+    const MediaTypeTable& table = mediaTypeTable();
     QStringList items = FileTypesCombo.items();
     for (int index = 0; index < table.FileTypeNames.size(); ++index) {
         items.append(mediaTypeItemText(table, index));

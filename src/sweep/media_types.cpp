@@ -2,7 +2,7 @@
 
 namespace tidewick {
 
-MediaTypeTable mediaTypeTable() {
+const MediaTypeTable& mediaTypeTable() {
     struct Entry {
         const char* name;
         const char* patterns;
@@ -34,11 +34,14 @@ MediaTypeTable mediaTypeTable() {
         {"WMV/ASF Video", "*.wmv; *.asf"},
         {"QuickTime Video", "*.mov"},
     };
-    MediaTypeTable table;
-    for (const Entry& entry : entries) {
-        table.FileTypeNames.append(QString::fromLatin1(entry.name));
-        table.FileTypePatterns.append(QString::fromLatin1(entry.patterns));
-    }
+    static const MediaTypeTable table = [] {
+        MediaTypeTable made;
+        for (const Entry& entry : entries) {
+            made.FileTypeNames.append(QString::fromLatin1(entry.name));
+            made.FileTypePatterns.append(QString::fromLatin1(entry.patterns));
+        }
+        return made;
+    }();
     return table;
 }
 

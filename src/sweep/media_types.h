@@ -14,8 +14,8 @@ struct MediaTypeTable {
     QStringList FileTypePatterns;
 };
 
-/// The table, in the order of the drop-down list.
-MediaTypeTable mediaTypeTable();
+/// The table, in the order of the drop-down list, made once.
+const MediaTypeTable& mediaTypeTable();
 
 /// The line of the drop-down list for entry `index`: "All Files (*.*)".
 QString mediaTypeItemText(const MediaTypeTable& table, int index);

@@ -10,7 +10,7 @@ namespace {
 
 // The media types, a line each, for the help of --type.
 QString mediaTypeList() {
-    const MediaTypeTable table = mediaTypeTable();
+    const MediaTypeTable& table = mediaTypeTable();
     QString list;
     for (int index = 0; index < table.FileTypeNames.size(); ++index) {
         list += QStringLiteral("\n  %1  %2").arg(index, 2).arg(mediaTypeItemText(table, index));
