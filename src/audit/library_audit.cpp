@@ -46,6 +46,7 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
             FolderReport report =
                 auditFolder(again[at]->path, again[at]->sessions, asked, own, events.describe);
             audited[size_t(at)] = Audited{std::move(report), asked.questions(), asked.signature()};
+            own.forgetGuards();  // a folder's guard is no other folder's
             ++done;
             if (reporter) {
                 progress.folders = done;
@@ -153,13 +154,21 @@ QList<const WalkedFolder*> LibraryAudit::takeKeptAudits() {
     const QHash<QString, SessionIndex::KeptAudit> kept =
         index_ != nullptr ? index_->audits(report_.root)
                           : QHash<QString, SessionIndex::KeptAudit>();
+    // Each folder's questions are asked again on the cores at hand.
+    std::vector<char> asBefore(size_t(walk_.folders.size()));
+    std::atomic<qsizetype> next = 0;
+    onCores(std::min(kAuditThreads, walk_.folders.size()), [&](bool) {
+        for (qsizetype at = next++; at < walk_.folders.size(); at = next++) {
+            const auto it = kept.constFind(walk_.folders[at].path);
+            asBefore[size_t(at)] = it != kept.constEnd() && answersAsBefore(*it, listed_);
+        }
+    });
     QList<const WalkedFolder*> again;
-    for (const WalkedFolder& folder : walk_.folders) {
-        const auto it = kept.constFind(folder.path);
-        if (it != kept.constEnd() && answersAsBefore(*it, listed_)) {
-            report_.folders.append(it->report);
+    for (qsizetype at = 0; at < walk_.folders.size(); ++at) {
+        if (asBefore[size_t(at)]) {
+            report_.folders.append(kept.value(walk_.folders[at].path).report);
         } else {
-            again.append(&folder);
+            again.append(&walk_.folders[at]);
         }
     }
     return again;

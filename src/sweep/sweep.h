@@ -181,7 +181,8 @@ private:
     TextSet files_, lines_;
     TextMap<bool> mediaOwners_;  // the base names of media, each whether a "wav" has it
     QSet<FileId> ids_;
-    QList<QStringList> keepers_;  // by kept file
+    QList<QStringList> keepers_;         // by kept file
+    QStringList soleKeeper_{QString()};  // the last list of one keeper, which the next may share
     TextMap<qsizetype> keptKeys_;
     QHash<FileId, qsizetype> keptIds_;
     QList<std::shared_ptr<const UsedIndex>> guards_;
@@ -352,6 +353,8 @@ public:
         const QString& folders, const QList<std::pair<QString, FileStamp>>& stamps) const;
     void setGuard(const QString& folders, const QList<std::pair<QString, FileStamp>>& stamps,
                   std::shared_ptr<const UsedIndex> table);
+    /// Forgets every guard worked out, keeping the reads.
+    void forgetGuards() { guards_.clear(); }
 
 private:
     struct Guard {

@@ -140,15 +140,19 @@ void UsedIndex::apply(const Keeping& keeping, const QString& session) {
         }
     }
     if (at < 0) {
+        // Most kept files have one keeper, and files come session by session: they share the
+        // one list until another keeper joins one of them.
+        if (soleKeeper_.constFirst() != session) {
+            soleKeeper_ = QStringList{session};
+        }
         at = keepers_.size();
-        keepers_.append(QStringList());
+        keepers_.append(soleKeeper_);
+    } else if (!keepers_[at].contains(session)) {
+        keepers_[at].append(session);
     }
     keptKeys_[keeping.key] = at;
     for (const FileId& id : keeping.ids) {
         keptIds_.insert(id, at);
-    }
-    if (!keepers_[at].contains(session)) {
-        keepers_[at].append(session);
     }
 }
 
