@@ -29,17 +29,20 @@ struct Audited {
 // Audits the folders `again`, side by side on the cores at hand, on the one listing of the
 // library; each thread has its own copy of the sessions read. The folders not reached when a
 // stop is asked for have no report. `stop` is asked from this thread alone, which also tells
-// the progress.
+// the progress, and runs `alongside` first while the others begin.
 std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*>& again,
                                                  const ListedDisk& listed,
                                                  const SessionCache& cache,
-                                                 const AuditEvents& events,
-                                                 AuditProgress& progress) {
+                                                 const AuditEvents& events, AuditProgress& progress,
+                                                 const std::function<void()>& alongside) {
     std::vector<std::optional<Audited>> audited(size_t(again.size()));
     std::atomic<qsizetype> next = 0;
     std::atomic<bool> cancelled = false;
     std::atomic<int> done = 0;
     const auto work = [&](bool reporter) {
+        if (reporter) {
+            alongside();
+        }
         SessionCache own = cache;
         for (qsizetype at = next++; at < again.size() && !cancelled; at = next++) {
             const RecordingDisk asked(listed);
@@ -98,8 +101,12 @@ public:
         walk();
         const QList<const WalkedFolder*> again = takeKeptAudits();
         readSessions(!again.isEmpty());
-        const Keepers keepers = keepersOf(usesElsewhere());
-        auditAgain(again);
+        const QHash<QString, QStringList> elsewhere = usesElsewhere();
+        // The index (whose connection is this thread's) learns the sessions read while the
+        // folders are audited; then it tells every use elsewhere, of the sessions not read too.
+        auditAgain(again, [&] { storeSessions(elsewhere); });
+        const Keepers keepers =
+            keepersOf(index_ != nullptr ? index_->elsewhereUnder(report_.root) : elsewhere);
         for (FolderReport& folder : report_.folders) {
             keepWhatOthersUse(folder, keepers);
         }
@@ -114,7 +121,9 @@ private:
     QList<const WalkedFolder*> takeKeptAudits();
     void readSessions(bool auditingAgain);
     QHash<QString, QStringList> usesElsewhere();
-    void auditAgain(const QList<const WalkedFolder*>& again);
+    void storeSessions(const QHash<QString, QStringList>& elsewhere);
+    void auditAgain(const QList<const WalkedFolder*>& again,
+                    const std::function<void()>& alongside);
     /// The folders the walk could not read, each reported as stopped: what they hold is unknown.
     void reportUnread() {
         for (const QString& folder : walk_.unread) {
@@ -196,8 +205,7 @@ void LibraryAudit::readSessions(bool auditingAgain) {
     report_.sessionsRead = cache_.entries().size() - known;
 }
 
-// Every use of a file outside its session's folder, by session: from the sessions read now, and
-// from the index for the others (which learns the sessions read and forgets those gone).
+// Every use of a file outside its session's folder, by session read now.
 QHash<QString, QStringList> LibraryAudit::usesElsewhere() {
     // Each session's uses are a function of its read alone: they are worked out on the cores.
     std::vector<QHash<QString, SessionCache::Entry>::const_iterator> read;
@@ -217,21 +225,27 @@ QHash<QString, QStringList> LibraryAudit::usesElsewhere() {
     for (size_t at = 0; at < read.size(); ++at) {
         elsewhere.insert(read[at].key(), std::move(uses[at]));
     }
+    return elsewhere;
+}
+
+// The index learns the sessions read, with their uses `elsewhere`, and forgets those gone.
+void LibraryAudit::storeSessions(const QHash<QString, QStringList>& elsewhere) {
     if (index_ == nullptr) {
-        return elsewhere;
+        return;
     }
     QSet<QString> present;
     for (const auto& [kind, path] : walk_.sessionFiles) {
         present.insert(path);
     }
     index_->store(report_.root, cache_, elsewhere, present);
-    return index_->elsewhereUnder(report_.root);
 }
 
-// The folders whose kept audits no longer hold are audited, and the index keeps their audits.
-void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again) {
+// The folders whose kept audits no longer hold are audited, `alongside` run in this thread
+// meanwhile, and the index keeps their audits.
+void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again,
+                              const std::function<void()>& alongside) {
     std::vector<std::optional<Audited>> audits =
-        auditFolders(again, listed_, cache_, events_, progress_);
+        auditFolders(again, listed_, cache_, events_, progress_, alongside);
     QHash<QString, SessionIndex::KeptAudit> fresh;
     for (qsizetype at = 0; at < again.size(); ++at) {
         if (std::optional<Audited>& audited = audits[size_t(at)]) {
