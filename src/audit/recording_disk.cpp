@@ -17,6 +17,7 @@ enum Question : char {
     kFileSize = 's',
     kListFiles = 'l',
     kListFolders = 'f',
+    kListContents = 'a',
     kFileStamp = 't',
     kFileIds = 'i',
     kCurrentDirectory = 'c',
@@ -69,15 +70,23 @@ template <typename T>
 void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHash& hash) {
     Answer answer;
     answer << kind << path;
-    if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
-        // A listing is hashed whole (hidden files too), however the question narrowed it.
-        answer.reserve(answer.bytes().size() + value.size() * 96);
-        for (const FolderEntry& entry : value) {
+    const auto addFiles = [&answer](const QList<FolderEntry>& files) {
+        answer.reserve(answer.bytes().size() + files.size() * 96);
+        for (const FolderEntry& entry : files) {
             answer << entry.name << entry.size << entry.isLink << entry.id.device << entry.id.inode;
         }
+    };
+    if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
+        addFiles(value);  // the whole listing (hidden files too), however the question narrowed it
     } else if constexpr (std::is_same_v<T, QList<SubFolder>>) {
         for (const SubFolder& folder : value) {
             answer << folder.name << folder.mayHaveSubFolders;
+        }
+    } else if constexpr (std::is_same_v<T, FileSystem::Contents>) {
+        addFiles(value.files);
+        answer << value.files.size();  // where the files end and the folders begin
+        for (const QString& folder : value.folders) {
+            answer << folder;
         }
     } else if constexpr (std::is_same_v<T, std::optional<FileStamp>>) {
         answer << value.has_value() << (value ? value->size : 0) << (value ? value->modified : 0)
@@ -113,6 +122,8 @@ void answerNow(char kind, const QString& path, const FileSystem& disk, QCryptogr
             return hashAnswer(kind, path, disk.listFiles(path, true), hash);
         case kListFolders:
             return hashAnswer(kind, path, disk.listFolders(path), hash);
+        case kListContents:
+            return hashAnswer(kind, path, disk.listContents(path), hash);
         case kFileStamp:
             return hashAnswer(kind, path, disk.fileStamp(path), hash);
         case kFileIds:
@@ -210,6 +221,10 @@ QList<FolderEntry> RecordingDisk::listFiles(const QString& folder, bool withHidd
 
 QList<SubFolder> RecordingDisk::listFolders(const QString& folder) const {
     return noted(kListFolders, folder, disk_.listFolders(folder));
+}
+
+FileSystem::Contents RecordingDisk::listContents(const QString& folder) const {
+    return noted(kListContents, folder, disk_.listContents(folder));
 }
 
 std::optional<FileStamp> RecordingDisk::fileStamp(const QString& path) const {

@@ -29,6 +29,7 @@ public:
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
     QList<SubFolder> listFolders(const QString& folder) const override;
+    Contents listContents(const QString& folder) const override;
     std::optional<FileStamp> fileStamp(const QString& path) const override;
     QList<FileId> fileIds(const QString& path) const override;
     QString currentDirectory() const override;

@@ -20,6 +20,17 @@ namespace {
 // Written into every index, so that a file of another program, or of a later layout, is known.
 const QString kFormat = QStringLiteral("tidewick-index-2");
 
+// The questions a kept audit asked of the disk. Audits kept before the trees of project kinds
+// were asked about (before "2") would pass for current after a change there: they are dropped.
+const QString kAuditQuestions = QStringLiteral("2");
+
+bool noteAuditQuestions(const QSqlDatabase& db) {
+    QSqlQuery note(db);
+    note.prepare(QStringLiteral("INSERT OR REPLACE INTO meta VALUES ('audit-questions', ?)"));
+    note.addBindValue(kAuditQuestions);
+    return note.exec();
+}
+
 const char* const kSchema[] = {
     "CREATE TABLE meta (key TEXT PRIMARY KEY, value TEXT)",
     ("CREATE TABLE sessions (path TEXT PRIMARY KEY, size INTEGER NOT NULL, "
@@ -97,10 +108,17 @@ Result<void> SessionIndex::open(const QString& file) {
     }
     QSqlQuery query(db);
     if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
-        if (query.next() && query.value(0).toString() == kFormat) {
+        if (!query.next() || query.value(0).toString() != kFormat) {
+            return Error{0, QStringLiteral("it is no index of this version of Tidewick")};
+        }
+        if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'audit-questions'")) &&
+            query.next() && query.value(0).toString() == kAuditQuestions) {
             return {};
         }
-        return Error{0, QStringLiteral("it is no index of this version of Tidewick")};
+        return write([&db] {
+            QSqlQuery forget(db);
+            return forget.exec(QStringLiteral("DELETE FROM audits")) && noteAuditQuestions(db);
+        });
     }
     // No index yet: an empty database gets the tables; one with tables of its own is another
     // program's, and a file that is no database says so here.
@@ -119,7 +137,7 @@ Result<void> SessionIndex::open(const QString& file) {
         }
         make.prepare(QStringLiteral("INSERT INTO meta VALUES ('format', ?)"));
         make.addBindValue(kFormat);
-        return make.exec();
+        return make.exec() && noteAuditQuestions(db);
     });
 }
 

@@ -22,6 +22,12 @@ public:
     qint64 fileSize(const QString& path) const override { return disk_.fileSize(path); }
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
+    QList<SubFolder> listFolders(const QString& folder) const override {
+        return disk_.listFolders(folder);
+    }
+    Contents listContents(const QString& folder) const override {
+        return disk_.listContents(folder);
+    }
     QString currentDirectory() const override { return disk_.currentDirectory(); }
     bool folderReadable(const QString& folder) const override {
         return disk_.folderReadable(folder);

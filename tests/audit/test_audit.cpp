@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 #include "audit/library_audit.h"
 #include "audit/session_index.h"
@@ -152,6 +154,20 @@ TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
         return index.setAside().value_or("");
     };
     EXPECT_EQ(audit(2), "");
+    EXPECT_EQ(audit(0), "");
+    // The audits an older index kept asked less of the disk than an audit asks now: they are
+    // made again, the sessions kept.
+    {
+        QSqlDatabase older = QSqlDatabase::addDatabase("QSQLITE", "older");
+        older.setDatabaseName(file);
+        ASSERT_TRUE(older.open());
+        EXPECT_TRUE(QSqlQuery(older).exec("DELETE FROM meta WHERE key = 'audit-questions'"));
+    }
+    QSqlDatabase::removeDatabase("older");
+    {
+        SessionIndex index(file);
+        EXPECT_EQ(auditLibrary(root.path(), disk, &index).foldersAudited, 2);
+    }
     EXPECT_EQ(audit(0), "");
     // A session that changed is read again and its folder audited again; a file that comes
     // into a folder has that folder audited again, with no session read.
