@@ -96,16 +96,37 @@ QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,
     return picked;
 }
 
+bool ListedDisk::inMissingFolder(const QString& path) const {
+    const qsizetype cut = nameStart(path);
+    if (cut == 0) {
+        return false;  // a name in the current folder, which is there
+    }
+    const QStringView folder = QStringView(path).first(cut);
+    {
+        const std::lock_guard lock(mutex_);
+        if (const Held* listed = listings_.find(folder); listed != nullptr && *listed) {
+            return false;
+        }
+        if (const bool* there = folderThere_.find(folder)) {
+            return !*there;
+        }
+    }
+    const bool there = disk_.FolderExists(folder.toString());
+    const std::lock_guard lock(mutex_);
+    folderThere_[folder.toString()] = there;
+    return !there;
+}
+
 QList<FileId> ListedDisk::fileIds(const QString& path) const {
     if (const auto [listed, at] = entryOf(path);
         listed && !listed->entries[at].isLink && listed->entries[at].id.isKnown()) {
         return {listed->entries[at].id};
     }
-    return disk_.fileIds(path);
+    return inMissingFolder(path) ? QList<FileId>() : disk_.fileIds(path);
 }
 
 bool ListedDisk::FileExists(const QString& path) const {
-    return entryOf(path).first != nullptr || disk_.FileExists(path);
+    return entryOf(path).first != nullptr || (!inMissingFolder(path) && disk_.FileExists(path));
 }
 
 }  // namespace tidewick

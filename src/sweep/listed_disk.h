@@ -10,7 +10,9 @@
 
 // The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
 // known to exist without asking the disk again. A name the listing lacks (a file of another
-// folder, a pipe) is asked of the disk itself. Threads may ask it side by side.
+// folder, a pipe) is asked of the disk itself, unless its folder is missing: that is asked once
+// for all its files (a session may name thousands on a drive long gone). Threads may ask it
+// side by side.
 namespace tidewick {
 
 class ListedDisk : public FileSystem {
@@ -19,7 +21,9 @@ public:
 
     bool FileExists(const QString& path) const override;
     bool FolderExists(const QString& path) const override { return disk_.FolderExists(path); }
-    qint64 fileSize(const QString& path) const override { return disk_.fileSize(path); }
+    qint64 fileSize(const QString& path) const override {
+        return inMissingFolder(path) ? -1 : disk_.fileSize(path);
+    }
     QList<FolderEntry> listFiles(const QString& folder, bool withHidden = false,
                                  const NameTest& wanted = {}) const override;
     QList<SubFolder> listFolders(const QString& folder) const override {
@@ -33,7 +37,7 @@ public:
         return disk_.folderReadable(folder);
     }
     std::optional<FileStamp> fileStamp(const QString& path) const override {
-        return disk_.fileStamp(path);
+        return inMissingFolder(path) ? std::nullopt : disk_.fileStamp(path);
     }
     /// Takes in the listing of `folder` (with the hidden files) made elsewhere, as its own
     /// reading would have made it.
@@ -64,10 +68,14 @@ private:
     // The listing of the folder of `path` and the position of its name there, when held.
     std::pair<Held, qsizetype> entryOf(const QString& path) const;
     static Held listingOf(QList<FolderEntry> entries);
+    // Whether the folder of `path` is missing (or no folder), so that no file of that path can
+    // be there; a relative folder is taken where the path is, in the current folder.
+    bool inMissingFolder(const QString& path) const;
 
     const FileSystem& disk_;
     mutable std::mutex mutex_;
-    mutable TextMap<Held> listings_;  // by folder, with its separator
+    mutable TextMap<Held> listings_;     // by folder, with its separator
+    mutable TextMap<bool> folderThere_;  // the folders of files asked of the disk
 };
 
 }  // namespace tidewick

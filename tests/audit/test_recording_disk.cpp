@@ -38,6 +38,8 @@ const Change kChanges[] = {
     {"AListedFileWentAway",
      [](const QString& root) { ASSERT_TRUE(QFile::remove(root + "/Song/take.wav")); }, true},
     {"AFileAskedForAppeared", [](const QString& root) { write(root + "/Other/absent.wav"); }, true},
+    {"AFolderOfFilesAskedForAppeared", [](const QString& root) { write(root + "/Gone/a.wav"); },
+     true},
     {"AFileGrew", [](const QString& root) { write(root + "/Other/x.wav", "xx"); }, true},
     {"ASessionWasSavedAgainAtItsSize",
      [](const QString& root) {
@@ -87,6 +89,7 @@ protected:
         EXPECT_EQ(disk.listFiles(song, false, wanted), real.listFiles(song, false, wanted));
         EXPECT_TRUE(disk.FileExists(song + "/take.wav"));  // the listing's answer
         EXPECT_FALSE(disk.FileExists(other + "/absent.wav"));
+        EXPECT_TRUE(disk.fileIds(root.filePath("Gone/a.wav")).isEmpty());
         EXPECT_EQ(disk.fileSize(other + "/x.wav"), 1);
         EXPECT_EQ(disk.fileStamp(song + "/mix.sesx"), real.fileStamp(song + "/mix.sesx"));
         EXPECT_TRUE(disk.FolderExists(song + "/Media"));
@@ -117,6 +120,20 @@ TEST_P(RecordingDiskChanges, AReplayNoticesAChangeToWhatWasAsked) {
 
 INSTANTIATE_TEST_SUITE_P(RecordingDisk, RecordingDiskChanges, ::testing::ValuesIn(kChanges),
                          [](const auto& info) { return std::string(info.param.name); });
+
+// A session may name thousands of files of a folder long gone: the folder is asked, once.
+TEST(RecordingDisk, TheFilesOfAMissingFolderAreOneQuestion) {
+    QTemporaryDir root;
+    const FileSystem disk;
+    const RecordingDisk recorded(disk), once(disk);
+    const ListedDisk listed(recorded);
+    for (const QString name : {"a.wav", "b.wav", "c.wav"}) {
+        EXPECT_FALSE(listed.FileExists(root.filePath("Gone/" + name)));
+        EXPECT_TRUE(listed.fileIds(root.filePath("Gone/" + name)).isEmpty());
+    }
+    EXPECT_FALSE(once.FolderExists(root.filePath("Gone/")));
+    EXPECT_EQ(recorded.questions(), once.questions());
+}
 
 // A record that is not whole (a question cut short, a length past its end) replays as a
 // failure, never as a signature that might match.
