@@ -36,10 +36,10 @@ public:
     // on one line and offers each other file once: a folder's only load is taken as it is.
     bool add(const SessionFolder& load, FolderReport& report) {
         for (const UsedLine& line : load.usedLines()) {
-            if (!alone_ && lines_.contains(line.path)) {
-                continue;
-            }
             if (!alone_) {
+                if (lines_.contains(line.path)) {
+                    continue;
+                }
                 lines_.insert(line.path);
             }
             if (line.exists || !line.keptFile.isEmpty()) {

@@ -28,8 +28,7 @@ Result<T> whole(const QDataStream& in, T value) {
 // Whether `path` can stand as a line of UTF-8: no line end, and no lone surrogate (a byte of a
 // file name that is no UTF-8, as decodeFileName gives it).
 bool isUtf8Line(QStringView path) {
-    // Nearly every path holds neither a line end nor a surrogate: one pass without branches says
-    // so.
+    // Nearly every path holds neither: one pass without branches tells.
     unsigned unusual = 0;
     for (const QChar c : path) {
         unusual |= unsigned(c.unicode() == u'\n') | unsigned((c.unicode() & 0xF800) == 0xD800);
