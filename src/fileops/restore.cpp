@@ -30,7 +30,8 @@ bool holdsMovedFile(const FileOperations& disk, const QString& path, const Moved
 
 // Runs the steps handed to it on a thread of its own, in the order given, until it is
 // destroyed: the copies of restored files go to the trash there while the next files come
-// back, the two renames of a file being in different folders.
+// back, the two renames of a file being in different folders. It is woken for a batch of steps
+// at a time: woken for each, it would cost both threads a switch a file.
 class Follower {
 public:
     Follower() : thread_([this] { work(); }) {}
@@ -46,11 +47,15 @@ public:
     Follower& operator=(const Follower&) = delete;
 
     void add(std::function<void()> step) {
+        bool full = false;
         {
             const std::lock_guard lock(mutex_);
             steps_.push_back(std::move(step));
+            full = steps_.size() >= kBatch;
         }
-        wake_.notify_one();
+        if (full) {
+            wake_.notify_one();
+        }
     }
 
 private:
@@ -59,7 +64,7 @@ private:
         for (;;) {
             {
                 std::unique_lock lock(mutex_);
-                wake_.wait(lock, [this] { return !steps_.empty() || ended_; });
+                wake_.wait(lock, [this] { return steps_.size() >= kBatch || ended_; });
                 if (steps_.empty()) {
                     return;
                 }
@@ -71,6 +76,8 @@ private:
             batch.clear();
         }
     }
+
+    static constexpr size_t kBatch = 32;
 
     std::mutex mutex_;
     std::condition_variable wake_;
