@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QStorageInfo>
+#include <QVarLengthArray>
 #include <functional>
 #include <mutex>
 
@@ -26,8 +27,8 @@ namespace {
 
 constexpr qint64 kInfoLimit = 64 * 1024;  // a ".trashinfo" is a few lines
 
-bool isStep(const QString& name) {
-    return name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..");
+bool isStep(QStringView name) {
+    return name.isEmpty() || name == u"." || name == u"..";
 }
 
 // `path` resolved whole, its last name too (a folder given as a link is where it leads).
@@ -136,7 +137,16 @@ std::optional<QString> resolvedEntry(const QString& path) {
     if (!QDir::isAbsolutePath(path)) {
         return std::nullopt;
     }
-    const QStringList names = QDir::fromNativeSeparators(path).split(u'/', Qt::SkipEmptyParts);
+    const QString slashed = QDir::fromNativeSeparators(path);
+    QVarLengthArray<QStringView, 32> names;  // no empty ones
+    for (qsizetype from = 0, at = 0; at <= slashed.size(); ++at) {
+        if (at == slashed.size() || slashed[at] == u'/') {
+            if (at > from) {
+                names.append(QStringView(slashed).sliced(from, at - from));
+            }
+            from = at + 1;
+        }
+    }
     if (names.isEmpty() || isStep(names.last())) {
         return std::nullopt;
     }
@@ -144,7 +154,11 @@ std::optional<QString> resolvedEntry(const QString& path) {
     qsizetype known = names.size() - 1;
     QString base;
     for (; known >= 0; --known) {
-        base = canonicalFolder(u'/' + names.mid(0, known).join(u'/'));
+        QString folder = QStringLiteral("/");
+        for (qsizetype at = 0; at < known; ++at) {
+            folder.append(at > 0 ? QStringView(u"/") : QStringView()).append(names[at]);
+        }
+        base = canonicalFolder(folder);
         if (!base.isEmpty()) {
             break;
         }
@@ -156,7 +170,7 @@ std::optional<QString> resolvedEntry(const QString& path) {
         if (isStep(names[at])) {
             return std::nullopt;
         }
-        base = withSeparator(base) + names[at];
+        base = withSeparator(std::move(base)).append(names[at]);
     }
     return base;
 }
