@@ -101,6 +101,25 @@ struct ReadLine {
     bool checked = false;
 };
 
+// Whether the bytes of `line` without its checksum member hash to that checksum: so they do for
+// a line as the writer wrote it, which is then not written out again to be checked.
+bool bytesMatchChecksum(const QByteArray& line) {
+    const QByteArrayView member = "\"check\":\"";
+    const qsizetype at = line.indexOf(member);
+    const qsizetype from = at + member.size();
+    const qsizetype to = at < 0 ? -1 : line.indexOf('"', from);
+    if (to < 0) {
+        return false;
+    }
+    // The member and the comma that parts it from the next one, or from the one before.
+    const bool commaAfter = to + 1 < line.size() && line[to + 1] == ',';
+    const bool commaBefore = !commaAfter && at > 0 && line[at - 1] == ',';
+    QByteArray rest = line.left(at - (commaBefore ? 1 : 0));
+    rest += QByteArrayView(line).sliced(to + 1 + (commaAfter ? 1 : 0));
+    return QCryptographicHash::hash(rest, QCryptographicHash::Sha256).toHex() ==
+           QByteArrayView(line).sliced(from, to - from);
+}
+
 ReadLine readLine(const QByteArray& line) {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(line, &error);
@@ -108,7 +127,8 @@ ReadLine readLine(const QByteArray& line) {
         return {};
     }
     const QJsonObject json = document.object();
-    return {json, json[kCheck].isString() && json[kCheck].toString() == checksum(json)};
+    return {json, json[kCheck].isString() &&
+                      (bytesMatchChecksum(line) || json[kCheck].toString() == checksum(json))};
 }
 
 // A record's name: the time it began in UTC to the nanosecond, so that the names sort as the
