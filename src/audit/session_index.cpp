@@ -8,8 +8,11 @@
 #include <QSqlQuery>
 #include <QStandardPaths>
 #include <QVariant>
+#include <atomic>
+#include <vector>
 
 #include "audit/index_packing.h"
+#include "platform/on_cores.h"
 #include "readers/import_rpp.h"
 #include "text/path_text.h"
 
@@ -290,14 +293,34 @@ QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root
     const auto [from, to] = under(root);
     query.addBindValue(from);
     query.addBindValue(to);
-    QHash<QString, KeptAudit> audits;
+    struct Row {
+        QString folder;
+        QByteArray questions, signature, report;
+        std::optional<FolderReport> unpacked;
+    };
+    std::vector<Row> rows;
     if (query.exec()) {
         while (query.next()) {
-            if (Result<FolderReport> report = unpackReport(query.value(3).toByteArray())) {
-                audits.insert(query.value(0).toString(),
-                              {query.value(1).toByteArray(), query.value(2).toByteArray(),
-                               std::move(*report)});
+            rows.push_back({query.value(0).toString(),
+                            query.value(1).toByteArray(),
+                            query.value(2).toByteArray(),
+                            query.value(3).toByteArray(),
+                            {}});
+        }
+    }
+    // A report of thousands of files is unpacked on the cores at hand.
+    std::atomic<size_t> next = 0;
+    onCores(qsizetype(rows.size()), [&](bool) {
+        for (size_t at = next++; at < rows.size(); at = next++) {
+            if (Result<FolderReport> report = unpackReport(rows[at].report)) {
+                rows[at].unpacked = std::move(*report);
             }
+        }
+    });
+    QHash<QString, KeptAudit> audits;
+    for (Row& row : rows) {
+        if (row.unpacked) {
+            audits.insert(row.folder, {row.questions, row.signature, std::move(*row.unpacked)});
         }
     }
     return audits;
