@@ -16,11 +16,8 @@ void CheckListModel::addItems(const QList<CheckItem>& items) {
     const int first = count();
     beginInsertRows({}, first, first + static_cast<int>(items.size()) - 1);
     items_.append(items);
-    std::vector<quint32> hashes(size_t(items.size()));
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        hashes[size_t(i)] = TextIndex::hashOf(items[i].text);
-    }
-    firstRows_.insertEachNew(hashes, first, rowTexts());  // a repeated text keeps its first row
+    firstRows_.insertEachNew(first, items.size(),
+                             rowTexts());  // a repeated text keeps its first row
     endInsertRows();
 }
 

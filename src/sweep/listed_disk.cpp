@@ -47,11 +47,7 @@ void ListedDisk::Listing::index() const {
     // One reading with the hidden files, which the session lists want, and the view without
     // them, which the other lists want: the reading itself where it holds none.
     std::call_once(indexed_, [this] {
-        std::vector<quint32> hashes(size_t(entries.size()));
-        for (qsizetype i = 0; i < entries.size(); ++i) {
-            hashes[size_t(i)] = TextIndex::hashOf(entries[i].name);
-        }
-        names_.insertEachNew(hashes, 0,
+        names_.insertEachNew(0, entries.size(),
                              [this](qsizetype at) -> const QString& { return entries[at].name; });
         const auto hidden = [](const FolderEntry& entry) { return entry.name.startsWith(u'.'); };
         if (std::any_of(entries.cbegin(), entries.cend(), hidden)) {

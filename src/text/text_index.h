@@ -40,12 +40,16 @@ public:
     }
     /// Files `position` under `hash`; the caller knows that no position of its text is in yet.
     void insert(quint32 hash, qsizetype position);
-    /// Files the positions `from`, `from` + 1, ... under `hashes`, in order, each unless a
-    /// position of its text (`textAt`) is in already. Many at once cost less than one at a time:
-    /// a large table's slot is far away in memory, and each is asked for a few texts ahead.
+    /// Files the `count` positions from `from`, in order, each unless a position of its text
+    /// (`textAt`) is in already. Many at once cost less than one at a time: a large table's slot
+    /// is far away in memory, and each is asked for a few texts ahead.
     template <typename TextAt>
-    void insertEachNew(const std::vector<quint32>& hashes, qsizetype from, const TextAt& textAt) {
-        reserve(count_ + qsizetype(hashes.size()));
+    void insertEachNew(qsizetype from, qsizetype count, const TextAt& textAt) {
+        std::vector<quint32> hashes(static_cast<size_t>(count));
+        for (qsizetype i = 0; i < count; ++i) {
+            hashes[size_t(i)] = hashOf(textAt(from + i));
+        }
+        reserve(count_ + count);
         constexpr size_t kAhead = 16;
         for (size_t i = 0; i < hashes.size(); ++i) {
             if (i + kAhead < hashes.size()) {
