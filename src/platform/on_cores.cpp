@@ -7,7 +7,8 @@
 namespace tidewick {
 
 void onCores(qsizetype threads, const std::function<void(bool here)>& work) {
-    const qsizetype cores = std::max(1U, std::thread::hardware_concurrency());
+    // The system counts its cores anew at each asking (a file read on Linux): once is enough.
+    static const qsizetype cores = std::max(1U, std::thread::hardware_concurrency());
     std::vector<std::thread> helpers;
     for (qsizetype n = 1; n < std::min(threads, cores); ++n) {
         helpers.emplace_back(work, false);
