@@ -161,14 +161,19 @@ private:
         if (!wanted_.matchesEveryName() && !wanted_.matches(entry.name)) {
             return Verdict::Passed;
         }
-        if (!ignoreUpper.isEmpty() && wildcardMatch(UpperCased(entry.name).view(), ignoreUpper)) {
+        // The key ends in an ASCII name upper-cased, as the sessions' pattern wants it.
+        const bool ascii = keyInPlace(key, usedFolderKey.size(), entry.name);
+        if (!ignoreUpper.isEmpty() &&
+            wildcardMatch(ascii ? QStringView(key).sliced(usedFolderKey.size())
+                                : UpperCased(entry.name).view(),
+                          ignoreUpper)) {
             return Verdict::Passed;
         }
-        keyInPlace(key, usedFolderKey.size(), entry.name);
-        if (used_.names(key, usedFolderKey, entry.name, recordFolder_, entry.id)) {
+        const HashedText hashed(key);  // asked of each table, own and guards'
+        if (used_.names(hashed, usedFolderKey, entry.name, recordFolder_, entry.id)) {
             return Verdict::Passed;
         }
-        keepers = used_.keptBy(key, entry.id);
+        keepers = used_.keptBy(hashed, entry.id);
         return keepers ? Verdict::Kept : Verdict::Other;
     }
 
@@ -195,7 +200,7 @@ private:
     // file is noted with the sessions that keep it.
     bool kept(const QString& folder, const QString& prefix, const FolderEntry& entry,
               const QString& key) {
-        const QStringList* keepers = used_.keptBy(key, entry.id);
+        const QStringList* keepers = used_.keptBy(HashedText(key), entry.id);
         if (keepers != nullptr) {
             noteKept(folder, prefix, entry, *keepers);
         }
@@ -238,13 +243,12 @@ private:
     // The used key (usedKey) of the file `name` of the folder whose key is the first
     // `folderKeySize` characters of `key`, written over the rest of `key`: an ASCII name is
     // upper-cased into it without a copy of its own.
-    static void keyInPlace(QString& key, qsizetype folderKeySize, const QString& name) {
+    // Whether the name is ASCII.
+    static bool keyInPlace(QString& key, qsizetype folderKeySize, const QString& name) {
         key.truncate(folderKeySize);
-        if (isAscii(name)) {
-            key.append(UpperCased(name).view());
-        } else {
-            key.append(usedKey(name));
-        }
+        const bool ascii = isAscii(name);
+        key.append(ascii ? UpperCased(name).view() : QStringView(usedKey(name)));
+        return ascii;
     }
 
     void add(const QString& text, const FolderEntry& entry) {

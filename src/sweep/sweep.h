@@ -157,7 +157,7 @@ public:
     /// The same for the file `name` of the folder whose key (usedKey of its path with its
     /// separator) is `folderKey`; the file's own key (`folderKey` and the name's usedKey) is
     /// given too, as the caller has it, and the file's identity where the listing knows it.
-    bool names(const QString& key, const QString& folderKey, const QString& name,
+    bool names(const HashedText& key, const QString& folderKey, const QString& name,
                const QString& recordFolder, FileId id = {}) const;
     /// Whether a line (or a file kept for a session) of the base name `base` (upper case) has
     /// the extension "wav", or with `anyMedia` one of "wav", "wv", "ape", "aif", "flac", "mp3",
@@ -174,7 +174,7 @@ public:
     void addGuard(std::shared_ptr<const UsedIndex> guard) { guards_.append(std::move(guard)); }
     /// The sessions that keep the file whose key (as for names()) is `key`, or nullptr when
     /// none does.
-    const QStringList* keptBy(const QString& key, FileId id) const;
+    const QStringList* keptBy(const HashedText& key, FileId id) const;
 
 private:
     bool trimmed_;

@@ -87,7 +87,7 @@ bool UsedIndex::names(const QString& path, const QString& recordFolder) const {
            (trimmed_ && lines_.contains(usedKey(trimFolders(path, recordFolder))));
 }
 
-bool UsedIndex::names(const QString& key, const QString& folderKey, const QString& name,
+bool UsedIndex::names(const HashedText& key, const QString& folderKey, const QString& name,
                       const QString& recordFolder, FileId id) const {
     // Keys join where the folder ends in its separator: letter case and the form of accented
     // letters change nothing across it.
@@ -163,7 +163,7 @@ void UsedIndex::hide(const QString& path, const FileSystem& fs) {
     }
 }
 
-const QStringList* UsedIndex::keptBy(const QString& key, FileId id) const {
+const QStringList* UsedIndex::keptBy(const HashedText& key, FileId id) const {
     const qsizetype* known = keptKeys_.find(key);
     qsizetype at = known ? *known : -1;
     if (at < 0 && id.isKnown()) {

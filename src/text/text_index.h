@@ -87,6 +87,14 @@ private:
     qsizetype count_ = 0;
 };
 
+/// A text with its hash (TextIndex::hashOf), for a text looked up in several tables: it is hashed
+/// once.
+struct HashedText {
+    explicit HashedText(QStringView text) : text(text), hash(TextIndex::hashOf(text)) {}
+    QStringView text;
+    quint32 hash;
+};
+
 /// Texts, each once, with a value each: a hash of strings in which a lookup by a view copies
 /// nothing and each text is hashed once.
 template <typename Value>
@@ -106,9 +114,11 @@ public:
     /// The texts, in the order they came in, and the value of each.
     const QStringList& texts() const { return texts_; }
     const QList<Value>& values() const { return values_; }
-    bool contains(QStringView text) const { return positionOf(text) >= 0; }
+    bool contains(QStringView text) const { return contains(HashedText(text)); }
+    bool contains(const HashedText& text) const { return positionOf(text) >= 0; }
     /// The value of `text`, or nullptr when the map lacks it.
-    const Value* find(QStringView text) const {
+    const Value* find(QStringView text) const { return find(HashedText(text)); }
+    const Value* find(const HashedText& text) const {
         const qsizetype at = positionOf(text);
         return at < 0 ? nullptr : &values_[at];
     }
@@ -126,8 +136,8 @@ public:
     }
 
 private:
-    qsizetype positionOf(QStringView text) const {
-        return index_.find(text, TextIndex::hashOf(text), TextAt{texts_});
+    qsizetype positionOf(const HashedText& text) const {
+        return index_.find(text.text, text.hash, TextAt{texts_});
     }
 
     QStringList texts_;
@@ -142,6 +152,7 @@ public:
     void insert(const QString& text) { map_[text]; }
     bool isEmpty() const { return map_.size() == 0; }
     bool contains(QStringView text) const { return map_.contains(text); }
+    bool contains(const HashedText& text) const { return map_.contains(text); }
 
 private:
     TextMap<bool> map_;
