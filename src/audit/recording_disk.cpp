@@ -149,12 +149,7 @@ T RecordingDisk::noted(char kind, const QString& path, T value) const {
     hashAnswer(kind, path, value, hash);
     bool byListing = false;
     if constexpr (std::is_same_v<T, QList<FolderEntry>>) {
-        TextSet& files = listed_[withSeparator(path)];
-        for (const FolderEntry& entry : value) {
-            if (!entry.isLink && entry.id.isKnown()) {
-                files.insert(entry.name);
-            }
-        }
+        listings_.insert(withSeparator(path), value);
     } else if constexpr (std::is_same_v<T, bool>) {
         byListing = kind == kFileExists && value;
     } else if constexpr (std::is_same_v<T, QList<FileId>>) {
@@ -166,8 +161,20 @@ T RecordingDisk::noted(char kind, const QString& path, T value) const {
 
 bool RecordingDisk::listed(const QString& path) const {
     const auto [folder, name] = folderAndName(path);
-    const auto it = listed_.constFind(folder);
-    return it != listed_.constEnd() && it->contains(name);
+    const auto listing = listings_.constFind(folder);
+    if (listing == listings_.constEnd()) {
+        return false;
+    }
+    auto names = listedNames_.find(folder);
+    if (names == listedNames_.end()) {
+        names = listedNames_.insert(folder, {});
+        for (const FolderEntry& entry : *listing) {
+            if (!entry.isLink && entry.id.isKnown()) {
+                names->insert(entry.name);
+            }
+        }
+    }
+    return names->contains(name);
 }
 
 QByteArray RecordingDisk::questions() const {

@@ -57,7 +57,10 @@ private:
     mutable std::mutex mutex_;  // over what is noted
     mutable QList<Noted> noted_;
     mutable QSet<QByteArray> seen_;
-    mutable QHash<QString, TextSet> listed_;  // by folder: its files that are no links
+    mutable QHash<QString, QList<FolderEntry>> listings_;  // by folder, with its separator
+    // By folder: its listed files that are no links, made when first asked (most audits ask
+    // no question that a listing answers).
+    mutable QHash<QString, TextSet> listedNames_;
 };
 
 /// The hash of the answers that `disk` gives now to `questions` (RecordingDisk::questions):
