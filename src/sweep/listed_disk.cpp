@@ -92,6 +92,54 @@ QList<FolderEntry> ListedDisk::listFiles(const QString& folder, bool withHidden,
     return picked;
 }
 
+bool ListedDisk::listedWithFiles(const QString& folder) const {
+    const std::lock_guard lock(mutex_);
+    const Held* listed = listings_.find(withSeparator(folder));
+    return listed != nullptr && *listed && !(*listed)->entries.isEmpty();
+}
+
+bool ListedDisk::FolderExists(const QString& path) const {
+    if (path.isEmpty()) {
+        return disk_.FolderExists(path);
+    }
+    const QString folder = withSeparator(path);
+    if (listedWithFiles(folder)) {
+        return true;
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        if (const bool* there = folderThere_.find(folder)) {
+            return *there;
+        }
+        // A folder within a folder known to be missing is missing too.
+        for (QStringView above = QStringView(folder).chopped(1); !above.isEmpty();
+             above = above.first(std::max<qsizetype>(nameStart(above) - 1, 0))) {
+            if (const bool* there = folderThere_.find(above.first(nameStart(above)));
+                there != nullptr && !*there) {
+                return false;
+            }
+        }
+    }
+    const bool there = disk_.FolderExists(path);
+    const std::lock_guard lock(mutex_);
+    folderThere_[folder] = there;
+    return there;
+}
+
+std::optional<FileStamp> ListedDisk::fileStamp(const QString& path) const {
+    {
+        const std::lock_guard lock(mutex_);
+        if (const std::optional<FileStamp>* known = stamps_.find(path)) {
+            return *known;
+        }
+    }
+    const std::optional<FileStamp> stamp =
+        inMissingFolder(path) ? std::nullopt : disk_.fileStamp(path);
+    const std::lock_guard lock(mutex_);
+    stamps_[path] = stamp;
+    return stamp;
+}
+
 bool ListedDisk::inMissingFolder(const QString& path) const {
     const qsizetype cut = nameStart(path);
     if (cut == 0) {

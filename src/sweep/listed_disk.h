@@ -11,8 +11,10 @@
 // The disk as one sweep sees it: each folder is read once, and a file that a listing holds is
 // known to exist without asking the disk again. A name the listing lacks (a file of another
 // folder, a pipe) is asked of the disk itself, unless its folder is missing: that is asked once
-// for all its files (a session may name thousands on a drive long gone). Threads may ask it
-// side by side.
+// for all its files (a session may name thousands on a drive long gone). A folder whose listing
+// holds files is there and readable; what the disk said of any other folder, and of a file's
+// stamp, holds for the sweep, which sees the disk as of one moment. Threads may ask it side by
+// side.
 namespace tidewick {
 
 class ListedDisk : public FileSystem {
@@ -20,7 +22,7 @@ public:
     explicit ListedDisk(const FileSystem& disk) : disk_(disk) {}
 
     bool FileExists(const QString& path) const override;
-    bool FolderExists(const QString& path) const override { return disk_.FolderExists(path); }
+    bool FolderExists(const QString& path) const override;
     qint64 fileSize(const QString& path) const override {
         return inMissingFolder(path) ? -1 : disk_.fileSize(path);
     }
@@ -34,11 +36,9 @@ public:
     }
     QString currentDirectory() const override { return disk_.currentDirectory(); }
     bool folderReadable(const QString& folder) const override {
-        return disk_.folderReadable(folder);
+        return listedWithFiles(folder) || disk_.folderReadable(folder);
     }
-    std::optional<FileStamp> fileStamp(const QString& path) const override {
-        return inMissingFolder(path) ? std::nullopt : disk_.fileStamp(path);
-    }
+    std::optional<FileStamp> fileStamp(const QString& path) const override;
     /// Takes in the listing of `folder` (with the hidden files) made elsewhere, as its own
     /// reading would have made it.
     void keep(const QString& folder, QList<FolderEntry> entries);
@@ -71,11 +71,14 @@ private:
     // Whether the folder of `path` is missing (or no folder), so that no file of that path can
     // be there; a relative folder is taken where the path is, in the current folder.
     bool inMissingFolder(const QString& path) const;
+    // Whether a listing of `folder` is held and holds files.
+    bool listedWithFiles(const QString& folder) const;
 
     const FileSystem& disk_;
     mutable std::mutex mutex_;
     mutable TextMap<Held> listings_;     // by folder, with its separator
-    mutable TextMap<bool> folderThere_;  // the folders of files asked of the disk
+    mutable TextMap<bool> folderThere_;  // the folders asked of the disk, with their separators
+    mutable TextMap<std::optional<FileStamp>> stamps_;  // by path
 };
 
 }  // namespace tidewick

@@ -40,6 +40,8 @@ const Change kChanges[] = {
     {"AFileAskedForAppeared", [](const QString& root) { write(root + "/Other/absent.wav"); }, true},
     {"AFolderOfFilesAskedForAppeared", [](const QString& root) { write(root + "/Gone/a.wav"); },
      true},
+    {"AFolderInAMissingFolderAppeared",
+     [](const QString& root) { ASSERT_TRUE(QDir().mkpath(root + "/Gone/Backups")); }, true},
     {"AFileGrew", [](const QString& root) { write(root + "/Other/x.wav", "xx"); }, true},
     {"ASessionWasSavedAgainAtItsSize",
      [](const QString& root) {
@@ -90,6 +92,9 @@ protected:
         EXPECT_TRUE(disk.FileExists(song + "/take.wav"));  // the listing's answer
         EXPECT_FALSE(disk.FileExists(other + "/absent.wav"));
         EXPECT_TRUE(disk.fileIds(root.filePath("Gone/a.wav")).isEmpty());
+        EXPECT_FALSE(disk.FolderExists(root.filePath("Gone/Backups")));
+        EXPECT_TRUE(disk.FolderExists(song));  // the listing's answer
+        EXPECT_TRUE(disk.folderReadable(song));
         EXPECT_EQ(disk.fileSize(other + "/x.wav"), 1);
         EXPECT_EQ(disk.fileStamp(song + "/mix.sesx"), real.fileStamp(song + "/mix.sesx"));
         EXPECT_TRUE(disk.FolderExists(song + "/Media"));
@@ -121,7 +126,8 @@ TEST_P(RecordingDiskChanges, AReplayNoticesAChangeToWhatWasAsked) {
 INSTANTIATE_TEST_SUITE_P(RecordingDisk, RecordingDiskChanges, ::testing::ValuesIn(kChanges),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// A session may name thousands of files of a folder long gone: the folder is asked, once.
+// A session may name thousands of files (and folders) of a folder long gone: the folder is asked,
+// once.
 TEST(RecordingDisk, TheFilesOfAMissingFolderAreOneQuestion) {
     QTemporaryDir root;
     const FileSystem disk;
@@ -130,6 +136,8 @@ TEST(RecordingDisk, TheFilesOfAMissingFolderAreOneQuestion) {
     for (const QString name : {"a.wav", "b.wav", "c.wav"}) {
         EXPECT_FALSE(listed.FileExists(root.filePath("Gone/" + name)));
         EXPECT_TRUE(listed.fileIds(root.filePath("Gone/" + name)).isEmpty());
+        EXPECT_FALSE(listed.fileStamp(root.filePath("Gone/" + name)));
+        EXPECT_FALSE(listed.FolderExists(root.filePath("Gone/" + name + "/Backups")));
     }
     EXPECT_FALSE(once.FolderExists(root.filePath("Gone/")));
     EXPECT_EQ(recorded.questions(), once.questions());
