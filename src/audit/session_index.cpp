@@ -131,7 +131,10 @@ Result<void> SessionIndex::open(const QString& file) {
                    ? failureOf(query.lastError())
                    : Error{0, QStringLiteral("it is another program's database")};
     }
-    return write([&db] {
+    // A new index holds nothing to lose: its tables are made without waiting for the disk. A
+    // crash meanwhile leaves a file that is no index, which the next run sets aside.
+    query.exec(QStringLiteral("PRAGMA synchronous = OFF"));
+    const Result<void> made = write([&db] {
         QSqlQuery make(db);
         for (const char* statement : kSchema) {
             if (!make.exec(QString::fromLatin1(statement))) {
@@ -142,6 +145,8 @@ Result<void> SessionIndex::open(const QString& file) {
         make.addBindValue(kFormat);
         return make.exec() && noteAuditQuestions(db);
     });
+    query.exec(QStringLiteral("PRAGMA synchronous = FULL"));  // what the index learns is kept
+    return made;
 }
 
 void SessionIndex::rebuild(const Error& why) {
