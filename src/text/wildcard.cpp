@@ -79,6 +79,15 @@ bool matchesOne(const Token& token, QChar c) {
 }  // namespace
 
 bool wildcardMatch(QStringView text, QStringView pattern) {
+    // The most common pattern, "*" and a plain ending ("*.SESX"), asks only how the text ends.
+    if (!pattern.isEmpty() && pattern.front() == u'*') {
+        const QStringView ending = pattern.sliced(1);
+        if (std::none_of(ending.begin(), ending.end(), [](QChar c) {
+                return c == u'*' || c == u'?' || c == u'#' || c == u'[';
+            })) {
+            return text.endsWith(ending);
+        }
+    }
     // Greedy matching with one backtrack point, the last "*": linear in practice and never
     // worse than |text| * |pattern|.
     qsizetype t = 0;

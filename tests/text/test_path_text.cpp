@@ -99,6 +99,10 @@ TEST(Wildcard, MatchesTheWholeText) {
         {"AB", "A[]B", true},
         {"[X", "[X", true},
         {"take.wav", "*.WAV", false},
+        {".SESX", "*.SESX", true},
+        {"SESX", "*.SESX", false},
+        {"A.SESX2", "*.SESX", false},
+        {"A.S#", "*.S[#]", true},
         {"AAAAAAAAAAAAAAAAAAAAB", "*A*A*A*A*C", false},
     };
     for (const auto& [text, pattern, matches] : cases) {
