@@ -236,7 +236,8 @@ struct SessionIndex::Statements {
         // A statement that cannot be made fails when it runs, and so does its transaction.
         forgetSession.prepare(QStringLiteral("DELETE FROM sessions WHERE path = ?"));
         forgetMedia.prepare(QStringLiteral("DELETE FROM media WHERE session = ?"));
-        insertSession.prepare(QStringLiteral("INSERT INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
+        insertSession.prepare(
+            QStringLiteral("INSERT OR REPLACE INTO sessions VALUES (?, ?, ?, ?, ?, ?)"));
         insertMedia.prepare(QStringLiteral("INSERT INTO media VALUES (?, ?, ?)"));
     }
     QSqlQuery forgetSession, forgetMedia, insertSession, insertMedia;
@@ -383,7 +384,9 @@ void SessionIndex::update(const QString& path, const SessionCache::Entry& entry,
 
 bool SessionIndex::keep(Statements& sql, const QString& path, const SessionCache::Entry& entry,
                         const QStringList& elsewhere) {
-    if (!forget(sql, path)) {
+    // Its row is replaced as the new one goes in; the files it used elsewhere go first.
+    sql.forgetMedia.addBindValue(path);
+    if (!sql.forgetMedia.exec()) {
         return false;
     }
     QSqlQuery& insert = sql.insertSession;
