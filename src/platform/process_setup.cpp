@@ -4,9 +4,12 @@
 
 #include <csignal>
 
+#include "platform/on_cores.h"
+
 namespace tidewick {
 
 void prepareProcess() {
+    startCoreHelpers();
 #ifdef SIGXFSZ
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
