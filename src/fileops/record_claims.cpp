@@ -216,12 +216,12 @@ std::optional<QString> trashEntryDoubt(const TrashPlace& place, const QString& o
             trash + QStringLiteral("/info/") + files.fileName() + QStringLiteral(".trashinfo")) {
         return place.file + QStringLiteral(" is no entry of a trash");
     }
-    const bool present = QFileInfo(*file).exists() || QFileInfo(*file).isSymLink();
-    if (!present && !QFileInfo(*info).exists()) {
-        return std::nullopt;  // an emptied trash: nothing there to take
-    }
     const std::optional<QString> was = trashInfoPath(*info);
     if (!was) {
+        const bool present = QFileInfo(*file).exists() || QFileInfo(*file).isSymLink();
+        if (!present && !QFileInfo(*info).exists()) {
+            return std::nullopt;  // an emptied trash: nothing there to take
+        }
         return place.info + QStringLiteral(" is no record of the trash");
     }
     const QString full =
