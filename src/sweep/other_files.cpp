@@ -242,8 +242,7 @@ private:
 
     // The used key (usedKey) of the file `name` of the folder whose key is the first
     // `folderKeySize` characters of `key`, written over the rest of `key`: an ASCII name is
-    // upper-cased into it without a copy of its own.
-    // Whether the name is ASCII.
+    // upper-cased into it without a copy of its own. Gives whether the name is ASCII.
     static bool keyInPlace(QString& key, qsizetype folderKeySize, const QString& name) {
         key.truncate(folderKeySize);
         const bool ascii = isAscii(name);
