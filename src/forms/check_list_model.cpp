@@ -16,8 +16,8 @@ void CheckListModel::addItems(const QList<CheckItem>& items) {
     const int first = count();
     beginInsertRows({}, first, first + static_cast<int>(items.size()) - 1);
     items_.append(items);
-    firstRows_.insertEachNew(first, items.size(),
-                             rowTexts());  // a repeated text keeps its first row
+    // A repeated text keeps its first row.
+    firstRows_.insertEachNew(first, items.size(), rowTexts());
     endInsertRows();
 }
 
