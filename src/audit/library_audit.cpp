@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "audit/folder_audit.h"
+#include "audit/index_packing.h"
 #include "audit/library_walk.h"
 #include "audit/missing_candidates.h"
 #include "audit/recording_disk.h"
@@ -19,11 +20,11 @@ namespace tidewick {
 
 namespace {
 
-// A folder audited now, with what its audit asked of the disk and the hash of the answers.
+// A folder audited now, with what its audit asked of the disk and the hash of the answers, and
+// its report packed for the index.
 struct Audited {
     FolderReport report;
-    QByteArray questions;
-    QByteArray signature;
+    SessionIndex::AuditToKeep kept;
 };
 
 // Audits the folders `again`, side by side on the cores at hand, on the one listing of the
@@ -48,7 +49,9 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
             const RecordingDisk asked(listed);
             FolderReport report =
                 auditFolder(again[at]->path, again[at]->sessions, asked, own, events.describe);
-            audited[size_t(at)] = Audited{std::move(report), asked.questions(), asked.signature()};
+            QByteArray packed = packReport(report);
+            audited[size_t(at)] = Audited{
+                std::move(report), {asked.questions(), asked.signature(), std::move(packed)}};
             own.forgetGuards();  // a folder's guard is no other folder's
             ++done;
             if (reporter) {
@@ -246,11 +249,10 @@ void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again,
                               const std::function<void()>& alongside) {
     std::vector<std::optional<Audited>> audits =
         auditFolders(again, listed_, cache_, events_, progress_, alongside);
-    QHash<QString, SessionIndex::KeptAudit> fresh;
+    QHash<QString, SessionIndex::AuditToKeep> fresh;
     for (qsizetype at = 0; at < again.size(); ++at) {
         if (std::optional<Audited>& audited = audits[size_t(at)]) {
-            fresh.insert(again[at]->path,
-                         {audited->questions, audited->signature, audited->report});
+            fresh.insert(again[at]->path, std::move(audited->kept));
             ++report_.foldersAudited;
             report_.folders.append(std::move(audited->report));
         }

@@ -332,7 +332,7 @@ QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root
     return audits;
 }
 
-void SessionIndex::storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
+void SessionIndex::storeAudits(const QString& root, const QHash<QString, AuditToKeep>& fresh,
                                const QSet<QString>& present) {
     QSqlDatabase db = QSqlDatabase::database(connection_, false);
     // Audits that cannot be kept are worked out again by the next audit.
@@ -363,7 +363,7 @@ void SessionIndex::storeAudits(const QString& root, const QHash<QString, KeptAud
             query.addBindValue(it.key());
             query.addBindValue(it->questions);
             query.addBindValue(it->signature);
-            query.addBindValue(packReport(it->report));
+            query.addBindValue(it->report);
             if (!query.exec()) {
                 return false;
             }

@@ -60,8 +60,15 @@ public:
     };
     /// The audits kept of the folders under `root`, by folder.
     QHash<QString, KeptAudit> audits(const QString& root) const;
+    /// A folder's audit to keep: as KeptAudit, its report packed already (packReport), as the
+    /// audits do it side by side.
+    struct AuditToKeep {
+        QByteArray questions;
+        QByteArray signature;
+        QByteArray report;
+    };
     /// Keeps `fresh` audits of folders under `root`, and forgets those of folders not `present`.
-    void storeAudits(const QString& root, const QHash<QString, KeptAudit>& fresh,
+    void storeAudits(const QString& root, const QHash<QString, AuditToKeep>& fresh,
                      const QSet<QString>& present);
 
     /// The roots audited so far, or why the index could not say (held by another program).
