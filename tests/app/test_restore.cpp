@@ -441,6 +441,16 @@ const RecordFileCase kRecordFiles[] = {
          test::writeFile(record, bytes);
      },
      false, "its line(s) 2 are damaged or fail their checksum; nothing restored"},
+    {"DamagedLinesFarDownALongRecordAreNamedInOrder",
+     [](const QString& record) {
+         QList<QByteArray> lines = test::readFile(record).split('\n');
+         for (int copy = 0; copy < 200; ++copy) {
+             lines.insert(2, lines[1]);  // the file's line again and again
+         }
+         lines[69] = lines[139] = "{";
+         test::writeFile(record, lines.join('\n'));
+     },
+     false, "its line(s) 70, 140 are damaged or fail their checksum; nothing restored"},
 };
 
 class RecordFiles : public Contents, public ::testing::TestWithParam<RecordFileCase> {};
