@@ -44,7 +44,7 @@ int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
     clock.start();
     AuditEvents events;
     events.progress = [&progressLine, &clock](const AuditProgress& progress) {
-        progressLine.show(progressText(progress, clock.elapsed()));
+        progressLine.show([&] { return progressText(progress, clock.elapsed()); });
     };
     events.stopRequested = interrupted;
     events.describe = readProblemText;

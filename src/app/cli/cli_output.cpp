@@ -24,12 +24,12 @@ ProgressLine::ProgressLine(QTextStream& err, const QString& command)
     clock_.start();
 }
 
-void ProgressLine::show(const QString& text) {
+void ProgressLine::show(const std::function<QString()>& text) {
     if (!live_ || (shown_ >= 0 && clock_.elapsed() - shown_ < 100)) {
         return;
     }
     shown_ = clock_.elapsed();
-    err_ << "\r\x1b[K" << prefix_ << text;
+    err_ << "\r\x1b[K" << prefix_ << text();
     err_.flush();
 }
 

@@ -4,6 +4,7 @@
 #include <QJsonObject>
 #include <QString>
 #include <QTextStream>
+#include <functional>
 
 // How the commands speak to a script and to a person: JSON documents that say what they are, and
 // a progress line that only a terminal able to draw it sees.
@@ -23,8 +24,9 @@ class ProgressLine {
 public:
     ProgressLine(QTextStream& err, const QString& command);
 
-    /// Shows `text` unless a line was shown less than a tenth of a second ago.
-    void show(const QString& text);
+    /// Shows the text that `text` makes, unless a line was shown less than a tenth of a second ago
+    /// (or none is drawn): then it is not made at all.
+    void show(const std::function<QString()>& text);
     /// Takes the line away before the command prints on.
     void clear();
 

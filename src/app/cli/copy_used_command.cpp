@@ -59,7 +59,7 @@ CopyEvents copyEvents(bool json, bool keepExisting, CopyReport& report, Progress
         return CopyFailureAnswer::Ignore;
     };
     events.progress = [&progress](qint64 done, qint64 total) {
-        progress.show(progressBytesText(done, total));
+        progress.show([&] { return progressBytesText(done, total); });
     };
     if (keepExisting) {
         events.keepExisting = [](const CopyItem&, const QString&) { return true; };

@@ -166,7 +166,7 @@ int runMove(const CommandLine& line, QTextStream& out, QTextStream& err) {
         };
     }
     events.progress = [&progress](qint64 done, qint64 total) {
-        progress.show(progressBytesText(done, total));
+        progress.show([&] { return progressBytesText(done, total); });
     };
     events.askOverwrite = [&options](const QString&) { return options.overwrite; };
     events.stopRequested = interrupted;
