@@ -42,10 +42,15 @@ std::optional<QString> resolvedFolder(const QString& path) {
 // link, a file too large).
 std::optional<QByteArray> smallFileBytes(const QString& path) {
 #ifdef Q_OS_UNIX
-    // Not through a link (O_NOFOLLOW), nor waiting on a pipe (O_NONBLOCK); the file's time of
-    // reading is left as it was where the file is ours (O_NOATIME), which spares its inode a
-    // write to the journal.
+    // A device is never opened (an opening alone may act on it); nor is a link followed
+    // (O_NOFOLLOW), nor a pipe waited on (O_NONBLOCK), should the entry change meanwhile. The
+    // file's time of reading is left as it was where the file is ours (O_NOATIME), which spares
+    // its inode a write to the journal.
     const QByteArray name = encodeFileName(path);
+    struct stat entry {};
+    if (::lstat(name.constData(), &entry) != 0 || !S_ISREG(entry.st_mode)) {
+        return std::nullopt;
+    }
     constexpr int kFlags = O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC;
 #ifdef O_NOATIME
     int opening = ::open(name.constData(), kFlags | O_NOATIME);
