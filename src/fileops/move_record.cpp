@@ -317,6 +317,7 @@ Result<MoveRecord> readMoveRecord(const QString& path) {
     // Each line is a function of its bytes alone (its parse, its checksum): they are read side by
     // side on the cores, then taken in order.
     struct Parsed {
+        bool blank = true;
         ReadLine line;
         std::optional<MovedFile> moved;
     };
@@ -328,7 +329,8 @@ Result<MoveRecord> readMoveRecord(const QString& path) {
              from = next.fetch_add(kShare)) {
             for (qsizetype at = from; at < std::min(from + kShare, lines.size()); ++at) {
                 Parsed& each = parsed[size_t(at)];
-                if (!lines[at].trimmed().isEmpty()) {
+                each.blank = lines[at].trimmed().isEmpty();
+                if (!each.blank) {
                     each.line = readLine(lines[at]);
                     each.moved = each.line.json ? fileOf(*each.line.json) : std::nullopt;
                 }
@@ -337,7 +339,7 @@ Result<MoveRecord> readMoveRecord(const QString& path) {
     });
     record.files.reserve(lines.size() - 1);
     for (qsizetype at = 1; at < lines.size(); ++at) {
-        if (lines[at].trimmed().isEmpty()) {
+        if (parsed[size_t(at)].blank) {
             continue;
         }
         const ReadLine& line = parsed[size_t(at)].line;
