@@ -55,7 +55,7 @@ Resolved resolvePath(const QString& readPath, const SessionKind& kind, const QSt
     if (kind.namesWholePaths) {
         return {path, path, firstChar(readPath)};
     }
-    if (GetParentFolderName(path).isEmpty()) {
+    if (QString storage; parentFolderView(path, storage).isEmpty()) {
         // A bare name lives in the session folder.
         return {path, sessionFolder + path, sessionDrive};
     }
@@ -237,11 +237,12 @@ QString trimFolders(const QString& path, const QString& recordFolder) {
 }
 
 qsizetype trimmedStart(const QString& path, const QString& recordFolder) {
-    QString folder = GetParentFolderName(path);
+    QString storage, aboveStorage;
+    QStringView folder = parentFolderView(path, storage);
     // A folder named after the recordings ("Song_Recorded") stays part of the result; with no
     // record folder the test always holds, so one folder level always stays.
-    if (sameUpperCase(QStringView(folder).right(recordFolder.size()), recordFolder)) {
-        folder = GetParentFolderName(folder);
+    if (sameUpperCase(folder.right(recordFolder.size()), recordFolder)) {
+        folder = parentFolderView(folder, aboveStorage);
     }
     // The folder and the separator after it go; that separator may be "\" or "/", whichever
     // the path was written with.
@@ -280,7 +281,8 @@ UsedMedia readUsedMedia(const SweepRequest& request, const FileSystem& fs,
 }
 
 QString usedLineFile(const QString& text, const QString& sessionFolder, bool trimmed) {
-    return trimmed || GetParentFolderName(text).isEmpty() ? sessionFolder + text : text;
+    QString storage;
+    return trimmed || parentFolderView(text, storage).isEmpty() ? sessionFolder + text : text;
 }
 
 }  // namespace tidewick

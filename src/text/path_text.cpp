@@ -114,7 +114,7 @@ bool isDriveName(QStringView text) {
 
 }  // namespace
 
-QString GetParentFolderName(const QString& path) {
+QStringView parentFolderView(QStringView path, QString& storage) {
     const qsizetype end = endWithoutTrailingSeparators(path);
     const qsizetype sep = lastSeparator(path, end);
     if (sep < 0) {
@@ -128,13 +128,23 @@ QString GetParentFolderName(const QString& path) {
         --parentEnd;
     }
     if (parentEnd == 0) {
-        return path.left(1);  // "/a.wav" -> "/"
+        return path.first(1);  // "/a.wav" -> "/"
     }
-    const QString parent = path.left(parentEnd);
-    if (isDriveName(parent)) {
-        return parent + path[sep];  // "C:\a.wav" -> "C:\"
+    const QStringView parent = path.first(parentEnd);
+    if (!isDriveName(parent)) {
+        return parent;
     }
-    return parent;
+    if (path[parentEnd] == path[sep]) {
+        return path.first(parentEnd + 1);  // "C:\a.wav" -> "C:\"
+    }
+    storage = parent.toString() + path[sep];
+    return storage;
+}
+
+QString GetParentFolderName(const QString& path) {
+    QString storage;
+    const QStringView parent = parentFolderView(path, storage);
+    return storage.isEmpty() ? parent.toString() : storage;
 }
 
 qsizetype nameStart(QStringView path) {

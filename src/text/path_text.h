@@ -31,6 +31,9 @@ QString ReplaceAll(const QString& findText, QString& text, const QString& replac
 /// The path without its last component: empty for a bare name, and a root keeps its separator
 /// ("C:\" for "C:\a.wav", "/" for "/a.wav").
 QString GetParentFolderName(const QString& path);
+/// The same as a view into `path`, or into `storage` for a drive's root that `path` writes with
+/// another separator than the one it is cut at ("C:/\a.wav"): no copy for any other path.
+QStringView parentFolderView(QStringView path, QString& storage);
 
 /// The last component of a path ("take.wav" for "C:\x\take.wav").
 QString GetFileName(const QString& path);
