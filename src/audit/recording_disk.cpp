@@ -91,7 +91,7 @@ void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHa
     } else if constexpr (std::is_same_v<T, std::optional<FileStamp>>) {
         answer << value.has_value() << (value ? value->size : 0) << (value ? value->modified : 0)
                << (value ? value->inode : 0);
-    } else if constexpr (std::is_same_v<T, QList<FileId>>) {
+    } else if constexpr (std::is_same_v<T, FileIds>) {
         for (const FileId& id : value) {
             answer << id.device << id.inode;
         }
@@ -238,7 +238,7 @@ std::optional<FileStamp> RecordingDisk::fileStamp(const QString& path) const {
     return noted(kFileStamp, path, disk_.fileStamp(path));
 }
 
-QList<FileId> RecordingDisk::fileIds(const QString& path) const {
+FileIds RecordingDisk::fileIds(const QString& path) const {
     return noted(kFileIds, path, disk_.fileIds(path));
 }
 

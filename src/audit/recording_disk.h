@@ -31,7 +31,7 @@ public:
     QList<SubFolder> listFolders(const QString& folder) const override;
     Contents listContents(const QString& folder) const override;
     std::optional<FileStamp> fileStamp(const QString& path) const override;
-    QList<FileId> fileIds(const QString& path) const override;
+    FileIds fileIds(const QString& path) const override;
     QString currentDirectory() const override;
     bool folderReadable(const QString& folder) const override;
 

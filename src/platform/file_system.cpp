@@ -391,8 +391,8 @@ std::optional<FileStamp> FileSystem::fileStamp(const QString& path) const {
 #endif
 }
 
-QList<FileId> FileSystem::fileIds(const QString& path) const {
-    QList<FileId> ids;
+FileIds FileSystem::fileIds(const QString& path) const {
+    FileIds ids;
 #ifdef Q_OS_UNIX
     // A chain of links ends at a file, at a name that is missing, or after as many links as the
     // system itself follows.

@@ -3,6 +3,7 @@
 #include <QHashFunctions>
 #include <QList>
 #include <QString>
+#include <QVarLengthArray>
 #include <functional>
 #include <optional>
 
@@ -34,6 +35,9 @@ struct FileId {
     bool isKnown() const { return inode != 0; }
     bool operator==(const FileId&) const = default;
 };
+
+/// The files one path reaches (FileSystem::fileIds): most paths reach one, a link two.
+using FileIds = QVarLengthArray<FileId, 2>;
 
 inline size_t qHash(const FileId& id, size_t seed = 0) {
     return qHashMulti(seed, id.device, id.inode);
@@ -113,7 +117,7 @@ public:
 
     /// The files that `path` reaches: the entry itself and, for a link, each link it passes
     /// through up to the file it ends at. Empty when there is no such entry.
-    virtual QList<FileId> fileIds(const QString& path) const;
+    virtual FileIds fileIds(const QString& path) const;
 
     /// The program's current directory.
     virtual QString currentDirectory() const;

@@ -161,12 +161,12 @@ bool ListedDisk::inMissingFolder(const QString& path) const {
     return !there;
 }
 
-QList<FileId> ListedDisk::fileIds(const QString& path) const {
+FileIds ListedDisk::fileIds(const QString& path) const {
     if (const auto [listed, at] = entryOf(path);
         listed && !listed->entries[at].isLink && listed->entries[at].id.isKnown()) {
         return {listed->entries[at].id};
     }
-    return inMissingFolder(path) ? QList<FileId>() : disk_.fileIds(path);
+    return inMissingFolder(path) ? FileIds() : disk_.fileIds(path);
 }
 
 bool ListedDisk::FileExists(const QString& path) const {

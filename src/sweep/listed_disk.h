@@ -45,7 +45,7 @@ public:
 
     /// From the listing for a file of a listed folder that is no link (and nothing for a name
     /// that the listing lacks); asked of the disk for any other.
-    QList<FileId> fileIds(const QString& path) const override;
+    FileIds fileIds(const QString& path) const override;
 
 private:
     struct Listing {

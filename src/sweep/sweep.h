@@ -195,7 +195,7 @@ private:
     // What keeping a file takes in: its key, its identities, the media base name it owns.
     struct Keeping {
         QString key;
-        QList<FileId> ids;
+        FileIds ids;
         std::optional<PeakOwner> peakOwner;
     };
     static std::optional<PeakOwner> peakOwnerOf(const QString& path);
