@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 #include "platform/file_system.h"
@@ -179,7 +180,13 @@ public:
 private:
     bool trimmed_;
     TextSet files_, lines_;
-    TextMap<bool> mediaOwners_;  // the base names of media, each whether a "wav" has it
+    // The paths of the lines and kept files, whose base names are worked out when a peak file
+    // first asks (most folders' loads judge none), into `mediaOwners_`: the base names of
+    // media, each whether a "wav" has it.
+    mutable QStringList peakSources_;
+    mutable TextMap<bool> mediaOwners_;
+    mutable bool ownersMade_ = false;
+    mutable std::mutex ownersMutex_;  // over the three above once the index is asked
     QSet<FileId> ids_;
     QList<QStringList> keepers_;         // by kept file
     QStringList soleKeeper_{QString()};  // the last list of one keeper, which the next may share
@@ -192,16 +199,18 @@ private:
         QString base;
         bool wav = false;
     };
-    // What keeping a file takes in: its key, its identities, the media base name it owns.
+    // What keeping a file takes in: its key and its identities.
     struct Keeping {
         QString key;
         FileIds ids;
-        std::optional<PeakOwner> peakOwner;
     };
     static std::optional<PeakOwner> peakOwnerOf(const QString& path);
     static Keeping keepingOf(const QString& path, const FileSystem& fs);
-    void notePeakOwner(const std::optional<PeakOwner>& owner);
-    void apply(const Keeping& keeping, const QString& session);
+    // Notes that `path` may own peak files, as a line or a kept file.
+    void notePeakSource(const QString& path);
+    // Works out the media base names of the paths noted, once.
+    void makeMediaOwners() const;
+    void apply(const Keeping& keeping, const QString& path, const QString& session);
 };
 
 /// The texts of a load's used lines as they are gathered, each with its line's position: a text

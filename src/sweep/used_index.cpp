@@ -25,6 +25,7 @@ UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder,
     : trimmed_(trimmed) {
     const QString folder = withSeparator(sessionFolder);
     files_.reserve(lines.size());
+    peakSources_.reserve(lines.size());
     for (const UsedLine& line : lines) {
         const QString& text = line.text;
         const QString file = usedLineFile(text, folder, trimmed);
@@ -39,7 +40,7 @@ UsedIndex::UsedIndex(const QList<UsedLine>& lines, const QString& sessionFolder,
                 ids_.insert(id);
             }
         }
-        notePeakOwner(peakOwnerOf(text));
+        notePeakSource(text);
     }
 }
 
@@ -68,14 +69,28 @@ std::optional<UsedIndex::PeakOwner> UsedIndex::peakOwnerOf(const QString& path) 
     return PeakOwner{upperCase(name.first(dot)), media == kMediaExtensions.begin()};
 }
 
-void UsedIndex::notePeakOwner(const std::optional<PeakOwner>& owner) {
-    if (owner) {
-        bool& ownedByWav = mediaOwners_[owner->base];
-        ownedByWav = ownedByWav || owner->wav;
+void UsedIndex::notePeakSource(const QString& path) {
+    peakSources_.append(path);
+    ownersMade_ = false;  // taken in when a peak file next asks
+}
+
+void UsedIndex::makeMediaOwners() const {
+    const std::lock_guard lock(ownersMutex_);
+    if (ownersMade_) {
+        return;
     }
+    for (const QString& path : std::as_const(peakSources_)) {
+        if (const std::optional<PeakOwner> owner = peakOwnerOf(path)) {
+            bool& ownedByWav = mediaOwners_[owner->base];
+            ownedByWav = ownedByWav || owner->wav;
+        }
+    }
+    peakSources_.clear();
+    ownersMade_ = true;
 }
 
 bool UsedIndex::ownsPeak(const QString& base, bool anyMedia) const {
+    makeMediaOwners();
     const bool* owned = mediaOwners_.find(base);
     return (owned != nullptr && (anyMedia || *owned)) ||
            std::any_of(guards_.cbegin(), guards_.cend(),
@@ -103,12 +118,11 @@ bool UsedIndex::names(const HashedText& key, const QString& folderKey, const QSt
 }
 
 UsedIndex::Keeping UsedIndex::keepingOf(const QString& path, const FileSystem& fs) {
-    // Its peak files are kept with "Keep Used ... Files" too.
-    return {usedKey(cleanHostPath(path)), fs.fileIds(path), peakOwnerOf(path)};
+    return {usedKey(cleanHostPath(path)), fs.fileIds(path)};
 }
 
 void UsedIndex::keep(const QString& path, const QString& session, const FileSystem& fs) {
-    apply(keepingOf(path, fs), session);
+    apply(keepingOf(path, fs), path, session);
 }
 
 void UsedIndex::keepEach(const QList<std::pair<QString, QString>>& files, const FileSystem& fs) {
@@ -125,13 +139,14 @@ void UsedIndex::keepEach(const QList<std::pair<QString, QString>>& files, const 
             }
         }
     });
+    peakSources_.reserve(peakSources_.size() + files.size());
     for (qsizetype i = 0; i < files.size(); ++i) {
-        apply(keepings[size_t(i)], files[i].second);
+        apply(keepings[size_t(i)], files[i].first, files[i].second);
     }
 }
 
-void UsedIndex::apply(const Keeping& keeping, const QString& session) {
-    notePeakOwner(keeping.peakOwner);
+void UsedIndex::apply(const Keeping& keeping, const QString& path, const QString& session) {
+    notePeakSource(path);  // its peak files are kept with "Keep Used ... Files" too
     const qsizetype* known = keptKeys_.find(keeping.key);
     qsizetype at = known ? *known : -1;
     for (const FileId& id : keeping.ids) {
