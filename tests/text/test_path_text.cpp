@@ -19,12 +19,17 @@ TEST(PathParts, SplitLikeTheFileSystemObjectWithEitherSeparator) {
         {"mixed/dir\\take.1.WAV", "mixed/dir", "take.1.WAV", "take.1", "WAV"},
         {"C:\\a\\folder\\", "C:\\a", "folder", "folder", ""},
         {"C:\\", "", "", "", ""},
+        {"C:\\\\take.wav", "C:\\", "take.wav", "take", "wav"},
+        {"C:/\\take.wav", "C:\\", "take.wav", "take", "wav"},  // the separator it is cut at
         {".hidden", "", ".hidden", "", "hidden"},
         {"dir.v2/noext", "dir.v2", "noext", "noext", ""},
     };
     for (const auto& [path, parent, name, base, extension] : cases) {
         SCOPED_TRACE(path);
         EXPECT_EQ(GetParentFolderName(path), parent);
+        const QString text = QString::fromUtf8(path);
+        QString storage;
+        EXPECT_EQ(parentFolderView(text, storage).toString(), QString::fromUtf8(parent));
         EXPECT_EQ(GetFileName(path), name);
         EXPECT_EQ(GetBaseName(path), base);
         EXPECT_EQ(GetExtensionName(path), extension);
