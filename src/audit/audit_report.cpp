@@ -1,5 +1,7 @@
 #include "audit/audit_report.h"
 
+#include "text/path_text.h"
+
 namespace tidewick {
 
 qsizetype FolderReport::sessionCount() const {
@@ -8,6 +10,10 @@ qsizetype FolderReport::sessionCount() const {
         count += names.size();
     }
     return count;
+}
+
+QString FolderReport::reclaimablePath(const QString& text) const {
+    return isHostRooted(text) ? text : withSeparator(folder) + text;
 }
 
 }  // namespace tidewick

@@ -43,8 +43,9 @@ struct FolderReport {
     QList<std::pair<SessionKindId, QStringList>> sessions;
     qsizetype used = 0;  ///< used files on disk
     QList<MissingMedia> missing;
-    /// What a load of all the sessions would offer, by path, with sizes; never a file that a
-    /// session of the library uses.
+    /// What a load of all the sessions would offer, with sizes, each by its path from the folder
+    /// or, when it lies elsewhere, its whole path (as reclaimablePath gives every one); never a
+    /// file that a session of the library uses.
     QList<std::pair<QString, qint64>> reclaimable;
     qint64 reclaimableBytes = 0;
     QList<KeptElsewhere> keptElsewhere;
@@ -53,6 +54,8 @@ struct FolderReport {
     QString reason;
 
     qsizetype sessionCount() const;
+    /// The whole path of the file that `text`, a text of `reclaimable`, names.
+    QString reclaimablePath(const QString& text) const;
 };
 
 struct LibraryReport {

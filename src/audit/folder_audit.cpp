@@ -54,9 +54,12 @@ public:
         // The listings join a clean folder and a name: each path is clean as it stands.
         const QString root = withSeparator(load.root());
         if (alone_) {
+            // A load of the folder names its files from there, as the report does.
+            const bool fromFolder = root == withSeparator(report.folder);
             report.reclaimable.reserve(load.otherFiles().size());
             for (const OtherFile& other : load.otherFiles()) {
-                report.reclaimable.append({otherFilePath(root, other.text), other.size});
+                report.reclaimable.append(
+                    {fromFolder ? other.text : otherFilePath(root, other.text), other.size});
                 report.reclaimableBytes += other.size;
             }
             return true;
@@ -78,9 +81,12 @@ public:
     }
 
     void finish(FolderReport& report) const {
+        const QString folder = withSeparator(report.folder);
         for (qsizetype i = 0; i < offered_.size(); ++i) {
-            if (!kept_.contains(offered_.texts()[i])) {
-                report.reclaimable.append({offered_.texts()[i], offered_.values()[i]});
+            if (const QString& path = offered_.texts()[i]; !kept_.contains(path)) {
+                report.reclaimable.append(
+                    {path.startsWith(folder) ? path.sliced(folder.size()) : path,
+                     offered_.values()[i]});
                 report.reclaimableBytes += offered_.values()[i];
             }
         }

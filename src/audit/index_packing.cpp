@@ -3,7 +3,6 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <QStringEncoder>
-#include <algorithm>
 
 #include "platform/file_system.h"
 #include "text/path_text.h"
@@ -176,11 +175,10 @@ QByteArray packReport(const FolderReport& report) {
     for (const MissingMedia& missing : report.missing) {
         out << missing.text << missing.path << missing.sessions;
     }
-    // Thousands of names a folder: each from the folder on, in UTF-8, a line each; a path
-    // outside the folder whole, after a NUL (which no file name holds). A path that is no line
-    // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes whole after two
-    // NULs, as its file name's bytes in URL escapes.
-    const QString folder = withSeparator(report.folder);
+    // Thousands of names a folder: each from the folder on, in UTF-8, a line each; a whole path
+    // (of a file elsewhere) after a NUL, which no file name holds. A text that is no line
+    // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes as it stands
+    // after two NULs, as its file name's bytes in URL escapes.
     QByteArray names;
     QList<qint64> sizes;
     sizes.reserve(report.reclaimable.size());
@@ -192,14 +190,14 @@ QByteArray packReport(const FolderReport& report) {
         *end++ = '\n';
         names.resize(end - names.constData());
     };
-    for (const auto& [path, size] : report.reclaimable) {
-        if (!isUtf8Line(path)) {
-            names += QByteArray(2, '\0') + encodeFileName(path).toPercentEncoding() + '\n';
-        } else if (path.startsWith(folder)) {
-            appendLine(QStringView(path).sliced(folder.size()));
+    for (const auto& [text, size] : report.reclaimable) {
+        if (!isUtf8Line(text)) {
+            names += QByteArray(2, '\0') + encodeFileName(text).toPercentEncoding() + '\n';
+        } else if (!isHostRooted(text)) {
+            appendLine(text);
         } else {
             names += '\0';
-            appendLine(path);
+            appendLine(text);
         }
         sizes.append(size);
     }
@@ -209,23 +207,12 @@ QByteArray packReport(const FolderReport& report) {
 
 namespace {
 
-// `folder` followed by the UTF-8 `name`, made in one piece (a report holds thousands).
-QString joined(const QString& folder, QByteArrayView name) {
-    if (std::any_of(name.begin(), name.end(), [](char c) { return uchar(c) >= 0x80; })) {
-        return folder + QString::fromUtf8(name);
-    }
-    QString path(folder.size() + name.size(), Qt::Uninitialized);
-    QChar* out = std::copy(folder.cbegin(), folder.cend(), path.data());
-    std::transform(name.begin(), name.end(), out, [](char c) { return QLatin1Char(c); });
-    return path;
-}
-
-// The path of one line of a report's names (packReport), of a file in `folder`.
-QString pathOf(QByteArrayView name, const QString& folder) {
+// The text of one line of a report's names (packReport), as the report names its file.
+QString textOf(QByteArrayView name) {
     if (name.startsWith(QByteArrayView("\0\0", 2))) {
         return decodeFileName(QByteArray::fromPercentEncoding(name.sliced(2).toByteArray()));
     }
-    return name.startsWith('\0') ? QString::fromUtf8(name.sliced(1)) : joined(folder, name);
+    return QString::fromUtf8(name.startsWith('\0') ? name.sliced(1) : name);
 }
 
 }  // namespace
@@ -261,7 +248,6 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
     if (in.status() != QDataStream::Ok) {
         return damaged();
     }
-    const QString folder = withSeparator(report.folder);
     qsizetype from = 0;
     report.reclaimable.reserve(sizes.size());
     for (const qint64 size : sizes) {
@@ -270,7 +256,7 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
             return damaged();
         }
         const QByteArrayView name = QByteArrayView(names).sliced(from, end - from);
-        report.reclaimable.append({pathOf(name, folder), size});
+        report.reclaimable.append({textOf(name), size});
         report.reclaimableBytes += size;
         from = end + 1;
     }

@@ -68,14 +68,17 @@ Keepers keepersOf(const QHash<QString, QStringList>& elsewhere) {
 void keepWhatOthersUse(FolderReport& report, const Keepers& keepers) {
     const QString own = withSeparator(report.folder);
     qsizetype kept = 0;
-    QString folder;
+    QString folder;  // of the file before, as the report names it
     bool folderKept = false;
     for (qsizetype i = 0; i < report.reclaimable.size(); ++i) {
-        const auto& [path, size] = report.reclaimable[i];
-        if (!path.startsWith(folder) || path.indexOf(u'/', folder.size()) >= 0) {
-            folder = path.left(path.lastIndexOf(u'/') + 1);  // the files come folder by folder
-            folderKept = keepers.folders.contains(usedKey(folder));
+        const auto& [text, size] = report.reclaimable[i];
+        // The files come folder by folder, and most folders hold no file that others use.
+        if (const QStringView named = QStringView(text).first(text.lastIndexOf(u'/') + 1);
+            i == 0 || named != folder) {
+            folder = named.toString();
+            folderKept = keepers.folders.contains(usedKey(report.reclaimablePath(folder)));
         }
+        const QString path = folderKept ? report.reclaimablePath(text) : QString();
         const QString keeper = folderKept ? keepers.files.value(usedKey(path)) : QString();
         if (!keeper.isEmpty() && withSeparator(hostParentFolder(keeper)) != own) {
             report.keptElsewhere.append({path, size, keeper});

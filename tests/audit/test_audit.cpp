@@ -53,8 +53,8 @@ QString described(const LibraryReport& report) {
     for (const FolderReport& folder : report.folders) {
         QString line = rel(folder.folder) + u':';
         QStringList reclaim;
-        for (const auto& [path, size] : folder.reclaimable) {
-            reclaim.append(rel(path));
+        for (const auto& [text, size] : folder.reclaimable) {
+            reclaim.append(rel(folder.reclaimablePath(text)));
         }
         line += folder.stopped      ? QStringLiteral(" stopped")
                 : reclaim.isEmpty() ? QString()

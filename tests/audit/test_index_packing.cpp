@@ -85,14 +85,13 @@ FolderReport report(const QString& folder) {
     report.sessions = {{SessionKindId::Sesx, {"mix.sesx", "b.sesx"}}, {SessionKindId::Veg, {}}};
     report.used = 7;
     report.missing = {{"Audio\\x.wav", folder + "/Audio/x.wav", {"mix.sesx"}, {}}, {}};
-    const QString own = withSeparator(folder);
     // A name may hold a line end, and a byte that is no UTF-8 (decodeFileName).
     const QString noUtf8 = decodeFileName("take\xff 2.wav");
-    report.reclaimable = {{own + "take 1.wav", 3},
-                          {own + "Média/é.wav", 1LL << 40},
-                          {own + "sub/dir/a", 0},
-                          {own + "two\nlines.wav", 4},
-                          {own + noUtf8, 6},
+    report.reclaimable = {{"take 1.wav", 3},
+                          {"Média/é.wav", 1LL << 40},
+                          {"sub/dir/a", 0},
+                          {"two\nlines.wav", 4},
+                          {noUtf8, 6},
                           {"/elsewhere/shared.wav", 5},
                           {"/elsewhere/ñ\nline.wav", 8},
                           {"/elsewhere/" + noUtf8, 9}};
