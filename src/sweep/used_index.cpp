@@ -147,8 +147,8 @@ void UsedIndex::keepEach(const QList<std::pair<QString, QString>>& files, const 
 
 void UsedIndex::apply(const Keeping& keeping, const QString& path, const QString& session) {
     notePeakSource(path);  // its peak files are kept with "Keep Used ... Files" too
-    const qsizetype* known = keptKeys_.find(keeping.key);
-    qsizetype at = known ? *known : -1;
+    auto [keptAt, added] = keptKeys_.tryEmplace(keeping.key);  // its place, found or made
+    qsizetype at = added ? -1 : keptAt;
     for (const FileId& id : keeping.ids) {
         if (at < 0) {
             at = keptIds_.value(id, -1);
@@ -165,7 +165,7 @@ void UsedIndex::apply(const Keeping& keeping, const QString& path, const QString
     } else if (!keepers_[at].contains(session)) {
         keepers_[at].append(session);
     }
-    keptKeys_[keeping.key] = at;
+    keptAt = at;
     for (const FileId& id : keeping.ids) {
         keptIds_.insert(id, at);
     }

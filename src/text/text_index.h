@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
+#include <utility>
 #include <vector>
 
 // Where texts held in a list stand in it, found by the text: an open-addressing table of each
@@ -123,16 +124,20 @@ public:
         return at < 0 ? nullptr : &values_[at];
     }
     /// The value of `text`, a default one put in first when the map lacks it.
-    Value& operator[](const QString& text) {
+    Value& operator[](const QString& text) { return tryEmplace(text).first; }
+    /// The same, and whether the value was put in now: one look-up where a find and an insert
+    /// would take two.
+    std::pair<Value&, bool> tryEmplace(const QString& text) {
         const quint32 hash = TextIndex::hashOf(text);
         qsizetype at = index_.find(text, hash, TextAt{texts_});
-        if (at < 0) {
+        const bool added = at < 0;
+        if (added) {
             at = texts_.size();
             texts_.append(text);
             values_.append(Value());
             index_.insert(hash, at);
         }
-        return values_[at];
+        return {values_[at], added};
     }
 
 private:
