@@ -44,12 +44,11 @@ QString cleanHostPath(const QString& path) {
 #ifndef Q_OS_WIN
     // Without "//", without a "." or ".." part (each would follow a "/" or begin the path) and
     // without a trailing "/", a path is clean already: most paths, kept as they are.
-    bool clean =
-        !path.isEmpty() && path.front() != u'.' && (path.size() == 1 || path.back() != u'/');
-    for (qsizetype slash = path.indexOf(u'/'); clean && slash >= 0 && slash + 1 < path.size();
-         slash = path.indexOf(u'/', slash + 1)) {
-        clean = path[slash + 1] != u'/' && path[slash + 1] != u'.';
-    }
+    const bool clean = !path.isEmpty() && path.front() != u'.' &&
+                       (path.size() == 1 || path.back() != u'/') &&
+                       std::adjacent_find(path.cbegin(), path.cend(), [](QChar c, QChar next) {
+                           return c == u'/' && (next == u'/' || next == u'.');
+                       }) == path.cend();
     if (clean) {
         return path;
     }
