@@ -107,15 +107,21 @@ public:
         const QHash<QString, QStringList> elsewhere = usesElsewhere();
         // The index (whose connection is this thread's) learns the sessions read while the
         // folders are audited; then it tells every use elsewhere, of the sessions not read too.
-        auditAgain(again, [&] { storeSessions(elsewhere); });
+        const QHash<QString, SessionIndex::AuditToKeep> fresh =
+            auditAgain(again, [&] { storeSessions(elsewhere); });
         const Keepers keepers =
             keepersOf(index_ != nullptr ? index_->elsewhereUnder(report_.root) : elsewhere);
-        for (FolderReport& folder : report_.folders) {
-            keepWhatOthersUse(folder, keepers);
-        }
-        findCandidates(report_.folders, walk_.walked, listed_);
-        reportUnread();
-        addTotals(report_);
+        // The index keeps the fresh audits, and waits for the disk, while another core finishes
+        // the report: neither touches what the other does.
+        std::atomic<bool> finishing = false;
+        onCores(2, [&](bool here) {
+            if (here) {
+                storeAudits(fresh);
+            }
+            if (!finishing.exchange(true)) {
+                finishReport(keepers);
+            }
+        });
         return report_;
     }
 
@@ -125,8 +131,19 @@ private:
     void readSessions(bool auditingAgain);
     QHash<QString, QStringList> usesElsewhere();
     void storeSessions(const QHash<QString, QStringList>& elsewhere);
-    void auditAgain(const QList<const WalkedFolder*>& again,
-                    const std::function<void()>& alongside);
+    QHash<QString, SessionIndex::AuditToKeep> auditAgain(const QList<const WalkedFolder*>& again,
+                                                         const std::function<void()>& alongside);
+    void storeAudits(const QHash<QString, SessionIndex::AuditToKeep>& fresh);
+    /// The report's last steps: what other folders' sessions use, the candidates of missing
+    /// files, the folders not read and the totals.
+    void finishReport(const Keepers& keepers) {
+        for (FolderReport& folder : report_.folders) {
+            keepWhatOthersUse(folder, keepers);
+        }
+        findCandidates(report_.folders, walk_.walked, listed_);
+        reportUnread();
+        addTotals(report_);
+    }
     /// The folders the walk could not read, each reported as stopped: what they hold is unknown.
     void reportUnread() {
         for (const QString& folder : walk_.unread) {
@@ -244,9 +261,9 @@ void LibraryAudit::storeSessions(const QHash<QString, QStringList>& elsewhere) {
 }
 
 // The folders whose kept audits no longer hold are audited, `alongside` run in this thread
-// meanwhile, and the index keeps their audits.
-void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again,
-                              const std::function<void()>& alongside) {
+// meanwhile; their audits, for the index to keep.
+QHash<QString, SessionIndex::AuditToKeep> LibraryAudit::auditAgain(
+    const QList<const WalkedFolder*>& again, const std::function<void()>& alongside) {
     std::vector<std::optional<Audited>> audits =
         auditFolders(again, listed_, cache_, events_, progress_, alongside);
     QHash<QString, SessionIndex::AuditToKeep> fresh;
@@ -258,6 +275,11 @@ void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again,
         }
     }
     report_.cancelled = stopAsked(events_);
+    return fresh;
+}
+
+// The index keeps the fresh audits and forgets those of folders gone.
+void LibraryAudit::storeAudits(const QHash<QString, SessionIndex::AuditToKeep>& fresh) {
     if (index_ != nullptr) {
         QSet<QString> present;
         for (const WalkedFolder& folder : walk_.folders) {
