@@ -1,5 +1,6 @@
 #include "audit/audit_report.h"
 
+#include "sweep/sweep.h"
 #include "text/path_text.h"
 
 namespace tidewick {
@@ -13,7 +14,7 @@ qsizetype FolderReport::sessionCount() const {
 }
 
 QString FolderReport::reclaimablePath(const QString& text) const {
-    return isHostRooted(text) ? text : withSeparator(folder) + text;
+    return otherFilePath(withSeparator(folder), text);  // as the folder's load names it
 }
 
 }  // namespace tidewick
