@@ -40,6 +40,29 @@ public:
         put(text.utf16(), text.size() * 2);
         return *this;
     }
+    /// A listing's entry in few bytes, as the hash takes in every one: a byte of flags (a link;
+    /// a name of UTF-16 units rather than ASCII bytes; the device following, where it is not the
+    /// one before, `device`), the name's length and its bytes, the size, the inode.
+    void putEntry(const FolderEntry& entry, quint64& device) {
+        const bool ascii = QtPrivate::isAscii(QStringView(entry.name));
+        const bool newDevice = entry.id.device != device;
+        *this << quint8((entry.isLink ? 1 : 0) | (ascii ? 0 : 2) | (newDevice ? 4 : 0))
+              << quint16(entry.name.size());
+        if (ascii) {
+            const qsizetype at = size_;
+            put(nullptr, entry.name.size());
+            std::transform(entry.name.cbegin(), entry.name.cend(), bytes_.data() + at,
+                           [](QChar c) { return char(c.unicode()); });
+        } else {
+            put(entry.name.utf16(), entry.name.size() * 2);
+        }
+        *this << entry.size;
+        if (newDevice) {
+            *this << entry.id.device;
+            device = entry.id.device;
+        }
+        *this << entry.id.inode;
+    }
     QByteArrayView bytes() const { return {bytes_.constData(), size_}; }
     void reserve(qsizetype size) {
         if (size > bytes_.size()) {
@@ -52,7 +75,9 @@ private:
         if (size_ + size > bytes_.size()) {
             reserve(std::max(size_ + size, 2 * bytes_.size()));
         }
-        std::memcpy(bytes_.data() + size_, data, size_t(size));
+        if (data != nullptr) {
+            std::memcpy(bytes_.data() + size_, data, size_t(size));
+        }
         size_ += size;
     }
 
@@ -71,9 +96,10 @@ void hashAnswer(char kind, const QString& path, const T& value, QCryptographicHa
     Answer answer;
     answer << kind << path;
     const auto addFiles = [&answer](const QList<FolderEntry>& files) {
-        answer.reserve(answer.bytes().size() + files.size() * 96);
+        answer.reserve(answer.bytes().size() + files.size() * 48);
+        quint64 device = 0;
         for (const FolderEntry& entry : files) {
-            answer << entry.name << entry.size << entry.isLink << entry.id.device << entry.id.inode;
+            answer.putEntry(entry, device);
         }
     };
     if constexpr (std::is_same_v<T, QList<FolderEntry>>) {

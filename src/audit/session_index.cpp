@@ -23,9 +23,11 @@ namespace {
 // Written into every index, so that a file of another program, or of a later layout, is known.
 const QString kFormat = QStringLiteral("tidewick-index-2");
 
-// The questions a kept audit asked of the disk. Audits kept before the trees of project kinds
-// were asked about (before "2") would pass for current after a change there: they are dropped.
-const QString kAuditQuestions = QStringLiteral("2");
+// The questions a kept audit asked of the disk, and the bytes its answers are hashed from.
+// Audits kept before the trees of project kinds were asked about (before "2") would pass for
+// current after a change there, and those whose listings were hashed in other bytes (before "3")
+// would never pass: they are dropped.
+const QString kAuditQuestions = QStringLiteral("3");
 
 bool noteAuditQuestions(const QSqlDatabase& db) {
     QSqlQuery note(db);
