@@ -20,23 +20,16 @@ namespace tidewick {
 
 namespace {
 
-// A folder audited now, with what its audit asked of the disk and the hash of the answers, and
-// its report packed for the index.
-struct Audited {
-    FolderReport report;
-    SessionIndex::AuditToKeep kept;
-};
-
 // Audits the folders `again`, side by side on the cores at hand, on the one listing of the
-// library; each thread has its own copy of the sessions read. The folders not reached when a
-// stop is asked for have no report. `stop` is asked from this thread alone, which also tells
-// the progress, and runs `alongside` first while the others begin.
-std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*>& again,
-                                                 const ListedDisk& listed,
-                                                 const SessionCache& cache,
-                                                 const AuditEvents& events, AuditProgress& progress,
-                                                 const std::function<void()>& alongside) {
-    std::vector<std::optional<Audited>> audited(size_t(again.size()));
+// library; each thread has its own copy of the sessions read. Each audit, with what it asked of
+// the disk and the hash of the answers, goes to `keep` as it is done, where one is given. The
+// folders not reached when a stop is asked for have no report. `stop` is asked from this thread
+// alone, which also tells the progress, and runs `alongside` first while the others begin.
+std::vector<std::optional<FolderReport>> auditFolders(
+    const QList<const WalkedFolder*>& again, const ListedDisk& listed, const SessionCache& cache,
+    const AuditEvents& events, AuditProgress& progress, const std::function<void()>& alongside,
+    const std::function<void(const QString&, SessionIndex::AuditToKeep)>& keep) {
+    std::vector<std::optional<FolderReport>> audited(size_t(again.size()));
     std::atomic<qsizetype> next = 0;
     std::atomic<bool> cancelled = false;
     std::atomic<int> done = 0;
@@ -49,9 +42,10 @@ std::vector<std::optional<Audited>> auditFolders(const QList<const WalkedFolder*
             const RecordingDisk asked(listed);
             FolderReport report =
                 auditFolder(again[at]->path, again[at]->sessions, asked, own, events.describe);
-            QByteArray packed = packReport(report);
-            audited[size_t(at)] = Audited{
-                std::move(report), {asked.questions(), asked.signature(), std::move(packed)}};
+            if (keep) {
+                keep(again[at]->path, {asked.questions(), asked.signature(), packReport(report)});
+            }
+            audited[size_t(at)] = std::move(report);
             own.forgetGuards();  // a folder's guard is no other folder's
             ++done;
             if (reporter) {
@@ -105,23 +99,19 @@ public:
         const QList<const WalkedFolder*> again = takeKeptAudits();
         readSessions(!again.isEmpty());
         const QHash<QString, QStringList> elsewhere = usesElsewhere();
-        // The index (whose connection is this thread's) learns the sessions read while the
-        // folders are audited; then it tells every use elsewhere, of the sessions not read too.
-        const QHash<QString, SessionIndex::AuditToKeep> fresh =
-            auditAgain(again, [&] { storeSessions(elsewhere); });
-        const Keepers keepers =
-            keepersOf(index_ != nullptr ? index_->elsewhereUnder(report_.root) : elsewhere);
-        // The index keeps the fresh audits, and waits for the disk, while another core finishes
-        // the report: neither touches what the other does.
-        std::atomic<bool> finishing = false;
-        onCores(2, [&](bool here) {
-            if (here) {
-                storeAudits(fresh);
+        // The index keeps what this audit learns while the folders are audited, and who keeps
+        // what elsewhere (the sessions not read too) is worked out meanwhile.
+        const QHash<QString, QStringList> uses = keepLearning(elsewhere);
+        Keepers keepers;
+        auditAgain(again, [&] { keepers = keepersOf(uses); });
+        if (index_ != nullptr) {
+            QSet<QString> present;
+            for (const WalkedFolder& folder : walk_.folders) {
+                present.insert(folder.path);
             }
-            if (!finishing.exchange(true)) {
-                finishReport(keepers);
-            }
-        });
+            index_->finishKeeping(present);  // written while the report is finished
+        }
+        finishReport(keepers);
         return report_;
     }
 
@@ -130,10 +120,9 @@ private:
     QList<const WalkedFolder*> takeKeptAudits();
     void readSessions(bool auditingAgain);
     QHash<QString, QStringList> usesElsewhere();
-    void storeSessions(const QHash<QString, QStringList>& elsewhere);
-    QHash<QString, SessionIndex::AuditToKeep> auditAgain(const QList<const WalkedFolder*>& again,
-                                                         const std::function<void()>& alongside);
-    void storeAudits(const QHash<QString, SessionIndex::AuditToKeep>& fresh);
+    QHash<QString, QStringList> keepLearning(const QHash<QString, QStringList>& elsewhere);
+    void auditAgain(const QList<const WalkedFolder*>& again,
+                    const std::function<void()>& alongside);
     /// The report's last steps: what other folders' sessions use, the candidates of missing
     /// files, the folders not read and the totals.
     void finishReport(const Keepers& keepers) {
@@ -248,45 +237,39 @@ QHash<QString, QStringList> LibraryAudit::usesElsewhere() {
     return elsewhere;
 }
 
-// The index learns the sessions read, with their uses `elsewhere`, and forgets those gone.
-void LibraryAudit::storeSessions(const QHash<QString, QStringList>& elsewhere) {
+// The index begins to keep the sessions read, with their uses `elsewhere`, and to forget those
+// gone; the uses elsewhere of every session under the root, as the index will hold them.
+QHash<QString, QStringList> LibraryAudit::keepLearning(
+    const QHash<QString, QStringList>& elsewhere) {
     if (index_ == nullptr) {
-        return;
+        return elsewhere;
     }
     QSet<QString> present;
     for (const auto& [kind, path] : walk_.sessionFiles) {
         present.insert(path);
     }
-    index_->store(report_.root, cache_, elsewhere, present);
+    return index_->beginKeeping(report_.root, cache_, elsewhere, present);
 }
 
 // The folders whose kept audits no longer hold are audited, `alongside` run in this thread
-// meanwhile; their audits, for the index to keep.
-QHash<QString, SessionIndex::AuditToKeep> LibraryAudit::auditAgain(
-    const QList<const WalkedFolder*>& again, const std::function<void()>& alongside) {
-    std::vector<std::optional<Audited>> audits =
-        auditFolders(again, listed_, cache_, events_, progress_, alongside);
-    QHash<QString, SessionIndex::AuditToKeep> fresh;
-    for (qsizetype at = 0; at < again.size(); ++at) {
-        if (std::optional<Audited>& audited = audits[size_t(at)]) {
-            fresh.insert(again[at]->path, std::move(audited->kept));
+// meanwhile; the index is given each audit as it is done.
+void LibraryAudit::auditAgain(const QList<const WalkedFolder*>& again,
+                              const std::function<void()>& alongside) {
+    std::function<void(const QString&, SessionIndex::AuditToKeep)> keep;
+    if (index_ != nullptr) {
+        keep = [this](const QString& folder, SessionIndex::AuditToKeep audit) {
+            index_->keepAudit(folder, std::move(audit));
+        };
+    }
+    std::vector<std::optional<FolderReport>> audits =
+        auditFolders(again, listed_, cache_, events_, progress_, alongside, keep);
+    for (std::optional<FolderReport>& audited : audits) {
+        if (audited) {
             ++report_.foldersAudited;
-            report_.folders.append(std::move(audited->report));
+            report_.folders.append(std::move(*audited));
         }
     }
     report_.cancelled = stopAsked(events_);
-    return fresh;
-}
-
-// The index keeps the fresh audits and forgets those of folders gone.
-void LibraryAudit::storeAudits(const QHash<QString, SessionIndex::AuditToKeep>& fresh) {
-    if (index_ != nullptr) {
-        QSet<QString> present;
-        for (const WalkedFolder& folder : walk_.folders) {
-            present.insert(folder.path);
-        }
-        index_->storeAudits(report_.root, fresh, present);
-    }
 }
 
 }  // namespace

@@ -9,6 +9,9 @@
 #include <QStandardPaths>
 #include <QVariant>
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "audit/index_packing.h"
@@ -66,8 +69,8 @@ bool isHeld(const Error& error) {
 }
 
 // A query that reads its rows once, in order: nothing is kept behind it.
-QSqlQuery reading(const QString& connection) {
-    QSqlQuery query(QSqlDatabase::database(connection, false));
+QSqlQuery reading(const QSqlDatabase& db) {
+    QSqlQuery query(db);
     query.setForwardOnly(true);
     return query;
 }
@@ -89,7 +92,7 @@ SessionIndex::SessionIndex(const QString& file)
 }
 
 SessionIndex::~SessionIndex() {
-    QSqlDatabase::database(connection_, false).close();
+    database().close();
     QSqlDatabase::removeDatabase(connection_);
 }
 
@@ -152,7 +155,7 @@ Result<void> SessionIndex::open(const QString& file) {
 }
 
 void SessionIndex::rebuild(const Error& why) {
-    QSqlDatabase::database(connection_, false).close();
+    database().close();
     if (isHeld(why)) {
         // Held by another program or audit, it is sound: it stays, and this run keeps what it
         // reads to itself.
@@ -178,7 +181,7 @@ void SessionIndex::rebuild(const Error& why) {
 }
 
 Result<void> SessionIndex::write(const std::function<bool()>& work) {
-    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    QSqlDatabase db = database();
     if (db.transaction() && work() && db.commit()) {
         return {};
     }
@@ -188,7 +191,7 @@ Result<void> SessionIndex::write(const std::function<bool()>& work) {
 }
 
 void SessionIndex::loadInto(const QString& root, SessionCache& cache, const FileSystem& disk) {
-    QSqlQuery query = reading(connection_);
+    QSqlQuery query = reading(database());
     query.prepare(
         QStringLiteral("SELECT path, size, modified, kind, read, inode FROM sessions WHERE path >= "
                        "? AND path < ?"));
@@ -213,8 +216,8 @@ void SessionIndex::loadInto(const QString& root, SessionCache& cache, const File
     }
 }
 
-QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) const {
-    QSqlQuery held = reading(connection_);
+QHash<QString, FileStamp> SessionIndex::stamps(const QString& root) {
+    QSqlQuery held = reading(database());
     held.prepare(
         QStringLiteral("SELECT path, size, modified, inode FROM sessions WHERE path >= ? AND "
                        "path < ?"));
@@ -245,39 +248,214 @@ struct SessionIndex::Statements {
     QSqlQuery forgetSession, forgetMedia, insertSession, insertMedia;
 };
 
-void SessionIndex::store(const QString& root, const SessionCache& cache,
-                         const QHash<QString, QStringList>& elsewhere,
-                         const QSet<QString>& present) {
-    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+struct SessionIndex::Keeping {
+    QString root;
+    QList<std::pair<QString, SessionCache::Entry>> changed;  // the sessions to keep, by path
+    QHash<QString, QStringList> elsewhere;                   // their uses outside their folders
+    QStringList gone;                                        // the sessions to forget
+    std::mutex mutex;                                        // over what follows
+    std::condition_variable given;
+    QList<std::pair<QString, AuditToKeep>> audits;  // given, and not yet written
+    bool finished = false;
+    std::optional<QSet<QString>> present;  // the folders whose audits stay, when told
+    std::optional<Error> failed;           // set by the thread, read once it is done
+    std::thread thread;                    // none where the index lasts for this run only
+};
+
+bool SessionIndex::keepSessions(const QSqlDatabase& db, const Keeping& keeping) {
+    Statements sql(db);
+    for (const auto& [path, entry] : keeping.changed) {
+        if (!keep(sql, path, entry, keeping.elsewhere.value(path))) {
+            return false;
+        }
+    }
+    for (const QString& path : keeping.gone) {
+        if (!forget(sql, path)) {
+            return false;
+        }
+    }
+    QSqlQuery audited(db);
+    audited.prepare(QStringLiteral("INSERT OR REPLACE INTO roots VALUES (?, ?)"));
+    audited.addBindValue(cleanHostPath(keeping.root));
+    audited.addBindValue(QDateTime::currentSecsSinceEpoch());
+    return audited.exec();
+}
+
+namespace {
+
+bool insertAudits(QSqlQuery& insert,
+                  const QList<std::pair<QString, SessionIndex::AuditToKeep>>& audits) {
+    for (const auto& [folder, audit] : audits) {
+        insert.addBindValue(folder);
+        insert.addBindValue(audit.questions);
+        insert.addBindValue(audit.signature);
+        insert.addBindValue(audit.report);
+        if (!insert.exec()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Forgets the audits of the folders under `root` that are not `present`.
+bool forgetAudits(const QSqlDatabase& db, const QString& root, const QSet<QString>& present) {
+    QSqlQuery query(db);
+    query.prepare(QStringLiteral("SELECT folder FROM audits WHERE folder >= ? AND folder < ?"));
+    const auto [from, to] = under(root);
+    query.addBindValue(from);
+    query.addBindValue(to);
+    QStringList gone;
+    if (!query.exec()) {
+        return false;
+    }
+    while (query.next()) {
+        if (!present.contains(query.value(0).toString())) {
+            gone.append(query.value(0).toString());
+        }
+    }
+    query.prepare(QStringLiteral("DELETE FROM audits WHERE folder = ?"));
+    for (const QString& folder : gone) {
+        query.addBindValue(folder);
+        if (!query.exec()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+const QString kInsertAudit = QStringLiteral("INSERT OR REPLACE INTO audits VALUES (?, ?, ?, ?)");
+
+}  // namespace
+
+QHash<QString, QStringList> SessionIndex::beginKeeping(const QString& root,
+                                                       const SessionCache& cache,
+                                                       const QHash<QString, QStringList>& elsewhere,
+                                                       const QSet<QString>& present) {
+    settle();
+    auto keeping = std::make_unique<Keeping>();
+    keeping->root = root;
+    keeping->elsewhere = elsewhere;
+    // The uses as they will stand: the index's, those of the sessions kept anew in their place.
+    QHash<QString, QStringList> uses = elsewhereUnder(root);
     const QHash<QString, FileStamp> held = stamps(root);
     const QString from = under(root).first;
-    const auto work = [&] {
-        Statements sql(db);
-        for (auto it = cache.entries().cbegin(); it != cache.entries().cend(); ++it) {
-            if (it.key().startsWith(from) && held.value(it.key(), {-1, -1}) != it->stamp &&
-                !keep(sql, it.key(), *it, elsewhere.value(it.key()))) {
-                return false;
+    for (auto it = cache.entries().cbegin(); it != cache.entries().cend(); ++it) {
+        if (it.key().startsWith(from) && held.value(it.key(), {-1, -1}) != it->stamp) {
+            keeping->changed.append({it.key(), *it});
+            uses.remove(it.key());
+            if (const QStringList files = elsewhere.value(it.key()); !files.isEmpty()) {
+                uses.insert(it.key(), files);
             }
         }
-        for (auto it = held.cbegin(); it != held.cend(); ++it) {
-            if (!present.contains(it.key()) && !forget(sql, it.key())) {
-                return false;
-            }
+    }
+    for (auto it = held.cbegin(); it != held.cend(); ++it) {
+        if (!present.contains(it.key())) {
+            keeping->gone.append(it.key());
+            uses.remove(it.key());
         }
-        QSqlQuery audited(db);
-        audited.prepare(QStringLiteral("INSERT OR REPLACE INTO roots VALUES (?, ?)"));
-        audited.addBindValue(cleanHostPath(root));
-        audited.addBindValue(QDateTime::currentSecsSinceEpoch());
-        return audited.exec();
-    };
-    if (const Result<void> kept = write(work); !kept) {
-        rebuild(kept.error());  // a damaged or locked file: this run's reads go into a new one
-        (void)write(work);
+    }
+    const QSqlDatabase db = database();
+    if (db.databaseName() == QLatin1String(":memory:")) {
+        // No other connection sees this one's tables: the sessions go in now, the audits when
+        // they are all done.
+        (void)write([&] { return keepSessions(db, *keeping); });
+    } else {
+        keeping->thread = std::thread(writeKept, std::ref(*keeping), db.databaseName(),
+                                      connection_ + QStringLiteral("-keeping"));
+    }
+    keeping_ = std::move(keeping);
+    return uses;
+}
+
+void SessionIndex::keepAudit(const QString& folder, AuditToKeep audit) {
+    {
+        const std::lock_guard lock(keeping_->mutex);
+        keeping_->audits.append({folder, std::move(audit)});
+    }
+    keeping_->given.notify_one();
+}
+
+void SessionIndex::finishKeeping(const QSet<QString>& present) {
+    {
+        const std::lock_guard lock(keeping_->mutex);
+        keeping_->finished = true;
+        keeping_->present = present;
+    }
+    keeping_->given.notify_one();
+    if (!keeping_->thread.joinable()) {
+        const std::unique_ptr<Keeping> keeping = std::move(keeping_);
+        QSqlDatabase db = database();
+        (void)write([&] {
+            QSqlQuery insert(db);
+            return insert.prepare(kInsertAudit) && insertAudits(insert, keeping->audits) &&
+                   forgetAudits(db, keeping->root, *keeping->present);
+        });
     }
 }
 
-QHash<QString, QStringList> SessionIndex::elsewhereUnder(const QString& root) const {
-    QSqlQuery query = reading(connection_);
+// The sessions first, written while the folders are audited; then the audits as they come, in
+// one transaction, which little is left to add to when the last has come.
+void SessionIndex::writeKept(Keeping& keeping, const QString& file, const QString& connection) {
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
+        db.setDatabaseName(file);
+        db.setConnectOptions(kBusyTimeout);
+        {
+            QSqlQuery insert(db);
+            const bool sessionsKept =
+                db.open() && db.transaction() && keepSessions(db, keeping) && db.commit();
+            if (!sessionsKept) {
+                keeping.failed = failureOf(db.lastError());
+                db.rollback();
+            }
+            // Audits that cannot be kept are worked out again by the next audit.
+            bool auditsKept = sessionsKept && db.transaction() && insert.prepare(kInsertAudit);
+            for (bool last = false; !last;) {
+                std::unique_lock lock(keeping.mutex);
+                keeping.given.wait(lock,
+                                   [&] { return !keeping.audits.isEmpty() || keeping.finished; });
+                const auto audits = std::exchange(keeping.audits, {});
+                last = keeping.finished;
+                lock.unlock();
+                auditsKept = auditsKept && insertAudits(insert, audits);
+            }
+            if (!(auditsKept &&
+                  (!keeping.present || forgetAudits(db, keeping.root, *keeping.present)) &&
+                  db.commit())) {
+                db.rollback();
+            }
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(connection);
+}
+
+void SessionIndex::settle() {
+    if (!keeping_) {
+        return;
+    }
+    const std::unique_ptr<Keeping> keeping = std::move(keeping_);
+    {
+        const std::lock_guard lock(keeping->mutex);
+        keeping->finished = true;  // what was not told to go, stays
+    }
+    keeping->given.notify_one();
+    if (keeping->thread.joinable()) {
+        keeping->thread.join();
+    }
+    if (keeping->failed) {
+        rebuild(*keeping->failed);  // a damaged or locked file: this run's reads go into a new one
+        (void)write([&] { return keepSessions(database(), *keeping); });
+    }
+}
+
+QSqlDatabase SessionIndex::database() {
+    settle();
+    return QSqlDatabase::database(connection_, false);
+}
+
+QHash<QString, QStringList> SessionIndex::elsewhereUnder(const QString& root) {
+    QSqlQuery query = reading(database());
     query.prepare(
         QStringLiteral("SELECT session, file FROM media WHERE session >= ? AND "
                        "session < ?"));
@@ -293,8 +471,8 @@ QHash<QString, QStringList> SessionIndex::elsewhereUnder(const QString& root) co
     return files;
 }
 
-QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root) const {
-    QSqlQuery query = reading(connection_);
+QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root) {
+    QSqlQuery query = reading(database());
     query.prepare(
         QStringLiteral("SELECT folder, questions, signature, report FROM audits WHERE folder >= ? "
                        "AND folder < ?"));
@@ -334,49 +512,9 @@ QHash<QString, SessionIndex::KeptAudit> SessionIndex::audits(const QString& root
     return audits;
 }
 
-void SessionIndex::storeAudits(const QString& root, const QHash<QString, AuditToKeep>& fresh,
-                               const QSet<QString>& present) {
-    QSqlDatabase db = QSqlDatabase::database(connection_, false);
-    // Audits that cannot be kept are worked out again by the next audit.
-    (void)write([&] {
-        QSqlQuery query(db);
-        query.prepare(QStringLiteral("SELECT folder FROM audits WHERE folder >= ? AND folder < ?"));
-        const auto [from, to] = under(root);
-        query.addBindValue(from);
-        query.addBindValue(to);
-        QStringList gone;
-        if (!query.exec()) {
-            return false;
-        }
-        while (query.next()) {
-            if (!present.contains(query.value(0).toString())) {
-                gone.append(query.value(0).toString());
-            }
-        }
-        query.prepare(QStringLiteral("DELETE FROM audits WHERE folder = ?"));
-        for (const QString& folder : gone) {
-            query.addBindValue(folder);
-            if (!query.exec()) {
-                return false;
-            }
-        }
-        query.prepare(QStringLiteral("INSERT OR REPLACE INTO audits VALUES (?, ?, ?, ?)"));
-        for (auto it = fresh.cbegin(); it != fresh.cend(); ++it) {
-            query.addBindValue(it.key());
-            query.addBindValue(it->questions);
-            query.addBindValue(it->signature);
-            query.addBindValue(it->report);
-            if (!query.exec()) {
-                return false;
-            }
-        }
-        return true;
-    });
-}
-
 void SessionIndex::update(const QString& path, const SessionCache::Entry& entry,
                           const QStringList& elsewhere) {
-    QSqlDatabase db = QSqlDatabase::database(connection_, false);
+    QSqlDatabase db = database();
     // A session that cannot be kept is read again where it is used next.
     (void)write([&] {
         Statements sql(db);
@@ -422,8 +560,8 @@ bool SessionIndex::forget(Statements& sql, const QString& path) {
     return true;
 }
 
-Result<QStringList> SessionIndex::roots() const {
-    QSqlQuery query = reading(connection_);
+Result<QStringList> SessionIndex::roots() {
+    QSqlQuery query = reading(database());
     QStringList roots;
     if (!query.exec(QStringLiteral("SELECT path FROM roots ORDER BY path"))) {
         return failureOf(query.lastError());
@@ -434,8 +572,8 @@ Result<QStringList> SessionIndex::roots() const {
     return roots;
 }
 
-Result<QHash<QString, QStringList>> SessionIndex::usersOf(const QStringList& folders) const {
-    QSqlQuery query = reading(connection_);
+Result<QHash<QString, QStringList>> SessionIndex::usersOf(const QStringList& folders) {
+    QSqlQuery query = reading(database());
     query.prepare(QStringLiteral("SELECT session, file FROM media WHERE folder = ?"));
     QHash<QString, QStringList> users;
     for (const QString& folder : folders) {
@@ -451,8 +589,8 @@ Result<QHash<QString, QStringList>> SessionIndex::usersOf(const QStringList& fol
 }
 
 std::optional<SessionCache::Entry> SessionIndex::session(const QString& path,
-                                                         const FileSystem& disk) const {
-    QSqlQuery query = reading(connection_);
+                                                         const FileSystem& disk) {
+    QSqlQuery query = reading(database());
     query.prepare(
         QStringLiteral("SELECT size, modified, kind, read, inode FROM sessions WHERE path = ?"));
     query.addBindValue(path);

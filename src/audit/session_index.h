@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "audit/audit_report.h"
@@ -40,16 +41,7 @@ public:
     void loadInto(const QString& root, SessionCache& cache, const FileSystem& disk);
 
     /// The stamps of the sessions under `root` as the index holds them.
-    QHash<QString, FileStamp> stamps(const QString& root) const;
-
-    /// Keeps the sessions of `cache` under `root` that it does not hold as they are (their
-    /// files' uses outside their folders in `elsewhere`, by session), forgets those under `root`
-    /// that are not `present`, and notes `root` as audited.
-    void store(const QString& root, const SessionCache& cache,
-               const QHash<QString, QStringList>& elsewhere, const QSet<QString>& present);
-
-    /// The files that the sessions under `root` use outside their own folders, by session.
-    QHash<QString, QStringList> elsewhereUnder(const QString& root) const;
+    QHash<QString, FileStamp> stamps(const QString& root);
 
     /// A folder's audit as it was kept: the questions it asked of the disk, the hash of their
     /// answers (RecordingDisk), and its report before the library had its say.
@@ -59,7 +51,7 @@ public:
         FolderReport report;
     };
     /// The audits kept of the folders under `root`, by folder.
-    QHash<QString, KeptAudit> audits(const QString& root) const;
+    QHash<QString, KeptAudit> audits(const QString& root);
     /// A folder's audit to keep: as KeptAudit, its report packed already (packReport), as the
     /// audits do it side by side.
     struct AuditToKeep {
@@ -67,19 +59,33 @@ public:
         QByteArray signature;
         QByteArray report;
     };
-    /// Keeps `fresh` audits of folders under `root`, and forgets those of folders not `present`.
-    void storeAudits(const QString& root, const QHash<QString, AuditToKeep>& fresh,
-                     const QSet<QString>& present);
+    /// Begins to keep what an audit of `root` learns, while it goes on, in one transaction on a
+    /// connection of the index's own, in a thread of its own: the sessions of `cache` under
+    /// `root` that the index does not hold as they are (with their files' uses outside their
+    /// folders, `elsewhere`, by session), those under `root` not `present` forgotten, `root`
+    /// noted as audited; then each folder's audit as keepAudit gives it. Returns the uses outside
+    /// their folders of the sessions under `root`, by session, as the index holds them once this
+    /// is kept. Whatever asks the index next waits until finishKeeping has it written.
+    QHash<QString, QStringList> beginKeeping(const QString& root, const SessionCache& cache,
+                                             const QHash<QString, QStringList>& elsewhere,
+                                             const QSet<QString>& present);
+    /// A folder's fresh audit, kept with what began with beginKeeping; from any thread.
+    void keepAudit(const QString& folder, AuditToKeep audit);
+    /// Forgets the audits of folders under the root that are not `present`, and has all that
+    /// began with beginKeeping written while the caller goes on. Audits that cannot be kept are
+    /// worked out again by the next audit; sessions that cannot be kept in the file are kept in
+    /// the index that replaces it (as when it is opened).
+    void finishKeeping(const QSet<QString>& present);
 
     /// The roots audited so far, or why the index could not say (held by another program).
-    Result<QStringList> roots() const;
+    Result<QStringList> roots();
 
     /// The sessions of other folders that use files of `folders` (each with its separator), each
     /// with those files, as the index holds them; or why the index could not say.
-    Result<QHash<QString, QStringList>> usersOf(const QStringList& folders) const;
+    Result<QHash<QString, QStringList>> usersOf(const QStringList& folders);
 
     /// The session `path` as the index holds it, if its file is still as it was.
-    std::optional<SessionCache::Entry> session(const QString& path, const FileSystem& disk) const;
+    std::optional<SessionCache::Entry> session(const QString& path, const FileSystem& disk);
 
     /// Keeps one session read afresh, with its uses outside its folder.
     void update(const QString& path, const SessionCache::Entry& entry,
@@ -92,15 +98,27 @@ private:
     /// Sets the file aside, as it cannot be used for the reason `why`, and starts a new one (in
     /// memory, when no file can be made).
     void rebuild(const Error& why);
+    /// The files that the sessions under `root` use outside their own folders, by session.
+    QHash<QString, QStringList> elsewhereUnder(const QString& root);
     /// The statements that keep and forget sessions, made once for a transaction's many.
     struct Statements;
     static bool keep(Statements& sql, const QString& path, const SessionCache::Entry& entry,
                      const QStringList& elsewhere);
     static bool forget(Statements& sql, const QString& path);
+    /// What beginKeeping began, and the thread that writes it (writeKept).
+    struct Keeping;
+    static bool keepSessions(const QSqlDatabase& db, const Keeping& keeping);
+    static void writeKept(Keeping& keeping, const QString& file, const QString& connection);
+    /// Waits for what is being kept to be written; where the file would not take it, the index
+    /// is set aside and the sessions go into the new one.
+    void settle();
+    /// The index's connection, once what is being kept is written.
+    QSqlDatabase database();
 
     QString file_;
     QString connection_;
     std::optional<QString> setAside_;
+    std::unique_ptr<Keeping> keeping_;
 };
 
 }  // namespace tidewick
