@@ -26,19 +26,49 @@ void addSession(FolderSessions& sessions, const SessionKind* kind, const QString
     at->second.append(name);
 }
 
+// A folder as the walk read it: its files, and its sessions by kind with every session file and
+// backup (its path, with its kind).
+struct ReadFolder {
+    QString folder;
+    QList<FolderEntry> files;
+    FolderSessions sessions;
+    QList<std::pair<const SessionKind*, QString>> sessionFiles;
+};
+
+// Notes the sessions among the files of `read`: the thread that listed them does, their names
+// still in its cache.
+void noteSessions(ReadFolder& read) {
+    // Beside an Ardour session, its state files are its own, not sessions of other kinds.
+    const bool ardour =
+        std::any_of(read.files.cbegin(), read.files.cend(), [](const FolderEntry& e) {
+            const SessionKind* kind = sessionKindForName(e.name);
+            return kind != nullptr && kind->id == SessionKindId::Ardour;
+        });
+    for (const FolderEntry& entry : read.files) {
+        bool backup = false;
+        if (ardour && isArdourStateFile(entry.name)) {
+            continue;
+        }
+        if (const SessionKind* kind = sessionKindForName(entry.name, &backup)) {
+            read.sessionFiles.append({kind, read.folder + entry.name});
+            if (!backup) {
+                addSession(read.sessions, kind, entry.name);
+            }
+        }
+    }
+}
+
 // The folders under `root`, each read once, side by side on the cores at hand (the disk's
 // answers to many small questions come faster so), sorted by path. `stop` is asked from this
 // thread alone, which also tells the progress.
-QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, const FileSystem& disk,
-                                                       const AuditEvents& events,
-                                                       AuditProgress& progress,
-                                                       QStringList& unread) {
+QList<ReadFolder> readTree(const QString& root, const FileSystem& disk, const AuditEvents& events,
+                           AuditProgress& progress, QStringList& unread) {
     std::mutex mutex;
     std::condition_variable wake;
     QStringList pending = {withSeparator(root)};
     int busy = 0;
     bool cancelled = false;
-    QList<std::pair<QString, QList<FolderEntry>>> read;
+    QList<ReadFolder> read;
     const auto work = [&](bool reporter) {
         std::unique_lock lock(mutex);
         for (;;) {
@@ -57,6 +87,8 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
             for (const FolderEntry& entry : contents.files) {
                 bytes += entry.size;
             }
+            ReadFolder found{folder, std::move(contents.files), {}, {}};
+            noteSessions(found);
             lock.lock();
             for (auto name = contents.folders.crbegin(); name != contents.folders.crend(); ++name) {
                 if (walkedFolder(folder, *name)) {
@@ -66,10 +98,10 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
             if (!readable) {
                 unread.append(folder);
             }
-            progress.files += contents.files.size();
+            progress.files += found.files.size();
             progress.bytes += bytes;
             ++progress.folders;
-            read.append({folder, std::move(contents.files)});
+            read.append(std::move(found));
             --busy;
             wake.notify_all();
             if (reporter) {
@@ -89,7 +121,7 @@ QList<std::pair<QString, QList<FolderEntry>>> readTree(const QString& root, cons
     };
     onCores(kAuditThreads, work);
     std::sort(read.begin(), read.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
+              [](const ReadFolder& a, const ReadFolder& b) { return a.folder < b.folder; });
     return read;
 }
 
@@ -99,31 +131,14 @@ Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed
                  const AuditEvents& events, AuditProgress& progress) {
     Walk walk;
     QSet<QString> sessionFolders;
-    for (auto& [folder, entries] : readTree(root, disk, events, progress, walk.unread)) {
-        FolderSessions sessions;
-        // Beside an Ardour session, its state files are its own, not sessions of other kinds.
-        const bool ardour = std::any_of(entries.cbegin(), entries.cend(), [](const FolderEntry& e) {
-            const SessionKind* kind = sessionKindForName(e.name);
-            return kind != nullptr && kind->id == SessionKindId::Ardour;
-        });
-        for (const FolderEntry& entry : entries) {
-            bool backup = false;
-            if (ardour && isArdourStateFile(entry.name)) {
-                continue;
-            }
-            if (const SessionKind* kind = sessionKindForName(entry.name, &backup)) {
-                walk.sessionFiles.append({kind, folder + entry.name});
-                if (!backup) {
-                    addSession(sessions, kind, entry.name);
-                }
-            }
+    for (ReadFolder& read : readTree(root, disk, events, progress, walk.unread)) {
+        walk.sessionFiles.append(read.sessionFiles);
+        walk.walked.append(read.folder);
+        if (!read.sessions.isEmpty()) {
+            walk.folders.append({read.folder, std::move(read.sessions)});
+            sessionFolders.insert(read.folder);
         }
-        walk.walked.append(folder);
-        if (!sessions.isEmpty()) {
-            walk.folders.append({folder, std::move(sessions)});
-            sessionFolders.insert(folder);
-        }
-        listed.keep(folder, std::move(entries));
+        listed.keep(read.folder, std::move(read.files));
     }
     std::sort(walk.unread.begin(), walk.unread.end());
     // A folder of backups belongs to the session folder above it, whose loads it guards.
