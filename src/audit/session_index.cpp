@@ -52,9 +52,6 @@ const char* const kSchema[] = {
      "signature BLOB NOT NULL, report BLOB NOT NULL)"),
 };
 
-// How long a question waits for another program or audit that holds the index.
-const QString kBusyTimeout = QStringLiteral("QSQLITE_BUSY_TIMEOUT=15000");
-
 // The failure of `error`, its number SQLite's own (5 and 6: the file is held by another
 // connection), its cause never empty.
 Error failureOf(const QSqlError& error) {
@@ -66,6 +63,16 @@ Error failureOf(const QSqlError& error) {
 // Whether the file is only held by another program or audit, and not damaged.
 bool isHeld(const Error& error) {
     return error.code == 5 || error.code == 6;
+}
+
+// Begins a transaction that holds the file for writing from the start: another program's or
+// audit's hold is told there, by SQLite's own error, rather than by whichever statement meets it.
+Result<void> beginWriting(const QSqlDatabase& db) {
+    QSqlQuery begin(db);
+    if (begin.exec(QStringLiteral("BEGIN IMMEDIATE"))) {
+        return {};
+    }
+    return failureOf(begin.lastError());
 }
 
 // A query that reads its rows once, in order: nothing is kept behind it.
@@ -83,9 +90,10 @@ std::pair<QString, QString> under(const QString& root) {
 
 }  // namespace
 
-SessionIndex::SessionIndex(const QString& file)
+SessionIndex::SessionIndex(const QString& file, std::chrono::milliseconds wait)
     : file_(file),
-      connection_(QStringLiteral("tidewick-index-") + QString::number(quintptr(this), 16)) {
+      connection_(QStringLiteral("tidewick-index-") + QString::number(quintptr(this), 16)),
+      options_(QStringLiteral("QSQLITE_BUSY_TIMEOUT=") + QString::number(wait.count())) {
     if (const Result<void> opened = open(file_); !opened) {
         rebuild(opened.error());
     }
@@ -110,12 +118,16 @@ Result<void> SessionIndex::open(const QString& file) {
                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
     db.close();
     db.setDatabaseName(file);
-    db.setConnectOptions(kBusyTimeout);
+    db.setConnectOptions(options_);
     if (!db.open()) {
         return failureOf(db.lastError());
     }
     QSqlQuery query(db);
-    if (query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"))) {
+    const bool read = query.exec(QStringLiteral("SELECT value FROM meta WHERE key = 'format'"));
+    if (!read && isHeld(failureOf(query.lastError()))) {
+        return failureOf(query.lastError());  // sound, as far as anyone can tell: it stays
+    }
+    if (read) {
         if (!query.next() || query.value(0).toString() != kFormat) {
             return Error{0, QStringLiteral("it is no index of this version of Tidewick")};
         }
@@ -182,7 +194,10 @@ void SessionIndex::rebuild(const Error& why) {
 
 Result<void> SessionIndex::write(const std::function<bool()>& work) {
     QSqlDatabase db = database();
-    if (db.transaction() && work() && db.commit()) {
+    if (const Result<void> begun = beginWriting(db); !begun) {
+        return begun;
+    }
+    if (work() && db.commit()) {
         return {};
     }
     const Error failed = failureOf(db.lastError());
@@ -361,7 +376,7 @@ QHash<QString, QStringList> SessionIndex::beginKeeping(const QString& root,
         (void)write([&] { return keepSessions(db, *keeping); });
     } else {
         keeping->thread = std::thread(writeKept, std::ref(*keeping), db.databaseName(),
-                                      connection_ + QStringLiteral("-keeping"));
+                                      connection_ + QStringLiteral("-keeping"), options_);
     }
     keeping_ = std::move(keeping);
     return uses;
@@ -395,21 +410,23 @@ void SessionIndex::finishKeeping(const QSet<QString>& present) {
 
 // The sessions first, written while the folders are audited; then the audits as they come, in
 // one transaction, which little is left to add to when the last has come.
-void SessionIndex::writeKept(Keeping& keeping, const QString& file, const QString& connection) {
+void SessionIndex::writeKept(Keeping& keeping, const QString& file, const QString& connection,
+                             const QString& options) {
     {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
         db.setDatabaseName(file);
-        db.setConnectOptions(kBusyTimeout);
+        db.setConnectOptions(options);
         {
             QSqlQuery insert(db);
+            Result<void> begun;  // a failure to open is the database's error
             const bool sessionsKept =
-                db.open() && db.transaction() && keepSessions(db, keeping) && db.commit();
+                db.open() && (begun = beginWriting(db)) && keepSessions(db, keeping) && db.commit();
             if (!sessionsKept) {
-                keeping.failed = failureOf(db.lastError());
+                keeping.failed = begun ? failureOf(db.lastError()) : begun.error();
                 db.rollback();
             }
             // Audits that cannot be kept are worked out again by the next audit.
-            bool auditsKept = sessionsKept && db.transaction() && insert.prepare(kInsertAudit);
+            bool auditsKept = sessionsKept && beginWriting(db) && insert.prepare(kInsertAudit);
             for (bool last = false; !last;) {
                 std::unique_lock lock(keeping.mutex);
                 keeping.given.wait(lock,

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,8 +26,10 @@ class SessionIndex {
 public:
     /// Opens the index `file`, made when missing. One that cannot be used (damaged, locked, of
     /// another program) is set aside beside it (setAside() says where) and a new one made; where
-    /// none can be made, the index lasts for this run only.
-    explicit SessionIndex(const QString& file = defaultFile());
+    /// none can be made, the index lasts for this run only. A question waits up to `wait` for
+    /// another program or audit that holds the file.
+    explicit SessionIndex(const QString& file = defaultFile(),
+                          std::chrono::milliseconds wait = std::chrono::seconds(15));
     ~SessionIndex();
     SessionIndex(const SessionIndex&) = delete;
     SessionIndex& operator=(const SessionIndex&) = delete;
@@ -108,7 +111,8 @@ private:
     /// What beginKeeping began, and the thread that writes it (writeKept).
     struct Keeping;
     static bool keepSessions(const QSqlDatabase& db, const Keeping& keeping);
-    static void writeKept(Keeping& keeping, const QString& file, const QString& connection);
+    static void writeKept(Keeping& keeping, const QString& file, const QString& connection,
+                          const QString& options);
     /// Waits for what is being kept to be written; where the file would not take it, the index
     /// is set aside and the sessions go into the new one.
     void settle();
@@ -117,6 +121,7 @@ private:
 
     QString file_;
     QString connection_;
+    QString options_;  // the connections' own: how long they wait for another holder
     std::optional<QString> setAside_;
     std::unique_ptr<Keeping> keeping_;
 };

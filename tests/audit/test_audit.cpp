@@ -190,5 +190,32 @@ TEST(AuditIndex, ASecondAuditReadsOnlyWhatChangedAndReportsTheSame) {
     }
 }
 
+// An index that another program holds is waited for and never set aside, whether the hold meets
+// the audit as it opens the index or as it writes: the run keeps what it reads to itself.
+TEST(AuditIndex, AnIndexHeldByAnotherIsWaitedForAndNeverSetAside) {
+    QTemporaryDir root, cache;
+    writeLibrary(root.path(), kCases[1].files);
+    const FileSystem disk;
+    const QString file = cache.filePath("index.sqlite");
+    { const SessionIndex made(file); }  // an index to hold
+    for (const char* hold : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
+        {
+            QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+            other.setDatabaseName(file);
+            ASSERT_TRUE(other.open());
+            ASSERT_TRUE(QSqlQuery(other).exec(hold));
+            {
+                SessionIndex index(file, std::chrono::milliseconds(20));
+                EXPECT_EQ(described(auditLibrary(root.path(), disk, &index)), kCases[1].expected);
+                EXPECT_EQ(index.roots().valueOr({}), QStringList{QDir(root.path()).absolutePath()});
+                EXPECT_EQ(index.setAside(), std::nullopt) << hold;
+            }
+            EXPECT_TRUE(QSqlQuery(other).exec("COMMIT"));
+        }
+        QSqlDatabase::removeDatabase("other");
+        EXPECT_EQ(QDir(cache.path()).entryList(QDir::Files), QStringList{"index.sqlite"});
+    }
+}
+
 }  // namespace
 }  // namespace tidewick
