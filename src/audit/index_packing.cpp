@@ -3,6 +3,7 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <QStringEncoder>
+#include <QtEndian>
 
 #include "platform/file_system.h"
 #include "text/path_text.h"
@@ -180,8 +181,9 @@ QByteArray packReport(const FolderReport& report) {
     // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes as it stands
     // after two NULs, as its file name's bytes in URL escapes.
     QByteArray names;
-    QList<qint64> sizes;
-    sizes.reserve(report.reclaimable.size());
+    // The sizes, eight bytes each, least significant first: written at once, not one by one.
+    QByteArray sizes(report.reclaimable.size() * qsizetype(sizeof(qint64)), Qt::Uninitialized);
+    char* size = sizes.data();
     QStringEncoder utf8(QStringEncoder::Utf8);
     const auto appendLine = [&names, &utf8](QStringView text) {
         const qsizetype at = names.size();
@@ -190,7 +192,7 @@ QByteArray packReport(const FolderReport& report) {
         *end++ = '\n';
         names.resize(end - names.constData());
     };
-    for (const auto& [text, size] : report.reclaimable) {
+    for (const auto& [text, bytes] : report.reclaimable) {
         if (!isUtf8Line(text)) {
             names += QByteArray(2, '\0') + encodeFileName(text).toPercentEncoding() + '\n';
         } else if (!isHostRooted(text)) {
@@ -199,7 +201,8 @@ QByteArray packReport(const FolderReport& report) {
             names += '\0';
             appendLine(text);
         }
-        sizes.append(size);
+        qToLittleEndian(bytes, size);
+        size += sizeof(qint64);
     }
     out << names << sizes << report.stopped << report.reason;
     return bytes;
@@ -241,16 +244,15 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
         missing.sessions = readList<QString>(in);
         report.missing.append(missing);
     }
-    QByteArray names;
-    in >> names;
-    const QList<qint64> sizes = readList<qint64>(in);
-    in >> report.stopped >> report.reason;
-    if (in.status() != QDataStream::Ok) {
+    QByteArray names, sizes;
+    in >> names >> sizes >> report.stopped >> report.reason;
+    if (in.status() != QDataStream::Ok || sizes.size() % sizeof(qint64) != 0) {
         return damaged();
     }
     qsizetype from = 0;
-    report.reclaimable.reserve(sizes.size());
-    for (const qint64 size : sizes) {
+    report.reclaimable.reserve(sizes.size() / qsizetype(sizeof(qint64)));
+    for (qsizetype at = 0; at < sizes.size(); at += sizeof(qint64)) {
+        const auto size = qFromLittleEndian<qint64>(sizes.constData() + at);
         const qsizetype end = names.indexOf('\n', from);
         if (end < 0) {
             return damaged();

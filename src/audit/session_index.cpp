@@ -26,11 +26,12 @@ namespace {
 // Written into every index, so that a file of another program, or of a later layout, is known.
 const QString kFormat = QStringLiteral("tidewick-index-2");
 
-// The questions a kept audit asked of the disk, and the bytes its answers are hashed from.
-// Audits kept before the trees of project kinds were asked about (before "2") would pass for
-// current after a change there, and those whose listings were hashed in other bytes (before "3")
-// would never pass: they are dropped.
-const QString kAuditQuestions = QStringLiteral("3");
+// The form of a kept audit: the questions it asked of the disk, the bytes their answers are
+// hashed from, and its report's packing. Audits kept in an earlier form are dropped: before "2"
+// they did not ask about the trees of project kinds (and would pass for current after a change
+// there), before "3" their listings were hashed in other bytes (and would never pass), and
+// before "4" their reports' sizes were packed otherwise.
+const QString kAuditQuestions = QStringLiteral("4");
 
 bool noteAuditQuestions(const QSqlDatabase& db) {
     QSqlQuery note(db);
