@@ -62,17 +62,18 @@ public:
         QByteArray signature;
         QByteArray report;
     };
-    /// Begins to keep what an audit of `root` learns, while it goes on, in one transaction on a
-    /// connection of the index's own, in a thread of its own: the sessions of `cache` under
-    /// `root` that the index does not hold as they are (with their files' uses outside their
-    /// folders, `elsewhere`, by session), those under `root` not `present` forgotten, `root`
-    /// noted as audited; then each folder's audit as keepAudit gives it. Returns the uses outside
-    /// their folders of the sessions under `root`, by session, as the index holds them once this
-    /// is kept. Whatever asks the index next waits until finishKeeping has it written.
+    /// Begins to keep what an audit of `root` learns while it goes on, on a connection of the
+    /// index's own, in a thread of its own: first the sessions of `cache` under `root` that the
+    /// index does not hold as they are (with their files' uses outside their folders,
+    /// `elsewhere`, by session), those under `root` not `present` forgotten and `root` noted as
+    /// audited, all in one transaction; then each folder's audit as keepAudit gives it. Returns
+    /// the uses outside their folders of the sessions under `root`, by session, as the index
+    /// holds them once this is kept. Whatever asks the index next waits until it is written.
     QHash<QString, QStringList> beginKeeping(const QString& root, const SessionCache& cache,
                                              const QHash<QString, QStringList>& elsewhere,
                                              const QSet<QString>& present);
-    /// A folder's fresh audit, kept with what began with beginKeeping; from any thread.
+    /// A folder's fresh audit, kept with what beginKeeping began; from any thread, until
+    /// finishKeeping.
     void keepAudit(const QString& folder, AuditToKeep audit);
     /// Forgets the audits of folders under the root that are not `present`, and has all that
     /// began with beginKeeping written while the caller goes on. Audits that cannot be kept are
@@ -113,8 +114,8 @@ private:
     static bool keepSessions(const QSqlDatabase& db, const Keeping& keeping);
     static void writeKept(Keeping& keeping, const QString& file, const QString& connection,
                           const QString& options);
-    /// Waits for what is being kept to be written; where the file would not take it, the index
-    /// is set aside and the sessions go into the new one.
+    /// Waits for what is being kept to be written; where the file would not take the sessions,
+    /// the index is made anew (rebuild) and they go into that.
     void settle();
     /// The index's connection, once what is being kept is written.
     QSqlDatabase database();
