@@ -158,7 +158,12 @@ private:
 
 // Every folder under the root, read once; then the folders are audited.
 void LibraryAudit::walk() {
-    walk_ = walkLibrary(report_.root, disk_, listed_, events_, progress_);
+    // The index is opened while another core begins the walk.
+    walk_ = walkLibrary(report_.root, disk_, listed_, events_, progress_, [this] {
+        if (index_ != nullptr) {
+            index_->ready();
+        }
+    });
     report_.filesSeen = progress_.files;
     report_.bytesSeen = progress_.bytes;
     progress_.walking = false;

@@ -60,9 +60,10 @@ void noteSessions(ReadFolder& read) {
 
 // The folders under `root`, each read once, side by side on the cores at hand (the disk's
 // answers to many small questions come faster so), sorted by path. `stop` is asked from this
-// thread alone, which also tells the progress.
+// thread alone, which also tells the progress, and runs `alongside` first.
 QList<ReadFolder> readTree(const QString& root, const FileSystem& disk, const AuditEvents& events,
-                           AuditProgress& progress, QStringList& unread) {
+                           AuditProgress& progress, QStringList& unread,
+                           const std::function<void()>& alongside) {
     std::mutex mutex;
     std::condition_variable wake;
     QStringList pending = {withSeparator(root)};
@@ -70,6 +71,9 @@ QList<ReadFolder> readTree(const QString& root, const FileSystem& disk, const Au
     bool cancelled = false;
     QList<ReadFolder> read;
     const auto work = [&](bool reporter) {
+        if (reporter && alongside) {
+            alongside();
+        }
         std::unique_lock lock(mutex);
         for (;;) {
             wake.wait(lock, [&] { return !pending.isEmpty() || busy == 0 || cancelled; });
@@ -128,10 +132,11 @@ QList<ReadFolder> readTree(const QString& root, const FileSystem& disk, const Au
 }  // namespace
 
 Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed,
-                 const AuditEvents& events, AuditProgress& progress) {
+                 const AuditEvents& events, AuditProgress& progress,
+                 const std::function<void()>& alongside) {
     Walk walk;
     QSet<QString> sessionFolders;
-    for (ReadFolder& read : readTree(root, disk, events, progress, walk.unread)) {
+    for (ReadFolder& read : readTree(root, disk, events, progress, walk.unread, alongside)) {
         walk.sessionFiles.append(read.sessionFiles);
         walk.walked.append(read.folder);
         if (!read.sessions.isEmpty()) {

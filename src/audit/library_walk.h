@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <utility>
 
 #include "audit/audit_report.h"
@@ -48,7 +49,9 @@ bool walkedFolder(const QString& parent, const QString& name);
 
 /// Walks the library under `root`: its listings go into `listed`, which the loads then use.
 /// `progress` counts the folders, files and bytes; `events` hear of it and may stop the walk.
+/// This thread runs `alongside` first, while another core begins the walk.
 Walk walkLibrary(const QString& root, const FileSystem& disk, ListedDisk& listed,
-                 const AuditEvents& events, AuditProgress& progress);
+                 const AuditEvents& events, AuditProgress& progress,
+                 const std::function<void()>& alongside = {});
 
 }  // namespace tidewick

@@ -94,15 +94,27 @@ std::pair<QString, QString> under(const QString& root) {
 SessionIndex::SessionIndex(const QString& file, std::chrono::milliseconds wait)
     : file_(file),
       connection_(QStringLiteral("tidewick-index-") + QString::number(quintptr(this), 16)),
-      options_(QStringLiteral("QSQLITE_BUSY_TIMEOUT=") + QString::number(wait.count())) {
-    if (const Result<void> opened = open(file_); !opened) {
-        rebuild(opened.error());
+      options_(QStringLiteral("QSQLITE_BUSY_TIMEOUT=") + QString::number(wait.count())) {}
+
+void SessionIndex::ready() {
+    if (!opened_) {
+        opened_ = true;
+        if (const Result<void> opened = open(file_); !opened) {
+            rebuild(opened.error());
+        }
     }
 }
 
+const std::optional<QString>& SessionIndex::setAside() {
+    ready();
+    return setAside_;
+}
+
 SessionIndex::~SessionIndex() {
-    database().close();
-    QSqlDatabase::removeDatabase(connection_);
+    if (opened_) {
+        database().close();
+        QSqlDatabase::removeDatabase(connection_);
+    }
 }
 
 QString SessionIndex::defaultFile() {
@@ -468,6 +480,7 @@ void SessionIndex::settle() {
 }
 
 QSqlDatabase SessionIndex::database() {
+    ready();
     settle();
     return QSqlDatabase::database(connection_, false);
 }

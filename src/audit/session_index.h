@@ -24,10 +24,10 @@ namespace tidewick {
 
 class SessionIndex {
 public:
-    /// Opens the index `file`, made when missing. One that cannot be used (damaged, locked, of
-    /// another program) is set aside beside it (setAside() says where) and a new one made; where
-    /// none can be made, the index lasts for this run only. A question waits up to `wait` for
-    /// another program or audit that holds the file.
+    /// The index `file`, opened when first asked (or made ready()), made when missing. One that
+    /// cannot be used (damaged, of another program) is set aside beside it (setAside() says
+    /// where) and a new one made; where none can be made, or another program or audit holds it
+    /// past `wait`, the index lasts for this run only.
     explicit SessionIndex(const QString& file = defaultFile(),
                           std::chrono::milliseconds wait = std::chrono::seconds(15));
     ~SessionIndex();
@@ -37,8 +37,11 @@ public:
     /// "Tidewick/index.sqlite" in the user's cache folder (~/.cache on Linux).
     static QString defaultFile();
 
+    /// Opens the index now, ahead of its first question: an audit has it done beside its walk.
+    void ready();
+
     /// Where an index that could not be used was put, and why; nothing when none was.
-    const std::optional<QString>& setAside() const { return setAside_; }
+    const std::optional<QString>& setAside();
 
     /// Puts into `cache` the sessions under `root` whose files are as the index holds them.
     void loadInto(const QString& root, SessionCache& cache, const FileSystem& disk);
@@ -123,6 +126,7 @@ private:
     QString file_;
     QString connection_;
     QString options_;  // the connections' own: how long they wait for another holder
+    bool opened_ = false;
     std::optional<QString> setAside_;
     std::unique_ptr<Keeping> keeping_;
 };

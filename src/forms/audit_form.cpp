@@ -83,8 +83,9 @@ LibraryReport AuditForm::run(const AuditEvents& given) {
     events.stopRequested = [this] { return stop_.load(); };
     events.describe = readProblemText;
     SessionIndex index(indexFile_);
+    const LibraryReport report = auditLibrary(root_, disk_, &index, events);
     setAside_ = index.setAside().value_or(QString());
-    return auditLibrary(root_, disk_, &index, events);
+    return report;
 }
 
 void AuditForm::showProgress(const AuditProgress& progress) {

@@ -34,11 +34,7 @@ int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
         err << "tidewick-cli audit: no such folder: " << visibleText(root) << '\n';
         return UsageError;
     }
-    SessionIndex index;
-    if (const std::optional<QString>& aside = index.setAside()) {
-        err << "tidewick-cli audit: the index could not be used and was set aside as "
-            << visibleText(*aside) << "; a new one is made\n";
-    }
+    SessionIndex index;  // opened as the audit begins
     ProgressLine progressLine(err, QStringLiteral("audit"));
     QElapsedTimer clock;
     clock.start();
@@ -50,6 +46,10 @@ int runAudit(const CommandLine& line, QTextStream& out, QTextStream& err) {
     events.describe = readProblemText;
     const LibraryReport report = auditLibrary(root, disk, &index, events);
     progressLine.clear();
+    if (const std::optional<QString>& aside = index.setAside()) {
+        err << "tidewick-cli audit: the index could not be used and was set aside as "
+            << visibleText(*aside) << "; a new one is made\n";
+    }
     if (json) {
         out << auditJson(report);
     } else {
