@@ -25,19 +25,20 @@ Result<T> whole(const QDataStream& in, T value) {
     return value;
 }
 
-// Whether `path` can stand as a line of UTF-8: no line end, and no lone surrogate (a byte of a
-// file name that is no UTF-8, as decodeFileName gives it).
+// Whether `path` can stand as a line of UTF-8: no line end, no NUL (which marks a line), and no
+// lone surrogate (a byte of a file name that is no UTF-8, as decodeFileName gives it).
 bool isUtf8Line(QStringView path) {
-    // Nearly every path holds neither: one pass without branches tells.
+    // Nearly every path holds none: one pass without branches tells.
     unsigned unusual = 0;
     for (const QChar c : path) {
-        unusual |= unsigned(c.unicode() == u'\n') | unsigned((c.unicode() & 0xF800) == 0xD800);
+        unusual |= unsigned(c.unicode() == u'\n') | unsigned(c.unicode() == 0) |
+                   unsigned((c.unicode() & 0xF800) == 0xD800);
     }
     if (unusual == 0) {
         return true;
     }
     for (qsizetype at = 0; at < path.size(); ++at) {
-        if (path[at] == u'\n') {
+        if (path[at] == u'\n' || path[at].unicode() == 0) {
             return false;
         }
         if (path[at].isHighSurrogate() && at + 1 < path.size() && path[at + 1].isLowSurrogate()) {
@@ -45,6 +46,62 @@ bool isUtf8Line(QStringView path) {
         } else if (path[at].isSurrogate()) {
             return false;
         }
+    }
+    return true;
+}
+
+// Texts as lines of UTF-8, each ended by a line end, one after another. A text that is no line of
+// UTF-8 goes after two NULs, as its file name's bytes (encodeFileName) in URL escapes.
+class TextLines {
+public:
+    explicit TextLines(qsizetype count) { bytes_.reserve(count * 24); }
+
+    /// `marked`: the line begins with one NUL, which no line of a text begins with.
+    void append(QStringView text, bool marked = false) {
+        if (!isUtf8Line(text)) {
+            bytes_ +=
+                QByteArray(2, '\0') + encodeFileName(text.toString()).toPercentEncoding() + '\n';
+            return;
+        }
+        if (marked) {
+            bytes_ += '\0';
+        }
+        appendUtf8(text);
+    }
+    const QByteArray& bytes() const { return bytes_; }
+
+private:
+    void appendUtf8(QStringView text) {
+        const qsizetype at = bytes_.size();
+        bytes_.resize(at + utf8_.requiredSpace(text.size()) + 1);
+        char* end = utf8_.appendToBuffer(bytes_.data() + at, text);
+        *end++ = '\n';
+        bytes_.resize(end - bytes_.constData());
+    }
+
+    QByteArray bytes_;
+    QStringEncoder utf8_{QStringEncoder::Utf8};
+};
+
+// The text of one line of TextLines, marked or not.
+QString textOf(QByteArrayView line) {
+    if (line.startsWith(QByteArrayView("\0\0", 2))) {
+        return decodeFileName(QByteArray::fromPercentEncoding(line.sliced(2).toByteArray()));
+    }
+    return QString::fromUtf8(line.startsWith('\0') ? line.sliced(1) : line);
+}
+
+// Gives `take` each line of `lines` (TextLines), without its line end; false when the last has
+// none.
+template <typename Take>
+bool forEachLine(const QByteArray& lines, const Take& take) {
+    for (qsizetype from = 0; from < lines.size();) {
+        const qsizetype end = lines.indexOf('\n', from);
+        if (end < 0) {
+            return false;
+        }
+        take(QByteArrayView(lines).sliced(from, end - from));
+        from = end + 1;
     }
     return true;
 }
@@ -69,6 +126,8 @@ QList<T> readList(QDataStream& in) {
 constexpr qint8 kNoProblem = 0;
 constexpr qint8 kProblem = 2;
 constexpr quint8 kPatternBit = 0x80;
+// Beside a read's outcome: its paths follow as TextLines (an earlier index wrote a list).
+constexpr qint32 kPathLines = 0x100;
 
 }  // namespace
 
@@ -82,7 +141,11 @@ QByteArray packRead(const SessionRead& read) {
     const SesFacts ses = read.ses.value_or(SesFacts());
     const QList<RecordPathLine> lines =
         read.reaper ? read.reaper->recordPaths : QList<RecordPathLine>();
-    out << qint32(read.outcome) << read.paths.toList() << ses.version << ses.versionFound
+    TextLines paths(read.paths.size());
+    for (const QString& path : read.paths) {
+        paths.append(path);
+    }
+    out << (qint32(read.outcome) | kPathLines) << paths.bytes() << ses.version << ses.versionFound
         << qint32(lines.size());
     for (const RecordPathLine& line : lines) {
         out << line.hasValue << line.value;
@@ -109,7 +172,30 @@ Result<SessionRead> unpackRead(const QByteArray& bytes) {
     SesFacts ses;
     qint32 outcome = 0, lines = 0;
     in >> outcome;
-    read.paths = readList<QString>(in);
+    if (outcome & kPathLines) {
+        outcome &= ~kPathLines;
+        QByteArray paths;
+        in >> paths;
+        qsizetype count = 0;
+        bool escaped = false;
+        if (!forEachLine(paths, [&](QByteArrayView line) {
+                escaped = escaped || line.startsWith('\0');
+                ++count;
+            })) {
+            return damaged();
+        }
+        // Paths that are all lines of UTF-8, nearly every read's, stay so until asked for.
+        if (!escaped) {
+            read.paths.reserveBlock(count, paths.size());
+            forEachLine(paths, [&](QByteArrayView line) { read.paths.appendUtf8(line); });
+        } else {
+            QStringList texts;
+            forEachLine(paths, [&](QByteArrayView line) { texts.append(textOf(line)); });
+            read.paths = texts;
+        }
+    } else {
+        read.paths = readList<QString>(in);
+    }
     in >> ses.version >> ses.versionFound >> lines;
     if (in.status() != QDataStream::Ok || outcome < 0 || outcome > 2 || lines < 0 ||
         lines > bytes.size()) {
@@ -176,49 +262,20 @@ QByteArray packReport(const FolderReport& report) {
     for (const MissingMedia& missing : report.missing) {
         out << missing.text << missing.path << missing.sessions;
     }
-    // Thousands of names a folder: each from the folder on, in UTF-8, a line each; a whole path
-    // (of a file elsewhere) after a NUL, which no file name holds. A text that is no line
-    // of UTF-8 (it holds a line end, or a byte of a name that is no UTF-8) goes as it stands
-    // after two NULs, as its file name's bytes in URL escapes.
-    QByteArray names;
+    // Thousands of names a folder, each from the folder on, a line each (TextLines); a whole
+    // path (of a file elsewhere) marked.
+    TextLines names(report.reclaimable.size());
     // The sizes, eight bytes each, least significant first: written at once, not one by one.
     QByteArray sizes(report.reclaimable.size() * qsizetype(sizeof(qint64)), Qt::Uninitialized);
     char* size = sizes.data();
-    QStringEncoder utf8(QStringEncoder::Utf8);
-    const auto appendLine = [&names, &utf8](QStringView text) {
-        const qsizetype at = names.size();
-        names.resize(at + utf8.requiredSpace(text.size()) + 1);
-        char* end = utf8.appendToBuffer(names.data() + at, text);
-        *end++ = '\n';
-        names.resize(end - names.constData());
-    };
     for (const auto& [text, bytes] : report.reclaimable) {
-        if (!isUtf8Line(text)) {
-            names += QByteArray(2, '\0') + encodeFileName(text).toPercentEncoding() + '\n';
-        } else if (!isHostRooted(text)) {
-            appendLine(text);
-        } else {
-            names += '\0';
-            appendLine(text);
-        }
+        names.append(text, isHostRooted(text));
         qToLittleEndian(bytes, size);
         size += sizeof(qint64);
     }
-    out << names << sizes << report.stopped << report.reason;
+    out << names.bytes() << sizes << report.stopped << report.reason;
     return bytes;
 }
-
-namespace {
-
-// The text of one line of a report's names (packReport), as the report names its file.
-QString textOf(QByteArrayView name) {
-    if (name.startsWith(QByteArrayView("\0\0", 2))) {
-        return decodeFileName(QByteArray::fromPercentEncoding(name.sliced(2).toByteArray()));
-    }
-    return QString::fromUtf8(name.startsWith('\0') ? name.sliced(1) : name);
-}
-
-}  // namespace
 
 Result<FolderReport> unpackReport(const QByteArray& bytes) {
     QDataStream in(bytes);

@@ -70,6 +70,11 @@ const SessionRead kReads[] = {
     {},
     readOf(ReaderOutcome::Read, {"take.wav", "", "C:\\Audio\\vocal é.wav", "../Média/x.wav"},
            "Audition 3.0", {"-", "Media", ""}),
+    // A path may hold a line end, a NUL or a byte that is no UTF-8 (decodeFileName).
+    readOf(ReaderOutcome::Read,
+           {"two\nlines.wav", decodeFileName("take\xff 2.wav"), QString(QChar(0)) + "nul.wav",
+            "plain.wav"},
+           {}, {}),
     readOf(ReaderOutcome::Rejected, {}, {}, {},
            ReadProblem{ReadFailure::NotThisKind, SessionKindId::Veg, ReadSeverity::Error,
                        "first line", "/s/a.veg"}),
@@ -99,12 +104,28 @@ FolderReport report(const QString& folder) {
     return report;
 }
 
+// The bytes that `write` puts into a stream as the packing writes one.
+QByteArray bytesOf(const std::function<void(QDataStream&)>& write) {
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_4);
+    write(out);
+    return bytes;
+}
+
 TEST(IndexPacking, ReadsAndReportsComeBackAsTheyWentIn) {
     for (const SessionRead& read : kReads) {
         const Result<SessionRead> back = unpackRead(packRead(read));
         ASSERT_TRUE(back.ok()) << described(read).toStdString();
         EXPECT_EQ(described(*back), described(read));
     }
+    // A read as an earlier index packed it, its paths a list.
+    const Result<SessionRead> earlier = unpackRead(bytesOf([](QDataStream& out) {
+        out << qint32(0) << QStringList{"a.wav", "b\nc.wav"} << QString() << false << qint32(0)
+            << qint8(0) << quint32(0);
+    }));
+    ASSERT_TRUE(earlier.ok());
+    EXPECT_EQ(earlier->paths.toList(), (QStringList{"a.wav", "b\nc.wav"}));
     FolderReport stopped;
     stopped.folder = "/music/Song";
     stopped.stopped = true;
@@ -115,15 +136,6 @@ TEST(IndexPacking, ReadsAndReportsComeBackAsTheyWentIn) {
         ASSERT_TRUE(back.ok()) << described(sent).toStdString();
         EXPECT_EQ(described(*back), described(sent));
     }
-}
-
-// The bytes that `write` puts into a stream as the packing writes one.
-QByteArray bytesOf(const std::function<void(QDataStream&)>& write) {
-    QByteArray bytes;
-    QDataStream out(&bytes, QIODevice::WriteOnly);
-    out.setVersion(QDataStream::Qt_6_4);
-    write(out);
-    return bytes;
 }
 
 struct Hostile {
