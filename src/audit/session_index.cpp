@@ -355,6 +355,12 @@ const QString kInsertAudit = QStringLiteral("INSERT OR REPLACE INTO audits VALUE
 
 }  // namespace
 
+bool SessionIndex::keepAudits(const QSqlDatabase& db, QSqlQuery& insert, const Keeping& keeping,
+                              const QList<std::pair<QString, AuditToKeep>>& audits, bool last) {
+    return insertAudits(insert, audits) &&
+           (!last || !keeping.present || forgetAudits(db, keeping.root, *keeping.present));
+}
+
 QHash<QString, QStringList> SessionIndex::beginKeeping(const QString& root,
                                                        const SessionCache& cache,
                                                        const QHash<QString, QStringList>& elsewhere,
@@ -415,8 +421,8 @@ void SessionIndex::finishKeeping(const QSet<QString>& present) {
         QSqlDatabase db = database();
         (void)write([&] {
             QSqlQuery insert(db);
-            return insert.prepare(kInsertAudit) && insertAudits(insert, keeping->audits) &&
-                   forgetAudits(db, keeping->root, *keeping->present);
+            return insert.prepare(kInsertAudit) &&
+                   keepAudits(db, insert, *keeping, keeping->audits, true);
         });
     }
 }
@@ -431,9 +437,9 @@ void SessionIndex::writeKept(Keeping& keeping, const QString& file, const QStrin
         db.setConnectOptions(options);
         {
             QSqlQuery insert(db);
-            Result<void> begun;  // a failure to open is the database's error
-            const bool sessionsKept =
-                db.open() && (begun = beginWriting(db)) && keepSessions(db, keeping) && db.commit();
+            const Result<void> begun =
+                db.open() ? beginWriting(db) : Result<void>(failureOf(db.lastError()));
+            const bool sessionsKept = begun && keepSessions(db, keeping) && db.commit();
             if (!sessionsKept) {
                 keeping.failed = begun ? failureOf(db.lastError()) : begun.error();
                 db.rollback();
@@ -447,11 +453,9 @@ void SessionIndex::writeKept(Keeping& keeping, const QString& file, const QStrin
                 const auto audits = std::exchange(keeping.audits, {});
                 last = keeping.finished;
                 lock.unlock();
-                auditsKept = auditsKept && insertAudits(insert, audits);
+                auditsKept = auditsKept && keepAudits(db, insert, keeping, audits, last);
             }
-            if (!(auditsKept &&
-                  (!keeping.present || forgetAudits(db, keeping.root, *keeping.present)) &&
-                  db.commit())) {
+            if (!(auditsKept && db.commit())) {
                 db.rollback();
             }
         }

@@ -19,6 +19,7 @@
 // (its size, time of change and inode all as the row holds them) before anything it holds is
 // believed; a row that disagrees in any of them is read again.
 class QSqlDatabase;
+class QSqlQuery;
 
 namespace tidewick {
 
@@ -115,6 +116,10 @@ private:
     /// What beginKeeping began, and the thread that writes it (writeKept).
     struct Keeping;
     static bool keepSessions(const QSqlDatabase& db, const Keeping& keeping);
+    /// Keeps `audits` with `insert` (made on `db`); with the `last` of them, forgets those of the
+    /// folders that are not present, when the keeping was told which are.
+    static bool keepAudits(const QSqlDatabase& db, QSqlQuery& insert, const Keeping& keeping,
+                           const QList<std::pair<QString, AuditToKeep>>& audits, bool last);
     static void writeKept(Keeping& keeping, const QString& file, const QString& connection,
                           const QString& options);
     /// Waits for what is being kept to be written; where the file would not take the sessions,

@@ -197,7 +197,7 @@ TEST(AuditIndex, AnIndexHeldByAnotherIsWaitedForAndNeverSetAside) {
     writeLibrary(root.path(), kCases[1].files);
     const FileSystem disk;
     const QString file = cache.filePath("index.sqlite");
-    { const SessionIndex made(file); }  // an index to hold
+    SessionIndex(file).ready();  // an index with its tables, to hold
     for (const char* hold : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
         {
             QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
