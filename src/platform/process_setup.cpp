@@ -1,6 +1,7 @@
 #include "platform/process_setup.h"
 
 #include <QDir>
+#include <QHashSeed>
 
 #include <csignal>
 
@@ -9,6 +10,17 @@
 namespace tidewick {
 
 void prepareProcess() {
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+    // On a processor with VAES, Qt's seeded hash of strings (Qt 6.4) leaves the upper halves
+    // of the vector registers in use, and every SSE instruction after it, Qt's own text
+    // searches and this program's loops alike, then runs many times slower until something
+    // clears them: an audit took a tenth longer. With the fixed seed Qt takes its other hash,
+    // which leaves them clear. The tables that hold a session's texts in bulk hash with a
+    // fixed function of their own either way.
+    if (__builtin_cpu_supports("vaes")) {
+        QHashSeed::setDeterministicGlobalSeed();
+    }
+#endif
     startCoreHelpers();
 #ifdef SIGXFSZ
     std::signal(SIGXFSZ, SIG_IGN);
