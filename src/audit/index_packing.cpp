@@ -3,7 +3,11 @@
 #include <QDataStream>
 #include <QIODevice>
 #include <QStringEncoder>
-#include <QtEndian>
+#include <QtNumeric>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
 
 #include "platform/file_system.h"
 #include "text/path_text.h"
@@ -50,36 +54,73 @@ bool isUtf8Line(QStringView path) {
     return true;
 }
 
-// Texts as lines of UTF-8, each ended by a line end, one after another. A text that is no line of
-// UTF-8 goes after two NULs, as its file name's bytes (encodeFileName) in URL escapes.
+// Numbers as a run of bytes, seven bits a byte, least significant first, the top bit set in
+// every byte but a number's last: most of the index's numbers are small.
+void appendNumber(QByteArray& run, quint64 number) {
+    while (number >= 0x80) {
+        run += char(0x80 | (number & 0x7F));
+        number >>= 7;
+    }
+    run += char(number);
+}
+
+// The number at `at` in `run` (appendNumber), `at` moved past it; none when the run ends first
+// or the number would not fit.
+std::optional<quint64> takeNumber(QByteArrayView run, qsizetype& at) {
+    quint64 number = 0;
+    for (int shift = 0; at < run.size() && shift < 64; shift += 7) {
+        const auto byte = quint8(run[at++]);
+        if (shift == 63 && byte > 1) {
+            return std::nullopt;
+        }
+        number |= quint64(byte & 0x7F) << shift;
+        if ((byte & 0x80) == 0) {
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
+// Texts as lines of UTF-8, each ended by a line end, one after another. Each line holds only what
+// follows the bytes it shares with the line before, whose count goes into a run of its own
+// (`shared`, appendNumber): a session's paths, and a folder's names, share most of theirs with
+// the one before. A text that is no line of UTF-8 goes after two NULs, as its file name's bytes
+// (encodeFileName) in URL escapes.
 class TextLines {
 public:
-    explicit TextLines(qsizetype count) { bytes_.reserve(count * 24); }
+    explicit TextLines(qsizetype count) {
+        bytes_.reserve(count * 12);
+        shared_.reserve(count);
+    }
 
     /// `marked`: the line begins with one NUL, which no line of a text begins with.
     void append(QStringView text, bool marked = false) {
+        line_.clear();
         if (!isUtf8Line(text)) {
-            bytes_ +=
-                QByteArray(2, '\0') + encodeFileName(text.toString()).toPercentEncoding() + '\n';
-            return;
+            line_ += QByteArrayView("\0\0", 2);
+            line_ += encodeFileName(text.toString()).toPercentEncoding();
+        } else {
+            if (marked) {
+                line_ += '\0';
+            }
+            const qsizetype at = line_.size();
+            line_.resize(at + utf8_.requiredSpace(text.size()));
+            line_.resize(utf8_.appendToBuffer(line_.data() + at, text) - line_.constData());
         }
-        if (marked) {
-            bytes_ += '\0';
-        }
-        appendUtf8(text);
+        const qsizetype kept =
+            std::mismatch(line_.cbegin(), line_.cend(), last_.cbegin(), last_.cend()).first -
+            line_.cbegin();
+        appendNumber(shared_, quint64(kept));
+        bytes_ += QByteArrayView(line_).sliced(kept);
+        bytes_ += '\n';
+        line_.swap(last_);
     }
     const QByteArray& bytes() const { return bytes_; }
+    const QByteArray& shared() const { return shared_; }
 
 private:
-    void appendUtf8(QStringView text) {
-        const qsizetype at = bytes_.size();
-        bytes_.resize(at + utf8_.requiredSpace(text.size()) + 1);
-        char* end = utf8_.appendToBuffer(bytes_.data() + at, text);
-        *end++ = '\n';
-        bytes_.resize(end - bytes_.constData());
-    }
-
-    QByteArray bytes_;
+    QByteArray bytes_, shared_;
+    QByteArray last_, line_;  // the line before, and the one being made
     QStringEncoder utf8_{QStringEncoder::Utf8};
 };
 
@@ -91,19 +132,26 @@ QString textOf(QByteArrayView line) {
     return QString::fromUtf8(line.startsWith('\0') ? line.sliced(1) : line);
 }
 
-// Gives `take` each line of `lines` (TextLines), without its line end; false when the last has
-// none.
+// Gives `take` each whole line of `lines` (TextLines, with its run `shared`; whole lines where an
+// earlier index wrote none), without its line end, as a view that lasts until the next. False
+// when the bytes do not come out whole: a line without its end, more bytes shared than the line
+// before holds, numbers missing or left over.
 template <typename Take>
-bool forEachLine(const QByteArray& lines, const Take& take) {
+bool forEachLine(const QByteArray& lines, const QByteArray* shared, const Take& take) {
+    QByteArray line;
+    qsizetype at = 0;
     for (qsizetype from = 0; from < lines.size();) {
         const qsizetype end = lines.indexOf('\n', from);
-        if (end < 0) {
+        const std::optional<quint64> kept = shared ? takeNumber(*shared, at) : quint64(0);
+        if (end < 0 || !kept || *kept > quint64(line.size())) {
             return false;
         }
-        take(QByteArrayView(lines).sliced(from, end - from));
+        line.truncate(qsizetype(*kept));
+        line += QByteArrayView(lines).sliced(from, end - from);
+        take(QByteArrayView(line));
         from = end + 1;
     }
-    return true;
+    return !shared || at == shared->size();
 }
 
 // A list as QDataStream writes it, a 32-bit count and the items, read without believing the
@@ -126,8 +174,10 @@ QList<T> readList(QDataStream& in) {
 constexpr qint8 kNoProblem = 0;
 constexpr qint8 kProblem = 2;
 constexpr quint8 kPatternBit = 0x80;
-// Beside a read's outcome: its paths follow as TextLines (an earlier index wrote a list).
+// Beside a read's outcome: its paths follow as TextLines (an earlier index wrote a list), and
+// their run of shared bytes after them (an earlier index wrote whole lines).
 constexpr qint32 kPathLines = 0x100;
+constexpr qint32 kPathsShared = 0x200;
 
 }  // namespace
 
@@ -145,8 +195,8 @@ QByteArray packRead(const SessionRead& read) {
     for (const QString& path : read.paths) {
         paths.append(path);
     }
-    out << (qint32(read.outcome) | kPathLines) << paths.bytes() << ses.version << ses.versionFound
-        << qint32(lines.size());
+    out << (qint32(read.outcome) | kPathLines | kPathsShared) << paths.bytes() << paths.shared()
+        << ses.version << ses.versionFound << qint32(lines.size());
     for (const RecordPathLine& line : lines) {
         out << line.hasValue << line.value;
     }
@@ -173,24 +223,29 @@ Result<SessionRead> unpackRead(const QByteArray& bytes) {
     qint32 outcome = 0, lines = 0;
     in >> outcome;
     if (outcome & kPathLines) {
-        outcome &= ~kPathLines;
-        QByteArray paths;
+        QByteArray paths, shared;
         in >> paths;
-        qsizetype count = 0;
+        if (outcome & kPathsShared) {
+            in >> shared;
+        }
+        const QByteArray* run = (outcome & kPathsShared) ? &shared : nullptr;
+        outcome &= ~(kPathLines | kPathsShared);
+        qsizetype count = 0, size = 0;
         bool escaped = false;
-        if (!forEachLine(paths, [&](QByteArrayView line) {
+        if (!forEachLine(paths, run, [&](QByteArrayView line) {
                 escaped = escaped || line.startsWith('\0');
                 ++count;
+                size += line.size();
             })) {
             return damaged();
         }
         // Paths that are all lines of UTF-8, nearly every read's, stay so until asked for.
         if (!escaped) {
-            read.paths.reserveBlock(count, paths.size());
-            forEachLine(paths, [&](QByteArrayView line) { read.paths.appendUtf8(line); });
+            read.paths.reserveBlock(count, size);
+            forEachLine(paths, run, [&](QByteArrayView line) { read.paths.appendUtf8(line); });
         } else {
             QStringList texts;
-            forEachLine(paths, [&](QByteArrayView line) { texts.append(textOf(line)); });
+            forEachLine(paths, run, [&](QByteArrayView line) { texts.append(textOf(line)); });
             read.paths = texts;
         }
     } else {
@@ -263,17 +318,15 @@ QByteArray packReport(const FolderReport& report) {
         out << missing.text << missing.path << missing.sessions;
     }
     // Thousands of names a folder, each from the folder on, a line each (TextLines); a whole
-    // path (of a file elsewhere) marked.
+    // path (of a file elsewhere) marked. Their sizes follow as a run of numbers (appendNumber).
     TextLines names(report.reclaimable.size());
-    // The sizes, eight bytes each, least significant first: written at once, not one by one.
-    QByteArray sizes(report.reclaimable.size() * qsizetype(sizeof(qint64)), Qt::Uninitialized);
-    char* size = sizes.data();
+    QByteArray sizes;
+    sizes.reserve(report.reclaimable.size() * 4);
     for (const auto& [text, bytes] : report.reclaimable) {
         names.append(text, isHostRooted(text));
-        qToLittleEndian(bytes, size);
-        size += sizeof(qint64);
+        appendNumber(sizes, quint64(bytes));
     }
-    out << names.bytes() << sizes << report.stopped << report.reason;
+    out << names.bytes() << names.shared() << sizes << report.stopped << report.reason;
     return bytes;
 }
 
@@ -301,23 +354,23 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
         missing.sessions = readList<QString>(in);
         report.missing.append(missing);
     }
-    QByteArray names, sizes;
-    in >> names >> sizes >> report.stopped >> report.reason;
-    if (in.status() != QDataStream::Ok || sizes.size() % sizeof(qint64) != 0) {
+    QByteArray names, shared, sizes;
+    in >> names >> shared >> sizes >> report.stopped >> report.reason;
+    if (in.status() != QDataStream::Ok) {
         return damaged();
     }
-    qsizetype from = 0;
-    report.reclaimable.reserve(sizes.size() / qsizetype(sizeof(qint64)));
-    for (qsizetype at = 0; at < sizes.size(); at += sizeof(qint64)) {
-        const auto size = qFromLittleEndian<qint64>(sizes.constData() + at);
-        const qsizetype end = names.indexOf('\n', from);
-        if (end < 0) {
-            return damaged();
+    qsizetype at = 0;
+    bool sized = true;
+    const bool whole = forEachLine(names, &shared, [&](QByteArrayView name) {
+        const std::optional<quint64> size = takeNumber(sizes, at);
+        sized = sized && size && *size <= quint64(std::numeric_limits<qint64>::max()) &&
+                !qAddOverflow(report.reclaimableBytes, qint64(*size), &report.reclaimableBytes);
+        if (sized) {
+            report.reclaimable.append({textOf(name), qint64(*size)});
         }
-        const QByteArrayView name = QByteArrayView(names).sliced(from, end - from);
-        report.reclaimable.append({textOf(name), size});
-        report.reclaimableBytes += size;
-        from = end + 1;
+    });
+    if (!whole || !sized || at != sizes.size()) {
+        return damaged();
     }
     return report;
 }

@@ -30,8 +30,8 @@ const QString kFormat = QStringLiteral("tidewick-index-2");
 // hashed from, and its report's packing. Audits kept in an earlier form are dropped: before "2"
 // they did not ask about the trees of project kinds (and would pass for current after a change
 // there), before "3" their listings were hashed in other bytes (and would never pass), and
-// before "4" their reports' sizes were packed otherwise.
-const QString kAuditQuestions = QStringLiteral("4");
+// before "4" and "5" their reports' names and sizes were packed otherwise.
+const QString kAuditQuestions = QStringLiteral("5");
 
 bool noteAuditQuestions(const QSqlDatabase& db) {
     QSqlQuery note(db);

@@ -79,6 +79,11 @@ const SessionRead kReads[] = {
            ReadProblem{ReadFailure::NotThisKind, SessionKindId::Veg, ReadSeverity::Error,
                        "first line", "/s/a.veg"}),
     readOf(ReaderOutcome::Failed, {"a.wav"}, {}, {}, ReadProblem{}),
+    // Paths that share their start with the one before, all of it, or none of it.
+    readOf(ReaderOutcome::Read,
+           {"/a/b/take 1.wav", "/a/b/take 10.wav", "/a/b/take 1.wav", "/a/b/take 1.wav", "/a/b/",
+            "/a/b/two\nlines.wav", "/a/b/take 2.wav", "", "/a/b/take 2.wav"},
+           {}, {}),
     readOf(ReaderOutcome::Rejected, {}, "Cool Edit Pro 2.0", {},
            ReadProblem{ReadFailure::UnsupportedVersion, SessionKindId::Ses, ReadSeverity::Notice,
                        "Cool Edit Pro 2.0", "/s/a.ses"}),
@@ -119,13 +124,25 @@ TEST(IndexPacking, ReadsAndReportsComeBackAsTheyWentIn) {
         ASSERT_TRUE(back.ok()) << described(read).toStdString();
         EXPECT_EQ(described(*back), described(read));
     }
-    // A read as an earlier index packed it, its paths a list.
-    const Result<SessionRead> earlier = unpackRead(bytesOf([](QDataStream& out) {
-        out << qint32(0) << QStringList{"a.wav", "b\nc.wav"} << QString() << false << qint32(0)
-            << qint8(0) << quint32(0);
-    }));
-    ASSERT_TRUE(earlier.ok());
-    EXPECT_EQ(earlier->paths.toList(), (QStringList{"a.wav", "b\nc.wav"}));
+    // Reads as earlier indexes packed them: their paths a list, then whole lines.
+    const auto earlierRead = [](QDataStream& out) {
+        out << QString() << false << qint32(0) << qint8(0) << quint32(0);
+    };
+    for (const auto& [packed, paths] :
+         {std::pair{bytesOf([&](QDataStream& out) {
+                        out << qint32(0) << QStringList{"a.wav", "b\nc.wav"};
+                        earlierRead(out);
+                    }),
+                    QStringList{"a.wav", "b\nc.wav"}},
+          std::pair{bytesOf([&](QDataStream& out) {
+                        out << qint32(0x100) << QByteArray("/a/a.wav\n/a/b.wav\n");
+                        earlierRead(out);
+                    }),
+                    QStringList{"/a/a.wav", "/a/b.wav"}}}) {
+        const Result<SessionRead> earlier = unpackRead(packed);
+        ASSERT_TRUE(earlier.ok());
+        EXPECT_EQ(earlier->paths.toList(), paths);
+    }
     FolderReport stopped;
     stopped.folder = "/music/Song";
     stopped.stopped = true;
@@ -173,9 +190,32 @@ const Hostile kHostile[] = {
     {"AHugeCountOfSizes", true, bytesOf([](QDataStream& out) {
          out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray() << kHuge;
      })},
+    // Lines that share more bytes with the line before than it holds, or counts of shared
+    // bytes left over.
+    {"ASharedStartLongerThanTheLineBefore", false, bytesOf([](QDataStream& out) {
+         out << qint32(0x300) << QByteArray("a\nb\n") << QByteArray("\x00\x05", 2) << QString()
+             << false << qint32(0) << qint8(0) << quint32(0);
+     })},
+    {"SharedCountsLeftOver", false, bytesOf([](QDataStream& out) {
+         out << qint32(0x300) << QByteArray("a\n") << QByteArray(3, '\0') << QString() << false
+             << qint32(0) << qint8(0) << quint32(0);
+     })},
     {"MoreSizesThanNames", true, bytesOf([](QDataStream& out) {
          out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\n")
-             << QList<qint64>{1, 2} << false << QString();
+             << QByteArray(1, '\0') << QByteArray("\x01\x02", 2) << false << QString();
+     })},
+    {"ASizeBeyondAnyFile", true, bytesOf([](QDataStream& out) {
+         out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\n")
+             << QByteArray(1, '\0') << QByteArray("\xff\xff\xff\xff\xff\xff\xff\xff\xff\x01")
+             << false << QString();
+     })},
+    {"SizesThatAddUpBeyondAnyFolder", true, bytesOf([](QDataStream& out) {
+         out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\ny\n")
+             << QByteArray(2, '\0')
+             << QByteArray(
+                    "\xff\xff\xff\xff\xff\xff\xff\xff\x7f"
+                    "\xff\xff\xff\xff\xff\xff\xff\xff\x7f")
+             << false << QString();
      })},
 };
 
