@@ -5,19 +5,25 @@
 
 #include <csignal>
 
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+#include <cpuid.h>
+#define TIDEWICK_CPUID 1
+#endif
+
 #include "platform/on_cores.h"
 
 namespace tidewick {
 
 void prepareProcess() {
-#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__))
+#ifdef TIDEWICK_CPUID
     // On a processor with VAES, Qt's seeded hash of strings (Qt 6.4) leaves the upper halves
     // of the vector registers in use, and every SSE instruction after it, Qt's own text
     // searches and this program's loops alike, then runs many times slower until something
     // clears them: an audit took a tenth longer. With the fixed seed Qt takes its other hash,
     // which leaves them clear. The tables that hold a session's texts in bulk hash with a
     // fixed function of their own either way.
-    if (__builtin_cpu_supports("vaes")) {
+    unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;  // the processor's features, leaf 7
+    if (__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_VAES) != 0) {
         QHashSeed::setDeterministicGlobalSeed();
     }
 #endif
