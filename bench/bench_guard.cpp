@@ -20,6 +20,7 @@
 #include <benchmark/benchmark.h>
 
 #include "median.h"
+#include "platform/process_setup.h"
 #include "readers/session_kinds.h"
 #include "support/ses_writer.h"
 #include "support/session_files.h"
@@ -206,6 +207,7 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     benchmark::Initialize(&argc, argv);
     const Sweep check = sweepFolder(request(true), FileSystem());
     qint64 bytes = 0;

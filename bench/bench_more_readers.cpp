@@ -14,6 +14,7 @@
 #include "cli_program.h"
 #include "peak_memory.h"
 #include "plain_read.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/gzip_pieces.h"
 #include "readers/session_kinds.h"
@@ -101,6 +102,7 @@ void readerRead(benchmark::State& state, const QString& path, SessionKindId id) 
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     // Written a piece at a time: a child's peak memory counts its parent's from before its exec.

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "plain_read.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 
@@ -182,6 +183,7 @@ void readerRead(benchmark::State& state, const QString& path, SessionKindId kind
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     benchmark::Initialize(&argc, argv);
     if (!folder().isValid()) {
         std::fprintf(stderr, "no temporary folder\n");

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "plain_read.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 
@@ -79,6 +80,7 @@ BENCHMARK(BM_ReadSesSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     benchmark::Initialize(&argc, argv);
     std::printf("session: %.1f MB, %d entries\n", fixture().megabytes, kEntries);
     tidewick::bench::RatioReporter reporter;

@@ -13,6 +13,7 @@
 #include "cli_program.h"
 #include "peak_memory.h"
 #include "plain_read.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 #include "support/session_files.h"
@@ -124,6 +125,7 @@ void fixFlpLength(const QString& path) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     const QString ardour = write("big.ardour",

@@ -19,6 +19,7 @@
 
 #include "forms/kind_texts.h"
 #include "forms/main_form.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 #include "session_folder.h"
@@ -149,6 +150,7 @@ BENCHMARK(BM_CheckMarkChange)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     benchmark::Initialize(&argc, argv);
     std::printf("folders of %d to %d files, the session using every %dth\n", kSizes[0], kSizes[3],
                 kUsedEvery);

@@ -11,6 +11,7 @@
 #include <functional>
 
 #include "plain_read.h"
+#include "platform/process_setup.h"
 #include "ratio_reporter.h"
 #include "readers/session_kinds.h"
 
@@ -174,6 +175,7 @@ BENCHMARK(BM_ReadSesxSession)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 }  // namespace
 
 int main(int argc, char** argv) {
+    tidewick::prepareProcess();  // the process set up as the programs set theirs up
     benchmark::Initialize(&argc, argv);
     const Fixture& f = fixture();
     std::printf("xml: %.1f MB, sesx: %.1f MB, each listing %d media files among its clips\n",
