@@ -6,7 +6,6 @@
 #include <QtNumeric>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
 #include "platform/file_system.h"
@@ -324,7 +323,8 @@ QByteArray packReport(const FolderReport& report) {
     sizes.reserve(report.reclaimable.size() * 4);
     for (const auto& [text, bytes] : report.reclaimable) {
         names.append(text, isHostRooted(text));
-        appendNumber(sizes, quint64(bytes));
+        // A size folded so that one told as unknown (-1) is a small number too.
+        appendNumber(sizes, (quint64(bytes) << 1) ^ quint64(bytes >> 63));
     }
     out << names.bytes() << names.shared() << sizes << report.stopped << report.reason;
     return bytes;
@@ -362,11 +362,12 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
     qsizetype at = 0;
     bool sized = true;
     const bool whole = forEachLine(names, &shared, [&](QByteArrayView name) {
-        const std::optional<quint64> size = takeNumber(sizes, at);
-        sized = sized && size && *size <= quint64(std::numeric_limits<qint64>::max()) &&
-                !qAddOverflow(report.reclaimableBytes, qint64(*size), &report.reclaimableBytes);
+        const std::optional<quint64> folded = takeNumber(sizes, at);
+        const qint64 size = folded ? qint64((*folded >> 1) ^ (0 - (*folded & 1))) : 0;
+        sized = sized && folded &&
+                !qAddOverflow(report.reclaimableBytes, size, &report.reclaimableBytes);
         if (sized) {
-            report.reclaimable.append({textOf(name), qint64(*size)});
+            report.reclaimable.append({textOf(name), size});
         }
     });
     if (!whole || !sized || at != sizes.size()) {

@@ -104,8 +104,9 @@ FolderReport report(const QString& folder) {
                           {noUtf8, 6},
                           {"/elsewhere/shared.wav", 5},
                           {"/elsewhere/ñ\nline.wav", 8},
-                          {"/elsewhere/" + noUtf8, 9}};
-    report.reclaimableBytes = 3 + (1LL << 40) + 4 + 6 + 5 + 8 + 9;
+                          {"/elsewhere/" + noUtf8, 9},
+                          {"gone.wav", -1}};
+    report.reclaimableBytes = 3 + (1LL << 40) + 4 + 6 + 5 + 8 + 9 - 1;
     return report;
 }
 
@@ -204,17 +205,17 @@ const Hostile kHostile[] = {
          out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\n")
              << QByteArray(1, '\0') << QByteArray("\x01\x02", 2) << false << QString();
      })},
-    {"ASizeBeyondAnyFile", true, bytesOf([](QDataStream& out) {
+    {"ASizeOfMoreThanSixtyFourBits", true, bytesOf([](QDataStream& out) {
          out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\n")
-             << QByteArray(1, '\0') << QByteArray("\xff\xff\xff\xff\xff\xff\xff\xff\xff\x01")
+             << QByteArray(1, '\0') << QByteArray("\xff\xff\xff\xff\xff\xff\xff\xff\xff\x02")
              << false << QString();
      })},
     {"SizesThatAddUpBeyondAnyFolder", true, bytesOf([](QDataStream& out) {
          out << QString("/a") << qint32(0) << qint64(0) << qint32(0) << QByteArray("x\ny\n")
              << QByteArray(2, '\0')
              << QByteArray(
-                    "\xff\xff\xff\xff\xff\xff\xff\xff\x7f"
-                    "\xff\xff\xff\xff\xff\xff\xff\xff\x7f")
+                    "\xfe\xff\xff\xff\xff\xff\xff\xff\xff\x01"
+                    "\xfe\xff\xff\xff\xff\xff\xff\xff\xff\x01")
              << false << QString();
      })},
 };
