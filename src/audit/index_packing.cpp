@@ -80,6 +80,15 @@ std::optional<quint64> takeNumber(QByteArrayView run, qsizetype& at) {
     return std::nullopt;
 }
 
+// A size as a number of the run: folded so that one told as unknown (-1) is small too, and
+// unfolded again (zigzag).
+quint64 foldedSize(qint64 size) {
+    return (quint64(size) << 1) ^ quint64(size >> 63);
+}
+qint64 unfoldedSize(quint64 folded) {
+    return qint64((folded >> 1) ^ (0 - (folded & 1)));
+}
+
 // Texts as lines of UTF-8, each ended by a line end, one after another. Each line holds only what
 // follows the bytes it shares with the line before, whose count goes into a run of its own
 // (`shared`, appendNumber): a session's paths, and a folder's names, share most of theirs with
@@ -317,14 +326,13 @@ QByteArray packReport(const FolderReport& report) {
         out << missing.text << missing.path << missing.sessions;
     }
     // Thousands of names a folder, each from the folder on, a line each (TextLines); a whole
-    // path (of a file elsewhere) marked. Their sizes follow as a run of numbers (appendNumber).
+    // path (of a file elsewhere) marked. Their sizes follow as a run of numbers (foldedSize).
     TextLines names(report.reclaimable.size());
     QByteArray sizes;
     sizes.reserve(report.reclaimable.size() * 4);
     for (const auto& [text, bytes] : report.reclaimable) {
         names.append(text, isHostRooted(text));
-        // A size folded so that one told as unknown (-1) is a small number too.
-        appendNumber(sizes, (quint64(bytes) << 1) ^ quint64(bytes >> 63));
+        appendNumber(sizes, foldedSize(bytes));
     }
     out << names.bytes() << names.shared() << sizes << report.stopped << report.reason;
     return bytes;
@@ -363,7 +371,7 @@ Result<FolderReport> unpackReport(const QByteArray& bytes) {
     bool sized = true;
     const bool whole = forEachLine(names, &shared, [&](QByteArrayView name) {
         const std::optional<quint64> folded = takeNumber(sizes, at);
-        const qint64 size = folded ? qint64((*folded >> 1) ^ (0 - (*folded & 1))) : 0;
+        const qint64 size = folded ? unfoldedSize(*folded) : 0;
         sized = sized && folded &&
                 !qAddOverflow(report.reclaimableBytes, size, &report.reclaimableBytes);
         if (sized) {
