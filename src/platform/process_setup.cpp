@@ -17,13 +17,16 @@ namespace tidewick {
 void prepareProcess() {
 #ifdef TIDEWICK_CPUID
     // On a processor with VAES, Qt's seeded hash of strings (Qt 6.4) leaves the upper halves
-    // of the vector registers in use, and every SSE instruction after it, Qt's own text
+    // of the vector registers in use. On Intel's every SSE instruction after it, Qt's own text
     // searches and this program's loops alike, then runs many times slower until something
     // clears them: an audit took a tenth longer. With the fixed seed Qt takes its other hash,
-    // which leaves them clear. The tables that hold a session's texts in bulk hash with a
-    // fixed function of their own either way.
-    unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;  // the processor's features, leaf 7
-    if (__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_VAES) != 0) {
+    // which leaves them clear. AMD's pay nothing for the dirty halves and keep the seeded hash.
+    // The tables that hold a session's texts in bulk hash with a fixed function of their own
+    // either way.
+    unsigned eax = 0, ebx = 0, ecx = 0, edx = 0;
+    const bool intel = __get_cpuid(0, &eax, &ebx, &ecx, &edx) != 0 && ebx == signature_INTEL_ebx &&
+                       edx == signature_INTEL_edx && ecx == signature_INTEL_ecx;
+    if (intel && __get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0 && (ecx & bit_VAES) != 0) {
         QHashSeed::setDeterministicGlobalSeed();
     }
 #endif
